@@ -1,0 +1,94 @@
+#include "core/lapd.h"
+
+#include <string_view>
+
+#include "core/globals.h"
+#include "q931/message.h"
+
+namespace velmora {
+
+namespace {
+
+// Supervisory frames: control octet AND 0x0C. 0x0C names no frame and
+// leaves the line open, without its line end.
+constexpr std::string_view kSupervisory[4] = {
+    "RR(receive ready)\n",
+    "RNR(receive not ready)\n",
+    "REJ(reject)\n",
+    "",
+};
+
+enum class LinkEffect { None, Set, Clear, ReadForUa };
+
+// Unnumbered frames: m = bits 8, 7, 6, 4 and 3 of the control octet (the
+// poll/final bit 5 takes no part).
+struct UnnumberedFrame {
+  Octet m;
+  std::string_view text;
+  LinkEffect effect;
+};
+constexpr UnnumberedFrame kUnnumbered[] = {
+    {0, "UI(unnumbered information)\n", LinkEffect::None},
+    {3, "DM(disconnected mode), Can't establish link\n", LinkEffect::None},
+    {16, "DISC(disconnect), Disconnect link\n", LinkEffect::Clear},
+    {24, "UA(unnumbered acknowledgement), ", LinkEffect::ReadForUa},
+    {27, "SABME(set asynchronous balanced mode extended), Request to establish link\n", LinkEffect::Set},
+    {33, "FRMR(frame reject)\n", LinkEffect::None},
+    {43, "XID(Exchange Identification)\n", LinkEffect::None},
+};
+
+void DecodeUnnumbered(Octet control) {
+  const Octet m = static_cast<Octet>((control & 0xEC) >> 2);
+  for (const UnnumberedFrame& frame : kUnnumbered) {
+    if (frame.m != m) continue;
+    Out().Put(frame.text);
+    switch (frame.effect) {
+      case LinkEffect::None:
+        break;
+      case LinkEffect::Set:
+        g_linkSetupPending = 1;
+        break;
+      case LinkEffect::Clear:
+        g_linkSetupPending = 0;
+        break;
+      case LinkEffect::ReadForUa:
+        Out().Put(g_linkSetupPending == 1 ? "Acknowledge to SABME, link established\n"
+                                         : "Acknowledge to DISC, link disconnected\n");
+        break;
+    }
+    return;
+  }
+  // Any other m prints nothing: the layer-2 line stays open.
+}
+
+}  // namespace
+
+void DecodeLapdFrame(OctetSpan frame) {
+  OutputWriter& out = Out();
+  out.Put("ISDN Layer 2: ");
+  // Octets 1 and 2 are the address; without octet 3 there is no control field.
+  if (frame.size() < 3) {
+    out.Put("Truncated frame\n");
+    return;
+  }
+  const Octet control = frame[2];
+  if ((control & 0x01) == 0) {
+    out.Put("Information transfer\nISDN Layer 3: ");
+    // The protocol discriminator is octet 5; a frame that ends before it has none.
+    if (frame.size() < 5) {
+      out.Put("Truncated frame\n");
+    } else if (IsQ931Discriminator(frame[4])) {
+      out.Put("Q.931 protocol message\n");
+      DecodeQ931Message(frame.subspan(4));
+    } else {
+      out.Put("Unknown protocol message\n");
+    }
+  } else if ((control & 0x02) == 0) {
+    out.Put("Supervisory  ");
+    out.Put(kSupervisory[(control & 0x0C) >> 2]);
+  } else {
+    DecodeUnnumbered(control);
+  }
+}
+
+}  // namespace velmora

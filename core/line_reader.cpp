@@ -1,0 +1,58 @@
+#include "core/line_reader.h"
+
+#include <unistd.h>
+
+#include <cerrno>
+#include <cstring>
+
+namespace velmora {
+
+LineReader::LineReader(int fd, std::size_t blockSize)
+    : fd_(fd), blockSize_(blockSize < kMaxPiece ? kMaxPiece : blockSize), buffer_(new char[blockSize_ + kMaxPiece]) {}
+
+// Moves the unread rest to the front and reads more behind it.
+bool LineReader::Refill() {
+  if (atEnd_) return false;
+  if (begin_ > 0) {
+    std::memmove(buffer_.get(), buffer_.get() + begin_, end_ - begin_);
+    end_ -= begin_;
+    begin_ = 0;
+  }
+  if (beforeRead_) beforeRead_();
+  for (;;) {
+    const ssize_t got = ::read(fd_, buffer_.get() + end_, blockSize_ + kMaxPiece - end_);
+    if (got > 0) {
+      end_ += static_cast<std::size_t>(got);
+      bytesRead_ += static_cast<std::uint64_t>(got);
+      return true;
+    }
+    if (got < 0 && errno == EINTR) continue;
+    if (got < 0) error_ = errno;
+    atEnd_ = true;
+    return false;
+  }
+}
+
+std::optional<std::string_view> LineReader::Next() {
+  for (;;) {
+    const std::size_t available = end_ - begin_;
+    const std::size_t window = available < kMaxPiece ? available : kMaxPiece;
+    const char* start = buffer_.get() + begin_;
+    if (const void* lineEnd = std::memchr(start, '\n', window)) {
+      const std::size_t size = static_cast<std::size_t>(static_cast<const char*>(lineEnd) - start) + 1;
+      begin_ += size;
+      return std::string_view(start, size);
+    }
+    // A full piece without a line end, or the input's last bytes.
+    if (available >= kMaxPiece || (atEnd_ && available > 0)) {
+      begin_ += window;
+      return std::string_view(start, window);
+    }
+    if (!Refill()) {
+      if (end_ > begin_) continue;  // the last line, without a line end
+      return std::nullopt;
+    }
+  }
+}
+
+}  // namespace velmora

@@ -1,0 +1,60 @@
+#include "core/line_scanner.h"
+
+#include "core/globals.h"
+#include "core/lapd.h"
+
+namespace velmora {
+
+namespace {
+
+constexpr std::size_t kMinimumFrameLine = 80;
+constexpr std::size_t kCellWidth = 5;
+
+constexpr unsigned HexValue(unsigned char c) { return c >= 'a' ? c - 87U : c - 48U; }
+
+}  // namespace
+
+bool IsFrameLine(std::string_view line) {
+  return line.size() >= kMinimumFrameLine && line.find("****") != std::string_view::npos &&
+         line.find("HDLC") != std::string_view::npos;
+}
+
+void HexFieldsToOctets(const char* cells, long octetCount, Octet* octets) {
+  for (long k = 0; k < octetCount; ++k) {
+    const char* cell = cells + k * static_cast<long>(kCellWidth);
+    octets[k] = static_cast<Octet>(16U * HexValue(static_cast<unsigned char>(cell[2])) +
+                                   HexValue(static_cast<unsigned char>(cell[3])));
+  }
+}
+
+std::size_t ReadFrameOctets(std::string_view line, Octet (&frame)[kFrameCapacity]) {
+  const std::size_t anchor = line.find("HDLC");
+  std::size_t position = anchor + 5;  // "HDLC" and one skipped character
+  std::size_t announced = 0;
+  while (position < line.size() && line[position] >= '0' && line[position] <= '9') {
+    if (announced <= kFrameCapacity) announced = announced * 10 + static_cast<std::size_t>(line[position] - '0');
+    ++position;
+  }
+  const std::size_t cellsStart = position + 4;  // Q and the three characters behind it
+  std::size_t textEnd = line.size();
+  if (textEnd > 0 && line[textEnd - 1] == '\n') --textEnd;
+  // Cell k is readable when its digit positions 2 and 3 lie before textEnd.
+  std::size_t present = 0;
+  if (cellsStart + 3 < textEnd) present = (textEnd - cellsStart - 4) / kCellWidth + 1;
+  std::size_t count = announced;
+  if (count > kFrameCapacity) count = kFrameCapacity;
+  if (count > present) count = present;
+  HexFieldsToOctets(line.data() + cellsStart, static_cast<long>(count), frame);
+  return count;
+}
+
+void TranslateTraceLine(std::string_view line) {
+  Out().Put(line);
+  if (!IsFrameLine(line)) return;
+  g_frameFound = true;
+  Octet frame[kFrameCapacity];
+  const std::size_t count = ReadFrameOctets(line, frame);
+  DecodeLapdFrame(OctetSpan(frame, count));
+}
+
+}  // namespace velmora

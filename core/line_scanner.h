@@ -1,0 +1,29 @@
+#pragma once
+// Frame lines of the trace log: at least 80 characters, holding "****" and
+// "HDLC"; behind "HDLC", one skipped character, the decimal octet count N,
+// four skipped characters and N five-character hexadecimal cells.
+#include <cstddef>
+#include <string_view>
+
+#include "core/octet.h"
+
+namespace velmora {
+
+// Copies one line (or piece of a line) to g_outputFile and, for a frame
+// line, decodes its frame behind the copy. The line may hold any byte.
+void TranslateTraceLine(std::string_view line);
+
+// True when the line meets the three frame-line conditions.
+bool IsFrameLine(std::string_view line);
+
+// The frame octets of a frame line: N as its length field reads, cut to the
+// 300-octet frame buffer and to the cells that lie wholly before the line's
+// end (a trailing "\n" is not cell text). Returns the octet count written.
+std::size_t ReadFrameOctets(std::string_view line, Octet (&frame)[kFrameCapacity]);
+
+// Cell k: the high digit at cell position 2, the low one at 3; "a" and up
+// count from 10, everything else from "0", modulo 256 ("7F" gives 0x86).
+// Converts `octetCount` cells from `cells`, which must hold them all.
+void HexFieldsToOctets(const char* cells, long octetCount, Octet* octets);
+
+}  // namespace velmora

@@ -1,0 +1,55 @@
+#pragma once
+// The translation run: the one operation behind the dialog's Translate
+// button and the velmora command. This header is the core's whole API.
+#include <cstdint>
+#include <string_view>
+
+namespace velmora {
+
+enum class TranslationOutcome {
+  InputNotSelected,
+  OutputNotSelected,
+  OutputSameAsInput,
+  InputOpenFailed,
+  OutputOpenFailed,
+  NoFrameFound,
+  TranslationDone,
+};
+
+// Message-box icon kinds, with the values the original platform gave them.
+enum class OutcomeIcon { Error = 16, Information = 64 };
+
+struct OutcomeMessage {
+  std::string_view text;  // "\n" inside is a line break
+  std::string_view caption;
+  OutcomeIcon icon;
+};
+
+// The exact text, caption and icon that tell the user how a run ended.
+const OutcomeMessage& DescribeOutcome(TranslationOutcome outcome);
+
+// What the run saw of its two files, beyond the outcome.
+struct TranslationReport {
+  int readError = 0;   // errno of a read that failed part-way, or 0
+  int writeError = 0;  // errno of the first write that failed, or 0
+  std::uint64_t bytesRead = 0;
+  std::uint64_t bytesWritten = 0;
+};
+
+struct TranslationOptions {
+  // "-" as the input reads standard input, "-" as the output writes
+  // standard output (the command line's convention).
+  bool dashMeansStandardStream = false;
+  // Refuse, as OutputSameAsInput, an output that is the same existing file
+  // as the input under another spelling (same device and inode).
+  bool refuseSameFile = false;
+  // Filled in when not null.
+  TranslationReport* report = nullptr;
+};
+
+// Checks the paths, opens both files, copies and decodes every line of the
+// input into the output, closes both files and returns the outcome.
+TranslationOutcome TranslateTraceFile(std::string_view inputPath, std::string_view outputPath,
+                                      const TranslationOptions& options = {});
+
+}  // namespace velmora

@@ -1,0 +1,9 @@
+// Channel identification (0x18).
+// Not decoded field by field yet: shown as a hexadecimal dump until then.
+#include "elements/element_decoders.h"
+
+namespace velmora {
+
+int DecodeChannelIdentification(const ElementOctets& element) { return DecodeUnknownElement(element); }
+
+}  // namespace velmora

@@ -1,0 +1,43 @@
+// Single-octet elements (bit 8 = 1). The walks pick the octets by mask; these
+// decoders do not test the identifier bits again and always occupy 1 octet.
+#include "elements/element_decoders.h"
+#include "q931/text.h"
+
+namespace velmora {
+
+namespace {
+
+constexpr ValueText kRepeatIndication[] = {
+    {0b0010, "Prioritized list for selecting one possibility"},
+};
+
+constexpr ValueText kCongestionLevel[] = {
+    {0b0000, "Receiver ready"},
+    {0b1111, "Receiver not ready"},
+};
+
+}  // namespace
+
+int DecodeRepeatIndicator(const ElementOctets& element) {
+  PrintHeading("Repeat indicator");
+  PrintField("Repeat indication", element.Identifier() & 0x0F, 4, kRepeatIndication);
+  return 1;
+}
+
+int DecodeSendingComplete(const ElementOctets&) {
+  PrintHeading("Sending complete");
+  return 1;
+}
+
+int DecodeMoreData(const ElementOctets&) {
+  PrintHeading("More data");
+  return 1;
+}
+
+int DecodeCongestionLevel(const ElementOctets& element) {
+  PrintHeading("Congestion level");
+  PrintField("Congestion level", element.Identifier() & 0x0F, 4, kCongestionLevel);
+  return 1;
+}
+
+}  // namespace velmora

@@ -1,0 +1,31 @@
+#include "q931/message.h"
+
+#include "core/globals.h"
+
+namespace velmora {
+
+// Header: protocol discriminator (0), call reference length (1), the call
+// reference value, then the message type at crl + 2. The whole octet 1 is
+// the length; bits 8 to 5 are not masked off.
+void DecodeQ931Message(OctetSpan message) {
+  OutputWriter& out = Out();
+  out.Put("Message type:");
+  if (message.size() < 2) {
+    out.Put("Truncated message\n");
+    return;
+  }
+  const std::size_t typePosition = static_cast<std::size_t>(message[1]) + 2;
+  if (typePosition >= message.size()) {
+    out.Put("Truncated message\n");
+    return;
+  }
+  // An unknown type prints nothing more, not even a line end: the copy of
+  // the next input line continues the open "Message type:" line.
+  const MessageTypeInfo* type = FindMessageType(message[typePosition]);
+  if (type == nullptr) return;
+  out.Put(type->name);
+  out.Put('\n');
+  type->walk(message.subspan(typePosition));
+}
+
+}  // namespace velmora

@@ -1,0 +1,27 @@
+#include "q931/element.h"
+#include "q931/text.h"
+
+namespace velmora {
+
+// "Unknown ( " + "0x%x " for every octet of the element + ")\n". A single-octet
+// element is its one octet; a variable-length one shows identifier, length and
+// contents, as far as the frame holds them.
+int DecodeUnknownElement(const ElementOctets& element) {
+  OutputWriter& out = Out();
+  out.Put("Unknown ( ");
+  int count = 1;
+  if (element.IsSingleOctet()) {
+    out.Hex(element.Identifier());
+    out.Put(' ');
+  } else {
+    count = element.Count();
+    for (const Octet octet : element.Slice(0)) {
+      out.Hex(octet);
+      out.Put(' ');
+    }
+  }
+  out.Put(")\n");
+  return count;
+}
+
+}  // namespace velmora

@@ -1,0 +1,48 @@
+# The two commands: `make demo` and `make test`. Each installs the Debian
+# packages it needs (as root), configures, builds and runs.
+SHELL := /bin/bash
+.DEFAULT_GOAL := demo
+
+PACKAGES := cmake ninja-build g++ clang libclang-rt-14-dev libgtest-dev libgmock-dev \
+            libbenchmark-dev qt6-base-dev
+JOBS ?= $(shell nproc)
+
+RELEASE_DIR := build/release
+TEST_DIR := build/test
+
+.PHONY: demo test deps build clean
+
+# Installs what is missing; when not root, prints the exact line and stops.
+deps:
+	@missing=""; for p in $(PACKAGES); do \
+	  dpkg-query -W -f='$${Status}' $$p 2>/dev/null | grep -q "install ok installed" || missing="$$missing $$p"; \
+	done; \
+	if [ -n "$$missing" ]; then \
+	  if [ "$$(id -u)" != 0 ]; then \
+	    echo "Missing packages. Run as root:"; \
+	    echo "  apt-get update && apt-get install -y$$missing"; \
+	    exit 1; \
+	  fi; \
+	  echo "Installing:$$missing"; \
+	  apt-get update -qq && DEBIAN_FRONTEND=noninteractive apt-get install -y -qq$$missing >/dev/null; \
+	fi
+
+build: deps
+	cmake -S . -B $(RELEASE_DIR) -G Ninja -DCMAKE_BUILD_TYPE=Release -DVELMORA_TESTS=OFF >/dev/null
+	cmake --build $(RELEASE_DIR) -j $(JOBS)
+
+demo: build
+	@mkdir -p build/demo
+	$(RELEASE_DIR)/velmora samples/trace.txt build/demo/message.txt
+	@echo "---- build/demo/message.txt ----"
+	@cat build/demo/message.txt
+
+# Every test, built with AddressSanitizer and UndefinedBehaviorSanitizer.
+test: deps
+	cmake -S . -B $(TEST_DIR) -G Ninja -DCMAKE_BUILD_TYPE=Debug \
+	  -DVELMORA_SANITIZE=address,undefined >/dev/null
+	cmake --build $(TEST_DIR) -j $(JOBS)
+	cd $(TEST_DIR) && ASAN_OPTIONS=detect_leaks=1 ctest --output-on-failure -j $(JOBS)
+
+clean:
+	rm -rf build

@@ -1,0 +1,138 @@
+// The velmora command: outcomes on standard error and sysexits statuses.
+#include <gtest/gtest.h>
+#include <sys/wait.h>
+
+#include <cstdio>
+#include <filesystem>
+#include <fstream>
+#include <sstream>
+#include <string>
+
+namespace {
+
+namespace fs = std::filesystem;
+
+struct CommandResult {
+  int status = -1;
+  std::string out;
+  std::string err;
+};
+
+class Cli : public ::testing::Test {
+ protected:
+  void SetUp() override {
+    dir_ = fs::temp_directory_path() / ("velmora_cli_" + std::to_string(::getpid()) + "_" +
+                                         ::testing::UnitTest::GetInstance()->current_test_info()->name());
+    fs::remove_all(dir_);
+    fs::create_directories(dir_);
+  }
+  void TearDown() override { fs::remove_all(dir_); }
+
+  std::string Path(const std::string& name) const { return (dir_ / name).string(); }
+  void Write(const std::string& name, const std::string& text) const {
+    std::ofstream(Path(name), std::ios::binary) << text;
+  }
+  std::string Read(const std::string& name) const {
+    std::ifstream in(Path(name), std::ios::binary);
+    std::ostringstream text;
+    text << in.rdbuf();
+    return text.str();
+  }
+  // Runs velmora through the shell; `args` is shell text.
+  CommandResult Velmora(const std::string& args, const std::string& stdinText = "") const {
+    Write("stdin", stdinText);
+    const std::string command = std::string(VELMORA_CLI_PATH) + " " + args + " <" + Path("stdin") + " >" +
+                                Path("stdout") + " 2>" + Path("stderr");
+    CommandResult run;
+    const int raw = std::system(command.c_str());
+    run.status = WIFEXITED(raw) ? WEXITSTATUS(raw) : -1;
+    run.out = Read("stdout");
+    run.err = Read("stderr");
+    return run;
+  }
+
+  fs::path dir_;
+};
+
+std::string FrameLine(const char* control) {
+  std::string line = "00001 10:00:00.000 **** D-CH RX HDLC:3  | 0x00 0x81 0x";
+  line += control;
+  return line + std::string(90 - line.size(), ' ') + "\n";
+}
+const std::string kSabme = "SABME(set asynchronous balanced mode extended), Request to establish link\n";
+const std::string kUaEstablished = "UA(unnumbered acknowledgement), Acknowledge to SABME, link established\n";
+
+TEST_F(Cli, HelpVersionAndUsageErrors) {
+  CommandResult run = Velmora("--help");
+  EXPECT_EQ(run.status, 0);
+  EXPECT_NE(run.out.find("Usage: velmora"), std::string::npos);
+  run = Velmora("--version");
+  EXPECT_EQ(run.status, 0);
+  EXPECT_EQ(run.out, "velmora 1.0.0.1\n");
+  EXPECT_EQ(Velmora("").status, 64);
+  EXPECT_EQ(Velmora("only-one").status, 64);
+  EXPECT_EQ(Velmora("--bogus a b").status, 64);
+  run = Velmora("'' out");
+  EXPECT_EQ(run.status, 64);
+  EXPECT_EQ(run.err, "Please select input log file!\n");
+}
+
+TEST_F(Cli, TranslationOutcomesAndTheirStatuses) {
+  Write("frames.txt", FrameLine("7f"));
+  Write("plain.txt", "no frame here\n");
+  CommandResult run = Velmora(Path("frames.txt") + " " + Path("out.txt"));
+  EXPECT_EQ(run.status, 0);
+  EXPECT_EQ(run.err, "Translation is done!\n");
+  EXPECT_EQ(Read("out.txt"), FrameLine("7f") + "ISDN Layer 2: " + kSabme);
+
+  EXPECT_EQ(Velmora("-q " + Path("frames.txt") + " " + Path("out.txt")).err, "");
+  run = Velmora(Path("plain.txt") + " " + Path("out.txt"));
+  EXPECT_EQ(run.status, 1);
+  EXPECT_EQ(run.err, "The input log file contains no useful information!\n");
+  run = Velmora(Path("frames.txt") + " " + Path("frames.txt"));
+  EXPECT_EQ(run.status, 64);
+  EXPECT_EQ(run.err, "The output message file is as same as the input log file.\nPlease select them again!\n");
+}
+
+TEST_F(Cli, OpenFailures) {
+  Write("frames.txt", FrameLine("01"));
+  CommandResult run = Velmora(Path("missing.txt") + " " + Path("out.txt"));
+  EXPECT_EQ(run.status, 66);
+  EXPECT_EQ(run.err, "Cannot open Input log file!\n");
+  EXPECT_EQ(Velmora(dir_.string() + " " + Path("out.txt")).status, 66);
+  run = Velmora(Path("frames.txt") + " " + Path("nowhere/out.txt"));
+  EXPECT_EQ(run.status, 73);
+  EXPECT_EQ(run.err, "Cannot open output message file!\n");
+}
+
+TEST_F(Cli, SameFileUnderAnotherSpellingIsRefusedAndKept) {
+  Write("frames.txt", FrameLine("01"));
+  const CommandResult run = Velmora(Path("frames.txt") + " " + (dir_ / "." / "frames.txt").string());
+  EXPECT_EQ(run.status, 64);
+  EXPECT_EQ(Read("frames.txt"), FrameLine("01"));
+}
+
+TEST_F(Cli, FullDeviceIsAnIoErrorNeverSuccess) {
+  Write("frames.txt", FrameLine("01"));
+  const CommandResult run = Velmora(Path("frames.txt") + " /dev/full");
+  EXPECT_EQ(run.status, 74);
+  EXPECT_EQ(run.err.find("Translation is done!"), std::string::npos);
+  EXPECT_NE(run.err.find("/dev/full"), std::string::npos);
+}
+
+TEST_F(Cli, DashesMakeAFilter) {
+  const CommandResult run = Velmora("-q - -", FrameLine("7f"));
+  EXPECT_EQ(run.status, 0);
+  EXPECT_EQ(run.out, FrameLine("7f") + "ISDN Layer 2: " + kSabme);
+}
+
+TEST_F(Cli, SeveralPairsShareTheLinkMemory) {
+  Write("sabme.txt", FrameLine("7f"));
+  Write("ua.txt", FrameLine("73"));
+  const CommandResult run = Velmora(Path("sabme.txt") + " " + Path("o1.txt") + " " + Path("ua.txt") + " " + Path("o2.txt"));
+  EXPECT_EQ(run.status, 0);
+  EXPECT_EQ(Read("o2.txt"), FrameLine("73") + "ISDN Layer 2: " + kUaEstablished);
+  EXPECT_EQ(run.err, Path("sabme.txt") + ": Translation is done!\n" + Path("ua.txt") + ": Translation is done!\n");
+}
+
+}  // namespace

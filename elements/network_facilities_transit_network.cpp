@@ -1,11 +1,80 @@
-// Network-specific facilities (0x20), Transit network selection (0x78).
-// Not decoded field by field yet: shown as a hexadecimal dump until then.
+// Network-specific facilities (0x20), Transit network selection (0x78): the
+// network named by its identification type, plan and IA5 characters.
+#include <algorithm>
+
 #include "elements/element_decoders.h"
+#include "q931/text.h"
 
 namespace velmora {
+namespace {
 
-int DecodeNetworkSpecificFacilities(const ElementOctets& element) { return DecodeUnknownElement(element); }
+constexpr ValueText kNetworkIdentificationType[] = {
+    {0b000, "User specified"},
+    {0b010, "National network identification"},
+    {0b011, "International network identification"},
+};
 
-int DecodeTransitNetworkSelection(const ElementOctets& element) { return DecodeUnknownElement(element); }
+// The two elements word the data network plan differently.
+constexpr ValueText kFacilitiesIdentificationPlan[] = {
+    {0b0000, "Unknown"},
+    {0b0001, "Carrier Identification Code"},
+    {0b0011, "Data network identification code"},
+};
+constexpr ValueText kTransitIdentificationPlan[] = {
+    {0b0000, "Unknown"},
+    {0b0001, "Carrier Identification Code"},
+    {0b0011, "Data network identification code (Recommendation X.121 [21])"},
+};
+
+void PrintNetworkIdentification(Octet octet, ValueTable plans) {
+  PrintField("Type of network identification", (octet >> 4) & 0b111, 3, kNetworkIdentificationType);
+  PrintField("Network identification plan", octet & 0x0F, 4, plans);
+}
+
+// IA5 characters shown as their 7-bit codes; bit 8 of each octet is spare.
+void PrintIa5Characters(OctetSpan characters) {
+  OutputWriter& out = Out();
+  out.Put("\t\tNetwork identification(IA5)=");
+  for (const Octet character : characters) out.SpaceHex(character & 0x7F);
+  out.Put('\n');
+}
+
+}  // namespace
+
+// Octet 3 counts octets 3.1 and 3.2 together; 0 or a value with bit 8 set
+// means no network identification, and the facility octet follows at once.
+// An identification that announces more octets than the element holds shows
+// the characters it has; when the element then ends before the facility
+// octet, the facility line is left out.
+int DecodeNetworkSpecificFacilities(const ElementOctets& element) {
+  PrintHeading("Network-specific facilities");
+  const auto identificationLength = element.At(2);
+  if (!identificationLength) return element.Count();
+
+  std::size_t facilityIndex = 3;
+  if (*identificationLength >= 0x01 && *identificationLength <= 0x7F) {
+    if (const auto octet31 = element.At(3)) PrintNetworkIdentification(*octet31, kFacilitiesIdentificationPlan);
+    const OctetSpan characters = element.Slice(4);
+    const std::size_t characterCount = *identificationLength - 1U;
+    PrintIa5Characters(characters.first(std::min(characterCount, characters.size())));
+    facilityIndex = 3 + *identificationLength;
+  }
+
+  if (const auto facility = element.At(facilityIndex)) {
+    Out().Put("\t\tNetwork-specific facilities=");
+    Out().SpaceHex(*facility);
+    Out().Put('\n');
+  }
+  return element.Count();
+}
+
+int DecodeTransitNetworkSelection(const ElementOctets& element) {
+  PrintHeading("Transit network selection");
+  const auto octet3 = element.At(2);
+  if (!octet3) return element.Count();
+  PrintNetworkIdentification(*octet3, kTransitIdentificationPlan);
+  PrintIa5Characters(element.Slice(3));
+  return element.Count();
+}
 
 }  // namespace velmora

@@ -1,13 +1,95 @@
-// Progress indicator (0x1E), Notification indicator (0x27), Signal (0x34).
-// Not decoded field by field yet: shown as a hexadecimal dump until then.
+// Progress indicator (0x1E), Notification indicator (0x27), Signal (0x34):
+// what the network tells the user about a call's progress and the tones it plays.
 #include "elements/element_decoders.h"
+#include "q931/text.h"
 
 namespace velmora {
+namespace {
 
-int DecodeProgressIndicator(const ElementOctets& element) { return DecodeUnknownElement(element); }
+// Progress indicator octet 3.
+constexpr ValueText kCodingStandard[] = {
+    {0b00, "ITU-T standardized coding"},
+    {0b01, "ISO/IEC Standard"},
+    {0b10, "National standard"},
+    {0b11, "Standard defined for the network (either public or private) present on the network side of the interface"},
+};
+constexpr ValueText kLocation[] = {
+    {0b0000, "User"},
+    {0b0001, "Private network serving the local user"},
+    {0b0010, "Public network serving the local user"},
+    {0b0011, "Transit network"},
+    {0b0100, "Public network serving the remote user"},
+    {0b0101, "Private network serving the remote user"},
+    {0b1010, "Network beyond the interworking point"},
+};
 
-int DecodeNotificationIndicator(const ElementOctets& element) { return DecodeUnknownElement(element); }
+// Progress indicator octet 4.
+constexpr ValueText kProgressDescription[] = {
+    {0b0000001, "Call is not end-to-end ISDN; further call progress information may be available in-band"},
+    {0b0000010, "Destination address is non-ISDN"},
+    {0b0000011, "Origination address is non-ISDN"},
+    {0b0000100, "Call has returned to the ISDN"},
+    {0b0000101, "Interworking has occurred and has resulted in a telecommunication service change"},
+    {0b0001000, "In-band information or an appropriate pattern is now available"},
+};
 
-int DecodeSignal(const ElementOctets& element) { return DecodeUnknownElement(element); }
+constexpr ValueText kNotificationDescription[] = {
+    {0b0000000, "User suspended"},
+    {0b0000001, "User resumed"},
+    {0b0000010, "Bearer service change"},
+};
+
+constexpr ValueText kSignalValue[] = {
+    {0x00, "Dial tone on"},
+    {0x01, "Ring back tone on"},
+    {0x02, "Intercept tone on"},
+    {0x03, "Network congestion tone on"},
+    {0x04, "Busy tone on"},
+    {0x05, "Confirm tone on"},
+    {0x06, "Answer tone on"},
+    {0x07, "Call waiting tone"},
+    {0x08, "Off-hook warning tone"},
+    {0x09, "Pre-emption tone on"},
+    {0x3F, "Tones off"},
+    {0x40, "Alerting on - pattern 0"},
+    {0x41, "Alerting on - pattern 1"},
+    {0x42, "Alerting on - pattern 2"},
+    {0x43, "Alerting on - pattern 3"},
+    {0x44, "Alerting on - pattern 4"},
+    {0x45, "Alerting on - pattern 5"},
+    {0x46, "Alerting on - pattern 6"},
+    {0x47, "Alerting on - pattern 7"},
+    {0x4F, "Alerting off"},
+};
+
+}  // namespace
+
+int DecodeProgressIndicator(const ElementOctets& element) {
+  PrintHeading("Progress indicator");
+  if (const auto octet3 = element.At(2)) {
+    PrintField("Coding standard", (*octet3 >> 5) & 0b11, 2, kCodingStandard);
+    PrintField("Location", *octet3 & 0x0F, 4, kLocation);
+  }
+  // Octet 4 always follows octet 3, whatever octet 3's extension bit says.
+  if (const auto octet4 = element.At(3)) {
+    PrintField("Progress description", *octet4 & 0x7F, 7, kProgressDescription);
+  }
+  return element.Count();
+}
+
+int DecodeNotificationIndicator(const ElementOctets& element) {
+  PrintHeading("Notification indicator");
+  if (const auto octet3 = element.At(2)) {
+    PrintField("Notification description", *octet3 & 0x7F, 7, kNotificationDescription);
+  }
+  return element.Count();
+}
+
+int DecodeSignal(const ElementOctets& element) {
+  PrintHeading("Signal");
+  // The signal value takes the whole octet: bit 8 is part of the value.
+  if (const auto octet3 = element.At(2)) PrintField("Signal value", *octet3, 8, kSignalValue);
+  return element.Count();
+}
 
 }  // namespace velmora

@@ -1,9 +1,60 @@
-// User-user (0x7E).
-// Not decoded field by field yet: shown as a hexadecimal dump until then.
+// User-user (0x7E): the protocol discriminator of the user information and
+// the user information octets, always shown in hexadecimal.
+#include <string_view>
+
 #include "elements/element_decoders.h"
+#include "q931/text.h"
 
 namespace velmora {
+namespace {
 
-int DecodeUserUser(const ElementOctets& element) { return DecodeUnknownElement(element); }
+constexpr ValueText kProtocolDiscriminator[] = {
+    {0x00, "User-specific protocol"},
+    {0x01, "OSI high layer protocols"},
+    {0x02, "Recommendation X.244 [44]"},
+    {0x03, "Reserved for system management convergence function"},
+    {0x04, "IA5 characters"},
+    {0x05, "X.208 and X.209 coded user information"},
+    {0x07, "Recommendation V.120 [9] rate adaption"},
+    {0x08, "Q.931/I.451 user-network call control messages"},
+};
+
+// Discriminators named by range rather than one by one; these lines show
+// the octet as "0x%x" instead of its bits.
+struct DiscriminatorRange {
+  Octet first;
+  Octet last;
+  std::string_view text;
+};
+constexpr DiscriminatorRange kProtocolDiscriminatorRanges[] = {
+    {0x10, 0x3F, "Reserved for other network layer or layer 3 protocols, including Recommendation X.25"},
+    {0x40, 0x4F, "National use"},
+    {0x50, 0xFE, "Reserved for other network layer or layer 3 protocols, including Recommendation X.25"},
+};
+
+void PrintProtocolDiscriminator(Octet discriminator) {
+  if (PrintField("Protocol discriminator", discriminator, 8, kProtocolDiscriminator)) return;
+  for (const DiscriminatorRange& range : kProtocolDiscriminatorRanges) {
+    if (discriminator < range.first || discriminator > range.last) continue;
+    OutputWriter& out = Out();
+    out.Put("\t\tProtocol discriminator=");
+    out.Hex(discriminator);
+    out.Put("  ");
+    out.Put(range.text);
+    out.Put('\n');
+    return;
+  }
+}
+
+}  // namespace
+
+int DecodeUserUser(const ElementOctets& element) {
+  PrintHeading("User-user");
+  const auto discriminator = element.At(2);
+  if (!discriminator) return element.Count();
+  PrintProtocolDiscriminator(*discriminator);
+  PrintOctetString("User information", element.Slice(3));
+  return element.Count();
+}
 
 }  // namespace velmora

@@ -1,13 +1,82 @@
 // Call identity (0x10), Call state (0x14), Restart indicator (0x79).
-// Not decoded field by field yet: shown as a hexadecimal dump until then.
+// Each reads octet 3 (or octets 3 to L + 2) and stops at the element's end;
+// a frame that ends before octet 3 leaves the heading alone, as L = 0 does.
 #include "elements/element_decoders.h"
+#include "q931/text.h"
 
 namespace velmora {
 
-int DecodeCallIdentity(const ElementOctets& element) { return DecodeUnknownElement(element); }
+namespace {
 
-int DecodeCallState(const ElementOctets& element) { return DecodeUnknownElement(element); }
+constexpr ValueText kCodingStandard[] = {
+    {0b00, "ITU-T standardized coding"},
+    {0b01, "ISO/IEC standard"},
+    {0b10, "National standard"},
+    {0b11, "Standard defined for the network (either public or private) present on the network side of the interface"},
+};
 
-int DecodeRestartIndicator(const ElementOctets& element) { return DecodeUnknownElement(element); }
+constexpr ValueText kCallStateValue[] = {
+    {0b000000, "U0-Null, N0-Null, REST0-Null"},
+    {0b000001, "U1-Call initiated, N1-Call initiated"},
+    {0b000010, "U2-Overlap sending, N2-Overlap sending"},
+    {0b000011, "U3-Outgoing call proceeding, N3-Outgoing call proceeding"},
+    {0b000100, "U4-Call delivered, N4-Call delivered"},
+    {0b000110, "U6-Call present, N6-Call present"},
+    {0b000111, "U7-Call received, N7-Call received"},
+    {0b001000, "U8-Connect request, N8-Connect request"},
+    {0b001001, "U9-Incoming call proceeding, N9-Incoming call proceeding"},
+    {0b001010, "U10-Active, N10-Active"},
+    {0b001011, "U11-Disconnect request, N11-Disconnect request"},
+    {0b001100, "U12-Disconnect indication, N12-Disconnect indication"},
+    {0b001111, "U15-Suspend request, N15-Suspend request"},
+    {0b010001, "U17-Resume request, N17-Resume request"},
+    {0b010011, "U19-Release request, N19-Release request"},
+    {0b010110, "N22-Call abort"},
+    {0b011001, "U25-Overlap receiving, N25-Overlap receiving"},
+    {0b111101, "REST1-Restart request"},
+    {0b111110, "REST2-Restart"},
+};
+
+// The same six bits carry the global interface state of the restart
+// procedures; the field is named after what the value stands for.
+constexpr ValueText kCallStateFieldName[] = {
+    {0b000000, "Call state value / global interface state value"},
+    {0b111101, "Global interface state value"},
+    {0b111110, "Global interface state value"},
+};
+constexpr std::string_view kCallStateDefaultName = "Call state value";
+
+constexpr ValueText kRestartClass[] = {
+    {0b000, "Indicated channels"},
+    {0b110, "Single interface"},
+    {0b111, "All interfaces"},
+};
+
+}  // namespace
+
+int DecodeCallIdentity(const ElementOctets& element) {
+  PrintHeading("Call identity");
+  const OctetSpan identity = element.Slice(2);
+  if (!identity.empty()) PrintOctetString("Call identity", identity);
+  return element.Count();
+}
+
+int DecodeCallState(const ElementOctets& element) {
+  PrintHeading("Call state");
+  const auto octet3 = element.At(2);
+  if (!octet3) return element.Count();
+
+  PrintField("Coding standard", *octet3 >> 6, 2, kCodingStandard);
+  const unsigned state = *octet3 & 0x3F;
+  const ValueText* named = FindRow(kCallStateFieldName, state);
+  PrintField(named != nullptr ? named->text : kCallStateDefaultName, state, 6, kCallStateValue);
+  return element.Count();
+}
+
+int DecodeRestartIndicator(const ElementOctets& element) {
+  PrintHeading("Restart indicator");
+  if (const auto octet3 = element.At(2)) PrintField("Class", *octet3 & 0x07, 3, kRestartClass);
+  return element.Count();
+}
 
 }  // namespace velmora

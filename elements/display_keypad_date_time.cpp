@@ -1,13 +1,69 @@
 // Display (0x28), Keypad facility (0x2C), Date/time (0x29).
-// Not decoded field by field yet: shown as a hexadecimal dump until then.
+// Display and keypad characters are shown as their IA5 codes, never as
+// text, so a trace with control characters still reads on one line.
 #include "elements/element_decoders.h"
+#include "q931/text.h"
 
 namespace velmora {
 
-int DecodeDisplay(const ElementOctets& element) { return DecodeUnknownElement(element); }
+namespace {
 
-int DecodeKeypadFacility(const ElementOctets& element) { return DecodeUnknownElement(element); }
+// "\t\t<name>=" then each IA5 character as " 0x%x" of its bits 7-1, then "\n".
+void PrintIa5Codes(std::string_view name, OctetSpan characters) {
+  OutputWriter& out = Out();
+  PrintIndent(Indent::Field);
+  out.Put(name);
+  out.Put('=');
+  for (const Octet character : characters) out.SpaceHex(character & 0x7F);
+  out.Put('\n');
+}
 
-int DecodeDateTime(const ElementOctets& element) { return DecodeUnknownElement(element); }
+int DecodeIa5Element(const ElementOctets& element, std::string_view heading, std::string_view label) {
+  PrintHeading(heading);
+  const OctetSpan characters = element.Slice(2);
+  if (!characters.empty()) PrintIa5Codes(label, characters);
+  return element.Count();
+}
+
+// One Date/time field: its position (octet 3 = 2) and the length from which
+// it is shown. Year, month and day are shown for any L of 1 or more, so with
+// L of 1 or 2 month and day come from the octets that follow the element.
+struct DateTimeField {
+  std::string_view name;
+  std::size_t position;
+  unsigned minimumLength;
+};
+
+constexpr DateTimeField kDateTimeFields[] = {
+    {"Year", 2, 1}, {"Month", 3, 1}, {"Day", 4, 1}, {"Hour", 5, 4}, {"Minute", 6, 5}, {"Second", 7, 6},
+};
+
+}  // namespace
+
+int DecodeDisplay(const ElementOctets& element) {
+  return DecodeIa5Element(element, "Display", "Display information(IA5)");
+}
+
+int DecodeKeypadFacility(const ElementOctets& element) {
+  return DecodeIa5Element(element, "Keypad facility", "Keypad facility information(IA5)");
+}
+
+int DecodeDateTime(const ElementOctets& element) {
+  PrintHeading("Date/time");
+  // Fields behind the frame's last octet do not exist and get no line. An
+  // octet of 0x80 or more is no valid date or time; it shows as 128 to 255.
+  for (const DateTimeField& field : kDateTimeFields) {
+    if (element.Length() < field.minimumLength) break;
+    const auto octet = element.FrameAt(field.position);
+    if (!octet) break;
+    OutputWriter& out = Out();
+    PrintIndent(Indent::Field);
+    out.Put(field.name);
+    out.Put('=');
+    out.Decimal(*octet);
+    out.Put('\n');
+  }
+  return element.Count();
+}
 
 }  // namespace velmora

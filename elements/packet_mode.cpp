@@ -1,23 +1,189 @@
-// Packet-mode elements (0x40, 0x42 to 0x47, 0x4A).
-// Not decoded field by field yet: shown as a hexadecimal dump until then.
+// Packet-mode elements (0x40, 0x42 to 0x47, 0x4A). None of them looks at an
+// extension bit: each reads its fields from fixed octets.
+//
+// The information rates and the first delay value sit in fixed octets that
+// are read whatever L says, so a short element takes them from the octets
+// that follow it. Behind the frame's last octet there are none: a field
+// whose octets the frame does not hold gets no line.
 #include "elements/element_decoders.h"
+#include "q931/text.h"
 
 namespace velmora {
 
-int DecodeInformationRate(const ElementOctets& element) { return DecodeUnknownElement(element); }
+namespace {
 
-int DecodeEndToEndTransitDelay(const ElementOctets& element) { return DecodeUnknownElement(element); }
+constexpr ValueText kInformationRate[] = {
+    {0b00011, "75 bit/s"},    {0b00100, "150 bit/s"},   {0b00101, "300 bit/s"},  {0b00110, "600 bit/s"},
+    {0b00111, "1200 bit/s"},  {0b01000, "2400 bit/s"},  {0b01001, "4800 bit/s"}, {0b01010, "9600 bit/s"},
+    {0b01011, "19200 bit/s"}, {0b01100, "48000 bit/s"}, {0b01101, "64000 bit/s"},
+};
 
-int DecodeTransitDelaySelection(const ElementOctets& element) { return DecodeUnknownElement(element); }
+// Octets 3 to 6 of Information rate, in order.
+constexpr std::string_view kRateLabels[] = {
+    "Incoming information rate",
+    "Outgoing information rate",
+    "Minimum incoming information rate",
+    "Minimum outgoing information rate",
+};
 
-int DecodePacketLayerBinaryParameters(const ElementOctets& element) { return DecodeUnknownElement(element); }
+// A 16-bit delay value spread over three octets (2 + 7 + 7 bits), the
+// position of its first octet and the length from which it is shown.
+struct DelayField {
+  std::string_view name;
+  std::size_t position;
+  unsigned minimumLength;
+};
 
-int DecodePacketLayerWindowSize(const ElementOctets& element) { return DecodeUnknownElement(element); }
+constexpr DelayField kEndToEndDelays[] = {
+    {"Cumulative transit delay value", 2, 1},
+    {"Requested end-to-end transit delay value", 5, 4},
+    {"Maximum end-to-end transit delay value", 8, 7},
+};
 
-int DecodePacketSize(const ElementOctets& element) { return DecodeUnknownElement(element); }
+constexpr DelayField kTransitDelaySelection{"Transit delay selection and indication value", 2, 1};
 
-int DecodeClosedUserGroup(const ElementOctets& element) { return DecodeUnknownElement(element); }
+constexpr ValueText kFastSelect[] = {
+    {0b00, "Fast select not requested"},
+    {0b01, "Fast select not requested"},
+    {0b10, "Fast select requested with no restriction of response"},
+    {0b11, "Fast select requested with restrictions of response"},
+};
 
-int DecodeReverseChargingIndication(const ElementOctets& element) { return DecodeUnknownElement(element); }
+constexpr ValueText kExpeditedData[] = {
+    {0, "No request/request denied"},
+    {1, "Request indicated/request accepted"},
+};
+
+constexpr ValueText kDeliveryConfirmation[] = {
+    {0, "Link-by-link confirmation"},
+    {1, "End-to-end confirmation"},
+};
+
+constexpr ValueText kModulus[] = {
+    {0, "Modulus 8 sequencing"},
+    {1, "Modulus 128 sequencing"},
+};
+
+constexpr ValueText kCugIndication[] = {
+    {0b001, "Closed user group selection"},
+    {0b010, "Closed user group with outgoing access selection and indication"},
+};
+
+constexpr ValueText kReverseChargingIndication[] = {
+    {0b001, "Reverse charging requested"},
+};
+
+// The heading, and whether the element has contents to decode: L of 0, or
+// a frame that ends at the length octet, leaves the heading alone.
+bool PrintHeadingAndHasContents(const ElementOctets& element, std::string_view heading) {
+  PrintHeading(heading);
+  return element.Has(2);
+}
+
+// The rest of a rate line behind its label: the code's bits and rate, or
+// the code in hexadecimal as reserved.
+void PrintRateCode(unsigned code) {
+  OutputWriter& out = Out();
+  if (const ValueText* row = FindRow(kInformationRate, code)) {
+    out.Bits(code, 5);
+    out.Put("  ");
+    out.Put(row->text);
+  } else {
+    out.Hex(code);
+    out.Put("  Reserved");
+  }
+  out.Put('\n');
+}
+
+void PrintDelayValue(const ElementOctets& element, const DelayField& field) {
+  const auto high = element.FrameAt(field.position);
+  const auto middle = element.FrameAt(field.position + 1);
+  const auto low = element.FrameAt(field.position + 2);
+  if (!high || !middle || !low) return;
+  const unsigned milliseconds = (*high & 0x03U) * 16384U + (*middle & 0x7FU) * 128U + (*low & 0x7FU);
+  OutputWriter& out = Out();
+  PrintIndent(Indent::Field);
+  out.Put(field.name);
+  out.Put("= ");
+  out.Decimal(milliseconds);
+  out.Put(" ms\n");
+}
+
+// Packet layer window size and Packet size: forward value, then backward.
+int DecodeForwardBackward(const ElementOctets& element, std::string_view heading) {
+  if (!PrintHeadingAndHasContents(element, heading)) return element.Count();
+  PrintHexField("Forward value", *element.At(2) & 0x7F);
+  if (const auto backward = element.At(3)) PrintHexField("Backward value", *backward & 0x7F);
+  return element.Count();
+}
+
+}  // namespace
+
+int DecodeInformationRate(const ElementOctets& element) {
+  if (!PrintHeadingAndHasContents(element, "Information rate")) return element.Count();
+  std::size_t position = 2;
+  for (const std::string_view label : kRateLabels) {
+    const auto octet = element.FrameAt(position++);
+    if (!octet) break;
+    PrintIndent(Indent::Field);
+    Out().Put(label);
+    Out().Put('=');
+    PrintRateCode(*octet & 0x1F);
+  }
+  return element.Count();
+}
+
+int DecodeEndToEndTransitDelay(const ElementOctets& element) {
+  if (!PrintHeadingAndHasContents(element, "End-to-end transit delay")) return element.Count();
+  for (const DelayField& delay : kEndToEndDelays)
+    if (element.Length() >= delay.minimumLength) PrintDelayValue(element, delay);
+  return element.Count();
+}
+
+int DecodeTransitDelaySelection(const ElementOctets& element) {
+  if (!PrintHeadingAndHasContents(element, "Transit delay selection and indication")) return element.Count();
+  PrintDelayValue(element, kTransitDelaySelection);
+  return element.Count();
+}
+
+int DecodePacketLayerBinaryParameters(const ElementOctets& element) {
+  if (!PrintHeadingAndHasContents(element, "Packet layer binary parameters")) return element.Count();
+  const Octet octet3 = *element.At(2);
+  PrintField("Fast select", (octet3 >> 3) & 0x03, 2, kFastSelect);
+  PrintField("Expedited data", (octet3 >> 2) & 0x01, 1, kExpeditedData);
+  PrintField("Delivery confirmation", (octet3 >> 1) & 0x01, 1, kDeliveryConfirmation);
+  PrintField("Modulus", octet3 & 0x01, 1, kModulus);
+  return element.Count();
+}
+
+int DecodePacketLayerWindowSize(const ElementOctets& element) {
+  return DecodeForwardBackward(element, "Packet layer window size");
+}
+
+int DecodePacketSize(const ElementOctets& element) { return DecodeForwardBackward(element, "Packet size"); }
+
+int DecodeClosedUserGroup(const ElementOctets& element) {
+  if (!PrintHeadingAndHasContents(element, "Closed user group")) return element.Count();
+  PrintField("CUG indication", *element.At(2) & 0x07, 3, kCugIndication);
+  // One IA5 digit per octet; anything but 0 to 9 is no index digit.
+  for (const Octet octet : element.Slice(3)) {
+    const unsigned code = octet & 0x7F;
+    if (code < '0' || code > '9') continue;
+    OutputWriter& out = Out();
+    PrintIndent(Indent::Field);
+    out.Put("CUG index code=");
+    out.Bits(code, 7);
+    out.Put("  CUG index=");
+    out.Put(static_cast<char>(code));
+    out.Put('\n');
+  }
+  return element.Count();
+}
+
+int DecodeReverseChargingIndication(const ElementOctets& element) {
+  if (!PrintHeadingAndHasContents(element, "Reverse charging indication")) return element.Count();
+  PrintField("Reverse charging indication", *element.At(2) & 0x07, 3, kReverseChargingIndication);
+  return element.Count();
+}
 
 }  // namespace velmora

@@ -1,17 +1,148 @@
 // Calling/called party numbers and subaddresses (0x6C, 0x6D, 0x70, 0x71), Redirecting number (0x74).
-// Not decoded field by field yet: shown as a hexadecimal dump until then.
+// The three numbers share one decoder, told by a small layout record which
+// optional octets it reads and how it shows the digits; the two subaddresses
+// share another, differing only in their heading.
 #include "elements/element_decoders.h"
+#include "q931/text.h"
 
 namespace velmora {
 
-int DecodeCallingPartyNumber(const ElementOctets& element) { return DecodeUnknownElement(element); }
+namespace {
 
-int DecodeCallingPartySubaddress(const ElementOctets& element) { return DecodeUnknownElement(element); }
+constexpr ValueText kTypeOfNumber[] = {
+    {0b000, "Unknown"},
+    {0b001, "International number"},
+    {0b010, "National number"},
+    {0b011, "Network specific number"},
+    {0b100, "Subscriber number"},
+    {0b110, "Abbreviated number"},
+    {0b111, "Reserved for extension"},
+};
 
-int DecodeCalledPartyNumber(const ElementOctets& element) { return DecodeUnknownElement(element); }
+constexpr ValueText kNumberingPlan[] = {
+    {0b0000, "Unknown"},
+    {0b0001, "ISDN/telephony numbering plan (Recommendation E.164 [19])"},
+    {0b0011, "Data numbering plan (Recommendation X.121 [21])"},
+    {0b0100, "Telex numbering plan (Recommendation F.69 [22])"},
+    {0b1000, "National standard numbering plan"},
+    {0b1001, "Private numbering plan"},
+    {0b1111, "Reserved for extension"},
+};
 
-int DecodeCalledPartySubaddress(const ElementOctets& element) { return DecodeUnknownElement(element); }
+constexpr ValueText kPresentationIndicator[] = {
+    {0b00, "Presentation allowed"},
+    {0b01, "Presentation restricted"},
+    {0b10, "Number not available due to interworking"},
+    {0b11, "Reserved"},
+};
 
-int DecodeRedirectingNumber(const ElementOctets& element) { return DecodeUnknownElement(element); }
+constexpr ValueText kScreeningIndicator[] = {
+    {0b00, "User-provided, not screened"},
+    {0b01, "User-provided, verified and passed"},
+    {0b10, "User-provided, verified and failed"},
+    {0b11, "Network provided"},
+};
+
+constexpr ValueText kReasonForRedirection[] = {
+    {0b0000, "Unknown"},
+    {0b0001, "Call forwarding busy or called DTE busy"},
+    {0b0010, "Call forwarding no reply"},
+    {0b0100, "Call deflection"},
+    {0b1001, "Called DTE out of order"},
+    {0b1010, "Call forwarding by the called DTE"},
+    {0b1111, "Call forwarding unconditional or systematic call redirection"},
+};
+
+constexpr ValueText kTypeOfSubaddress[] = {
+    {0b000, "NSAP (ITU-T Rec. X.213 [23] and ISO/IEC 8348 Add.2 [24])"},
+    {0b010, "User specified"},
+};
+
+constexpr ValueText kOddEvenIndicator[] = {
+    {0, "Even number of address signals"},
+    {1, "Odd number of address signals"},
+};
+
+// How one number element departs from the common octet 3 / digits shape.
+struct NumberLayout {
+  std::string_view heading;
+  bool readsOctet3a;         // presentation and screening, when bit 8 of octet 3 is 0
+  bool readsOctet3b;         // reason for redirection, when bit 8 of octet 3a is 0
+  std::string_view digitsLabel;
+  bool showsEmptyDigits;     // the label and line end even with no digit octet
+};
+
+constexpr NumberLayout kCallingPartyNumber{"Calling party number", true, false, "Number digits (IA5)", false};
+constexpr NumberLayout kCalledPartyNumber{"Called party number", false, false, "Number digits (IA5)", true};
+constexpr NumberLayout kRedirectingNumber{"Redirecting number", true, true, "Number digits(IA5)", true};
+
+constexpr bool ExtensionFollows(Octet octet) { return (octet & 0x80) == 0; }
+
+// "\t\t<name>=" then each IA5 character as " 0x%x" of its bits 7-1, then "\n".
+void PrintIa5Codes(std::string_view name, OctetSpan characters) {
+  OutputWriter& out = Out();
+  PrintIndent(Indent::Field);
+  out.Put(name);
+  out.Put('=');
+  for (const Octet character : characters) out.SpaceHex(character & 0x7F);
+  out.Put('\n');
+}
+
+int DecodeNumber(const ElementOctets& element, const NumberLayout& layout) {
+  PrintHeading(layout.heading);
+  const auto octet3 = element.At(2);
+  if (!octet3) return element.Count();
+
+  PrintField("Type of number", (*octet3 >> 4) & 0x07, 3, kTypeOfNumber);
+  PrintField("Numbering plan identification", *octet3 & 0x0F, 4, kNumberingPlan);
+
+  // Octets 3a and 3b are announced by extension bits, not by the length, so
+  // they are read even when they lie behind the element's last octet. Behind
+  // the frame's last octet they do not exist and their lines are not shown.
+  std::size_t digitsFrom = 3;
+  if (layout.readsOctet3a && ExtensionFollows(*octet3)) {
+    digitsFrom = 4;
+    if (const auto octet3a = element.FrameAt(3)) {
+      PrintField("Presentation indicator", (*octet3a >> 5) & 0x03, 2, kPresentationIndicator);
+      PrintField("Screening indicator", *octet3a & 0x03, 2, kScreeningIndicator);
+      if (layout.readsOctet3b && ExtensionFollows(*octet3a)) {
+        digitsFrom = 5;
+        if (const auto octet3b = element.FrameAt(4))
+          PrintField("Reason for redirection", *octet3b & 0x0F, 4, kReasonForRedirection);
+      }
+    }
+  }
+
+  const OctetSpan digits = element.Slice(digitsFrom);
+  if (!digits.empty() || layout.showsEmptyDigits) PrintIa5Codes(layout.digitsLabel, digits);
+  return element.Count();
+}
+
+int DecodeSubaddress(const ElementOctets& element, std::string_view heading) {
+  PrintHeading(heading);
+  const auto octet3 = element.At(2);
+  if (!octet3) return element.Count();
+
+  PrintField("Type of subaddress", (*octet3 >> 4) & 0x07, 3, kTypeOfSubaddress);
+  PrintField("Odd/even indicator", (*octet3 >> 3) & 0x01, 1, kOddEvenIndicator);
+  PrintOctetString("Subaddress information", element.Slice(3));
+  return element.Count();
+}
+
+}  // namespace
+
+int DecodeCallingPartyNumber(const ElementOctets& element) { return DecodeNumber(element, kCallingPartyNumber); }
+
+int DecodeCalledPartyNumber(const ElementOctets& element) { return DecodeNumber(element, kCalledPartyNumber); }
+
+int DecodeRedirectingNumber(const ElementOctets& element) { return DecodeNumber(element, kRedirectingNumber); }
+
+int DecodeCallingPartySubaddress(const ElementOctets& element) {
+  return DecodeSubaddress(element, "Calling party subaddress");
+}
+
+int DecodeCalledPartySubaddress(const ElementOctets& element) {
+  return DecodeSubaddress(element, "Called party subaddress");
+}
 
 }  // namespace velmora

@@ -1,9 +1,348 @@
-// Bearer capability (0x04).
-// Not decoded field by field yet: shown as a hexadecimal dump until then.
+// Bearer capability (0x04), and the octet groups Low layer compatibility
+// decodes the same way (see bearer_capability.h).
+#include "elements/bearer_capability.h"
+
+#include <iterator>
+
 #include "elements/element_decoders.h"
 
 namespace velmora {
+namespace capability {
+namespace {
 
-int DecodeBearerCapability(const ElementOctets& element) { return DecodeUnknownElement(element); }
+constexpr std::size_t kOctet3Position = 2;
+
+constexpr ValueText kInformationTransferCapability[] = {
+    {0b00000, "Speech"},
+    {0b01000, "Unrestricted digital information"},
+    {0b01001, "Restricted digital information"},
+    {0b10000, "3.1 kHz audio"},
+    {0b10001, "Unrestricted digital information with tones/announcements"},
+    {0b11000, "Video"},
+};
+
+constexpr ValueText kInformationTransferRate[] = {
+    {0b00000, "This code shall be used for packet-mode calls"},
+    {0b10000, "64 kbit/s"},
+    {0b10001, "2 * 64 kbit/s"},
+    {0b10011, "384 kbit/s"},
+    {0b10101, "1536 kbit/s"},
+    {0b10111, "1920 kbit/s"},
+    {0b11000, "Multirate (64 kbit/s base rate)"},
+};
+constexpr unsigned kMultirate = 0b11000;
+
+constexpr ValueText kLayer1Protocol[] = {
+    {0b00001, "ITU-T standardized rate adaption V.110[7], I.460[15] and X.30[8]"},
+    {0b00010, "Recommendation G.711[10] Mu-law"},
+    {0b00011, "Recommendation G.711 A-law"},
+    {0b00100, "Recommendation G.721[11] 32 kbit/s ADPCM and Recommendation I.460[15]"},
+    {0b00101, "Recommendations H.221 and H.242"},
+    {0b00110, "Recommendations H.223[92] and H.245[93]"},
+    {0b00111, "Non-ITU-T standardized rate adaption"},
+    {0b01000, "ITU-T standardized rate adaption V.120[9]"},
+    {0b01001, "ITU-T standardized rate adaption X.31[14] HDLC flag stuffing"},
+};
+constexpr unsigned kLayer1V110 = 0b00001;
+constexpr unsigned kLayer1V120 = 0b01000;
+
+// Octets 5a, 5c and 5d are present only for these capability / layer 1
+// protocol pairs: V.110 or V.120 over unrestricted digital information, and
+// a modem behind G.711 over 3.1 kHz audio.
+struct RateAdaptionPair {
+  unsigned capability;
+  unsigned layer1Protocol;
+};
+constexpr RateAdaptionPair kRateAdaptionPairs[] = {
+    {0b01000, 0b00001},
+    {0b01000, 0b01000},
+    {0b10000, 0b00010},
+    {0b10000, 0b00011},
+};
+
+constexpr ValueText kSynchronousAsynchronous[] = {{0, "Synchronous data"}, {1, "Asynchronous data"}};
+constexpr ValueText kNegotiation[] = {{0, "In-band negotiation not possible"}, {1, "In-band negotiation possible"}};
+
+constexpr ValueText kIntermediateRate[] = {
+    {0b00, "Not used"}, {0b01, "8 kbit/s"}, {0b10, "16 kbit/s"}, {0b11, "32 kbit/s"}};
+constexpr ValueText kNicOnTransmission[] = {
+    {0, "Not required to send data with network independent clock"},
+    {1, "Required to send data with network independent clock"},
+};
+constexpr ValueText kNicOnReception[] = {
+    {0, "Cannot accept data with network independent clock"},
+    {1, "Can accept data with network independent clock"},
+};
+constexpr ValueText kFlowControlOnTransmission[] = {
+    {0, "Not required to send data with flow control mechanism"},
+    {1, "Required to send data with flow control mechanism"},
+};
+constexpr ValueText kFlowControlOnReception[] = {
+    {0, "Cannot accept data with flow control mechanism"},
+    {1, "Can accept data with flow control mechanism"},
+};
+// Octet 5b for V.110 / I.460 / X.30 rate adaption; bit 1 is spare.
+constexpr OctetField kOctet5bRateAdaption[] = {
+    {"Intermediate rate", 7, 6, kIntermediateRate},
+    {"Network Independent Clock (NIC) on transmission (Tx)", 5, 5, kNicOnTransmission},
+    {"Network Independent Clock (NIC) on reception (Rx)", 4, 4, kNicOnReception},
+    {"Flow control on transmission (Tx)", 3, 3, kFlowControlOnTransmission},
+    {"Flow control on reception (Rx)", 2, 2, kFlowControlOnReception},
+};
+
+constexpr ValueText kRateAdaptionHeader[] = {
+    {0, "Rate adaption header not included"}, {1, "Rate adaption header included"}};
+constexpr ValueText kMultipleFrameEstablishment[] = {
+    {0, "Multiple frame establishment not supported. Only UI frames allowed"},
+    {1, "Multiple frame establishment supported"},
+};
+constexpr ValueText kV120ModeOfOperation[] = {
+    {0, "Bit transparent mode of operation"}, {1, "Protocol sensitive mode of operation"}};
+constexpr ValueText kLogicalLinkIdentifierNegotiation[] = {
+    {0, "Default, LLI = 256 only"}, {1, "Full protocol negotiation"}};
+constexpr ValueText kAssignorAssignee[] = {
+    {0, "Message originator is Default assignee"}, {1, "Message originator is Assignor only"}};
+constexpr ValueText kInBandOutBandNegotiation[] = {
+    {0, "Negotiation is done with USER INFORMATION messages on a temporary signalling connection"},
+    {1, "Negotiation is done in-band using logical link zero"},
+};
+// Octet 5b for V.120 rate adaption; bit 1 is spare.
+constexpr OctetField kOctet5bV120[] = {
+    {"Rate adaption header/no header", 7, 7, kRateAdaptionHeader},
+    {"Multiple frame establishment support in data link", 6, 6, kMultipleFrameEstablishment},
+    {"Mode of operation", 5, 5, kV120ModeOfOperation},
+    {"Logical link identifier negotiation", 4, 4, kLogicalLinkIdentifierNegotiation},
+    {"Assignor/assignee", 3, 3, kAssignorAssignee},
+    {"In-band/out-band negotiation", 2, 2, kInBandOutBandNegotiation},
+};
+
+constexpr ValueText kStopBits[] = {{0b00, "Not used"}, {0b01, "1 bit"}, {0b10, "1.5 bits"}, {0b11, "2 bits"}};
+constexpr ValueText kDataBits[] = {{0b00, "Not used"}, {0b01, "5 bit"}, {0b10, "7 bits"}, {0b11, "8 bits"}};
+constexpr ValueText kParity[] = {
+    {0b000, "Odd"}, {0b010, "Even"}, {0b011, "None"}, {0b100, "Forced to 0"}, {0b101, "Forced to 1"}};
+constexpr OctetField kOctet5c[] = {
+    {"Number of stop bits", 7, 6, kStopBits},
+    {"Number of data bits excluding parity Bit if present", 5, 4, kDataBits},
+    {"Parity information", 3, 1, kParity},
+};
+
+constexpr ValueText kDuplexMode[] = {{0, "Half duplex"}, {1, "Full duplex"}};
+constexpr OctetField kOctet5dDuplex[] = {{"Mode duplex", 7, 7, kDuplexMode}};
+
+// Modem types named by range; their line shows the value in decimal.
+struct ModemTypeRange {
+  unsigned first;
+  unsigned last;
+  std::string_view text;
+};
+constexpr ModemTypeRange kModemTypeRanges[] = {
+    {0, 5, "National use"},
+    {32, 47, "National use"},
+    {48, 63, "User specified"},
+};
+constexpr ValueText kModemType[] = {
+    {0b010001, "Recommendation V.21"},     {0b010010, "Recommendation V.22"},
+    {0b010011, "Recommendation V.22 bis"}, {0b010100, "Recommendation V.23"},
+    {0b010101, "Recommendation V.26"},     {0b010110, "Recommendation V.26 bis"},
+    {0b010111, "Recommendation V.26 ter"}, {0b011000, "Recommendation V.27"},
+    {0b011001, "Recommendation V.27 bis"}, {0b011010, "Recommendation V.27 ter"},
+    {0b011011, "Recommendation V.29"},     {0b011101, "Recommendation V.32"},
+    {0b011110, "Recommendation V.34[90]"},
+};
+
+// Octets 7a and 7b bits 4-1, as one value: 7a in the high half.
+constexpr ValueText kAdditionalLayer3Information[] = {
+    {0b1100'1100, "Internet Protocol (RFC 791) (ISO/IEC TR 9577[82])"},
+    {0b1100'1111, "Point-to-point Protocol (RFC 1548)"},
+};
+
+// Bearer capability's own tables; Low layer compatibility has its own.
+constexpr ValueText kBearerTransferMode[] = {{0b00, "Circuit mode"}, {0b10, "Packet mode"}};
+static_assert(std::size(kUserRate) == 31 && kUserRate[30].value == 0b10000);
+constexpr ValueTable kBearerUserRate = ValueTable(kUserRate).first(std::size(kUserRate) - 1);
+constexpr ValueText kBearerLayer2Protocol[] = {
+    {0b00010, "Recommendation Q.921/I.441[3]"},
+    {0b00110, "Recommendation X.25[5], link layer"},
+    {0b01100, "LAN logical link control (ISO/IEC 8802-2[39])"},
+};
+constexpr ValueText kBearerLayer3Protocol[] = {
+    {0b00010, "Recommendation Q.931"},
+    {0b00110, "Recommendation X.25, packet layer"},
+    {0b01011, "ISO/IEC TR 9577[82] (Protocol identification in the network layer)"},
+};
+
+// Layer identification, bits 7-6 of a layer octet.
+enum LayerIdentification : unsigned { kNoLayer = 0b00, kLayer1 = 0b01, kLayer2 = 0b10, kLayer3 = 0b11 };
+
+bool RateAdaptionHolds(unsigned capability, unsigned layer1Protocol) {
+  for (const RateAdaptionPair& pair : kRateAdaptionPairs)
+    if (pair.capability == capability && pair.layer1Protocol == layer1Protocol) return true;
+  return false;
+}
+
+std::span<const OctetField> Octet5bFields(unsigned layer1Protocol) {
+  if (layer1Protocol == kLayer1V110) return kOctet5bRateAdaption;
+  if (layer1Protocol == kLayer1V120) return kOctet5bV120;
+  return {};
+}
+
+void PrintModemType(unsigned modemType) {
+  for (const ModemTypeRange& range : kModemTypeRanges) {
+    if (modemType < range.first || modemType > range.last) continue;
+    OutputWriter& out = Out();
+    PrintIndent(Indent::Field);
+    out.Put("Modem type=");
+    out.Decimal(modemType);
+    out.Put("  ");
+    out.Put(range.text);
+    out.Put('\n');
+    return;
+  }
+  PrintField("Modem type", modemType, 6, kModemType);
+}
+
+// Octet 5 and whichever of 5a to 5d follow it. An octet that a step does not
+// take is left for the next step, and in the end for the layer-octet walk.
+void DecodeLayer1Group(Octet octet5, unsigned capability, ValueTable userRate, OctetReader& octets) {
+  const unsigned protocol = FieldBits(octet5, 5, 1);
+  PrintField("User information layer 1 protocol", protocol, 5, kLayer1Protocol);
+  const bool rateAdaption = RateAdaptionHolds(capability, protocol);
+  bool more = AnnouncesMore(octet5);
+
+  if (more && rateAdaption) {
+    const auto octet5a = octets.Take();
+    if (!octet5a) return;
+    const OctetField fields[] = {
+        {"Synchronous/Asynchronous", 7, 7, kSynchronousAsynchronous},
+        {"Negotiation", 6, 6, kNegotiation},
+        {"User rate", 5, 1, userRate},
+    };
+    PrintOctetFields(*octet5a, fields);
+    more = AnnouncesMore(*octet5a);
+  }
+  // Octet 5b depends on the layer 1 protocol alone.
+  if (const auto fields5b = Octet5bFields(protocol); more && !fields5b.empty()) {
+    const auto octet5b = octets.Take();
+    if (!octet5b) return;
+    PrintOctetFields(*octet5b, fields5b);
+    more = AnnouncesMore(*octet5b);
+  }
+  if (more && rateAdaption) {
+    const auto octet5c = octets.Take();
+    if (!octet5c) return;
+    PrintOctetFields(*octet5c, kOctet5c);
+    more = AnnouncesMore(*octet5c);
+  }
+  if (more && rateAdaption) {
+    const auto octet5d = octets.Take();
+    if (!octet5d) return;
+    PrintOctetFields(*octet5d, kOctet5dDuplex);
+    PrintModemType(FieldBits(*octet5d, 6, 1));
+  }
+}
+
+// Octet 6: the protocol alone; bit 8 is not looked at.
+void DecodeBearerLayer2Group(Octet octet6, OctetReader& /*octets*/) {
+  PrintField(kLayer2ProtocolName, FieldBits(octet6, 5, 1), 5, kBearerLayer2Protocol);
+}
+
+// Octet 7; after ISO/IEC TR 9577, octets 7a and 7b follow whatever bit 8 says.
+void DecodeBearerLayer3Group(Octet octet7, OctetReader& octets) {
+  const unsigned protocol = FieldBits(octet7, 5, 1);
+  PrintField(kLayer3ProtocolName, protocol, 5, kBearerLayer3Protocol);
+  if (protocol == kLayer3Tr9577) DecodeAdditionalLayer3Information(octets);
+}
+
+constexpr CapabilityVariant kBearerCapability = {
+    .heading = "Bearer capability",
+    .negotiationIndicator = {},
+    .transferMode = kBearerTransferMode,
+    .userRate = kBearerUserRate,
+    .layer2Group = DecodeBearerLayer2Group,
+    .layer3Group = DecodeBearerLayer3Group,
+};
+
+}  // namespace
+
+void PrintOctetFields(Octet octet, std::span<const OctetField> fields) {
+  for (const OctetField& field : fields)
+    PrintField(field.name, FieldBits(octet, field.highBit, field.lowBit), field.highBit - field.lowBit + 1,
+               field.meanings);
+}
+
+void DecodeAdditionalLayer3Information(OctetReader& octets) {
+  const auto octet7a = octets.Take();
+  const auto octet7b = octets.Take();
+  if (!octet7a || !octet7b) return;
+  const unsigned high = FieldBits(*octet7a, 4, 1);
+  const unsigned low = FieldBits(*octet7b, 4, 1);
+  const ValueText* row = FindRow(kAdditionalLayer3Information, high << 4 | low);
+  if (row == nullptr) return;
+  OutputWriter& out = Out();
+  PrintIndent(Indent::Field);
+  out.Put("Additional layer 3 protocol information:7a=");
+  out.Bits(high, 4);
+  out.Put(", 7b=");
+  out.Bits(low, 4);
+  out.Put("  ");
+  out.Put(row->text);
+  out.Put('\n');
+}
+
+int DecodeCapabilityElement(const ElementOctets& element, const CapabilityVariant& variant) {
+  PrintHeading(variant.heading);
+  OctetReader octets(element, kOctet3Position);
+
+  const auto octet3 = octets.Take();
+  if (!octet3) return element.Count();
+  const unsigned capability = FieldBits(*octet3, 5, 1);
+  PrintField("Coding standard", FieldBits(*octet3, 7, 6), 2, kCodingStandard);
+  PrintField("Information transfer capability", capability, 5, kInformationTransferCapability);
+
+  if (!variant.negotiationIndicator.empty() && AnnouncesMore(*octet3)) {
+    const auto octet3a = octets.Take();
+    if (!octet3a) return element.Count();
+    PrintField("Negotiation indicator", FieldBits(*octet3a, 7, 7), 1, variant.negotiationIndicator);
+  }
+
+  const auto octet4 = octets.Take();
+  if (!octet4) return element.Count();
+  const unsigned rate = FieldBits(*octet4, 5, 1);
+  PrintField("Transfer mode", FieldBits(*octet4, 7, 6), 2, variant.transferMode);
+  PrintField("Information transfer rate", rate, 5, kInformationTransferRate);
+
+  if (rate == kMultirate) {
+    const auto rateMultiplier = octets.Take();
+    if (!rateMultiplier) return element.Count();
+    PrintHexField("Rate multiplier", FieldBits(*rateMultiplier, 7, 1));
+  }
+
+  // Layer octets, in any order and any number, each decoded where it stands.
+  while (const auto layerOctet = octets.Take()) {
+    switch (FieldBits(*layerOctet, 7, 6)) {
+      case kLayer1:
+        DecodeLayer1Group(*layerOctet, capability, variant.userRate, octets);
+        break;
+      case kLayer2:
+        variant.layer2Group(*layerOctet, octets);
+        break;
+      case kLayer3:
+        variant.layer3Group(*layerOctet, octets);
+        break;
+      case kNoLayer:
+      default:
+        // Names no layer: stepped over, so a stray octet never stalls the
+        // walk and the layer octets behind it are still decoded.
+        break;
+    }
+  }
+  return element.Count();
+}
+
+}  // namespace capability
+
+int DecodeBearerCapability(const ElementOctets& element) {
+  return capability::DecodeCapabilityElement(element, capability::kBearerCapability);
+}
 
 }  // namespace velmora

@@ -18,40 +18,43 @@ constexpr std::string_view kSupervisory[4] = {
     "",
 };
 
-enum class LinkEffect { None, Set, Clear, ReadForUa };
+// What an unnumbered frame does with the link memory.
+enum class LinkUse { None, Set, Clear, ReadForUa };
 
 // Unnumbered frames: m = bits 8, 7, 6, 4 and 3 of the control octet (the
 // poll/final bit 5 takes no part).
 struct UnnumberedFrame {
   Octet m;
   std::string_view text;
-  LinkEffect effect;
+  LinkUse use;
 };
 constexpr UnnumberedFrame kUnnumbered[] = {
-    {0, "UI(unnumbered information)\n", LinkEffect::None},
-    {3, "DM(disconnected mode), Can't establish link\n", LinkEffect::None},
-    {16, "DISC(disconnect), Disconnect link\n", LinkEffect::Clear},
-    {24, "UA(unnumbered acknowledgement), ", LinkEffect::ReadForUa},
-    {27, "SABME(set asynchronous balanced mode extended), Request to establish link\n", LinkEffect::Set},
-    {33, "FRMR(frame reject)\n", LinkEffect::None},
-    {43, "XID(Exchange Identification)\n", LinkEffect::None},
+    {0, "UI(unnumbered information)\n", LinkUse::None},
+    {3, "DM(disconnected mode), Can't establish link\n", LinkUse::None},
+    {16, "DISC(disconnect), Disconnect link\n", LinkUse::Clear},
+    {24, "UA(unnumbered acknowledgement), ", LinkUse::ReadForUa},
+    {27, "SABME(set asynchronous balanced mode extended), Request to establish link\n", LinkUse::Set},
+    {33, "FRMR(frame reject)\n", LinkUse::None},
+    {43, "XID(Exchange Identification)\n", LinkUse::None},
 };
 
+constexpr Octet UnnumberedKind(Octet control) { return static_cast<Octet>((control & 0xEC) >> 2); }
+
 void DecodeUnnumbered(Octet control) {
-  const Octet m = static_cast<Octet>((control & 0xEC) >> 2);
+  const Octet m = UnnumberedKind(control);
   for (const UnnumberedFrame& frame : kUnnumbered) {
     if (frame.m != m) continue;
     Out().Put(frame.text);
-    switch (frame.effect) {
-      case LinkEffect::None:
+    switch (frame.use) {
+      case LinkUse::None:
         break;
-      case LinkEffect::Set:
+      case LinkUse::Set:
         g_linkSetupPending = 1;
         break;
-      case LinkEffect::Clear:
+      case LinkUse::Clear:
         g_linkSetupPending = 0;
         break;
-      case LinkEffect::ReadForUa:
+      case LinkUse::ReadForUa:
         Out().Put(g_linkSetupPending == 1 ? "Acknowledge to SABME, link established\n"
                                          : "Acknowledge to DISC, link disconnected\n");
         break;
@@ -62,6 +65,17 @@ void DecodeUnnumbered(Octet control) {
 }
 
 }  // namespace
+
+LinkEffect LinkEffectOfControl(Octet control) {
+  if ((control & 0x03) != 0x03) return LinkEffect::None;
+  for (const UnnumberedFrame& frame : kUnnumbered) {
+    if (frame.m != UnnumberedKind(control)) continue;
+    if (frame.use == LinkUse::Set) return LinkEffect::Set;
+    if (frame.use == LinkUse::Clear) return LinkEffect::Clear;
+    return LinkEffect::None;
+  }
+  return LinkEffect::None;
+}
 
 void DecodeLapdFrame(OctetSpan frame) {
   OutputWriter& out = Out();

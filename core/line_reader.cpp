@@ -35,23 +35,12 @@ bool LineReader::Refill() {
 
 std::optional<std::string_view> LineReader::Next() {
   for (;;) {
-    const std::size_t available = end_ - begin_;
-    const std::size_t window = available < kMaxPiece ? available : kMaxPiece;
-    const char* start = buffer_.get() + begin_;
-    if (const void* lineEnd = std::memchr(start, '\n', window)) {
-      const std::size_t size = static_cast<std::size_t>(static_cast<const char*>(lineEnd) - start) + 1;
+    const std::string_view unread(buffer_.get() + begin_, end_ - begin_);
+    if (const std::size_t size = FirstPieceLength(unread, !atEnd_); size > 0) {
       begin_ += size;
-      return std::string_view(start, size);
+      return unread.substr(0, size);
     }
-    // A full piece without a line end, or the input's last bytes.
-    if (available >= kMaxPiece || (atEnd_ && available > 0)) {
-      begin_ += window;
-      return std::string_view(start, window);
-    }
-    if (!Refill()) {
-      if (end_ > begin_) continue;  // the last line, without a line end
-      return std::nullopt;
-    }
+    if (!Refill() && end_ == begin_) return std::nullopt;
   }
 }
 

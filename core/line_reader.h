@@ -7,11 +7,12 @@
 #include <optional>
 #include <string_view>
 
+#include "core/pieces.h"
+
 namespace velmora {
 
 class LineReader {
  public:
-  static constexpr std::size_t kMaxPiece = 2047;
   static constexpr std::size_t kDefaultBlock = 1 << 20;
 
   explicit LineReader(int fd, std::size_t blockSize = kDefaultBlock);

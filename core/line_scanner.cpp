@@ -2,6 +2,8 @@
 
 #include "core/globals.h"
 #include "core/lapd.h"
+#include "core/link_prescan.h"
+#include "core/pieces.h"
 
 namespace velmora {
 
@@ -27,9 +29,18 @@ void HexFieldsToOctets(const char* cells, long octetCount, Octet* octets) {
   }
 }
 
-std::size_t ReadFrameOctets(std::string_view line, Octet (&frame)[kFrameCapacity]) {
-  const std::size_t anchor = line.find("HDLC");
-  std::size_t position = anchor + 5;  // "HDLC" and one skipped character
+namespace {
+
+// Where a frame line's cells start and how many octets it yields: N as its
+// length field reads, cut to the frame buffer and to the cells whose digit
+// characters (cell positions 2 and 3) stand before the line's end.
+struct CellRun {
+  std::size_t start;
+  std::size_t count;
+};
+
+CellRun LocateCells(std::string_view line) {
+  std::size_t position = line.find("HDLC") + 5;  // "HDLC" and one skipped character
   std::size_t announced = 0;
   while (position < line.size() && line[position] >= '0' && line[position] <= '9') {
     if (announced <= kFrameCapacity) announced = announced * 10 + static_cast<std::size_t>(line[position] - '0');
@@ -38,14 +49,36 @@ std::size_t ReadFrameOctets(std::string_view line, Octet (&frame)[kFrameCapacity
   const std::size_t cellsStart = position + 4;  // Q and the three characters behind it
   std::size_t textEnd = line.size();
   if (textEnd > 0 && line[textEnd - 1] == '\n') --textEnd;
-  // Cell k is readable when its digit positions 2 and 3 lie before textEnd.
   std::size_t present = 0;
   if (cellsStart + 3 < textEnd) present = (textEnd - cellsStart - 4) / kCellWidth + 1;
-  std::size_t count = announced;
-  if (count > kFrameCapacity) count = kFrameCapacity;
+  std::size_t count = announced < kFrameCapacity ? announced : kFrameCapacity;
   if (count > present) count = present;
-  HexFieldsToOctets(line.data() + cellsStart, static_cast<long>(count), frame);
-  return count;
+  return {cellsStart, count};
+}
+
+}  // namespace
+
+std::size_t ReadFrameOctets(std::string_view line, Octet (&frame)[kFrameCapacity]) {
+  const CellRun cells = LocateCells(line);
+  HexFieldsToOctets(line.data() + cells.start, static_cast<long>(cells.count), frame);
+  return cells.count;
+}
+
+LinkEffect LinkEffectOfPiece(std::string_view piece) {
+  if (!IsFrameLine(piece)) return LinkEffect::None;
+  const CellRun cells = LocateCells(piece);
+  if (cells.count < 3) return LinkEffect::None;
+  Octet control = 0;
+  HexFieldsToOctets(piece.data() + cells.start + 2 * kCellWidth, 1, &control);
+  return LinkEffectOfControl(control);
+}
+
+LinkEffect LinkEffectOfText(std::string_view text) {
+  LinkEffect last = LinkEffect::None;
+  ForEachPiece(text, [&last](std::string_view piece) {
+    if (const LinkEffect effect = LinkEffectOfPiece(piece); effect != LinkEffect::None) last = effect;
+  });
+  return last;
 }
 
 void TranslateTraceLine(std::string_view line) {

@@ -39,6 +39,13 @@ void OutputWriter::Flush() {
 }
 
 void OutputWriter::PutSlow(std::string_view text) {
+  // A block larger than the buffer goes to the sink as it is, uncopied.
+  if (text.size() >= capacity_) {
+    Flush();
+    if (error_ == 0 && !sink_.Write(text.data(), text.size(), error_) && error_ == 0) error_ = EIO;
+    flushed_ += text.size();
+    return;
+  }
   while (!text.empty()) {
     if (used_ == capacity_) Flush();
     const std::size_t chunk = std::min(text.size(), capacity_ - used_);

@@ -10,6 +10,7 @@
 #include "core/globals.h"
 #include "core/line_reader.h"
 #include "core/line_scanner.h"
+#include "core/parallel_run.h"
 
 namespace velmora {
 
@@ -31,8 +32,7 @@ bool IsStandardStream(std::string_view path, const TranslationOptions& options) 
 }
 
 // Opens the input as a regular readable file; a directory counts as a failure.
-int OpenInput(std::string_view path, const TranslationOptions& options) {
-  if (IsStandardStream(path, options)) return STDIN_FILENO;
+int OpenInput(std::string_view path) {
   const int fd = ::open(std::string(path).c_str(), O_RDONLY | O_CLOEXEC);
   if (fd < 0) return -1;
   struct stat info {};
@@ -50,8 +50,14 @@ bool NamesSameFile(int inputFd, std::string_view outputPath) {
   return input.st_dev == output.st_dev && input.st_ino == output.st_ino;
 }
 
-void CloseUnlessStandard(int fd) {
-  if (fd > STDERR_FILENO) ::close(fd);
+// A parallel run pays off from a few chunks on, and only for input that
+// can be read ahead freely.
+constexpr std::uint64_t kParallelMinimum = 4 * 1024 * 1024;
+
+std::uint64_t RegularFileSize(int fd) {
+  struct stat info {};
+  if (::fstat(fd, &info) != 0 || !S_ISREG(info.st_mode)) return 0;
+  return static_cast<std::uint64_t>(info.st_size);
 }
 
 }  // namespace
@@ -64,43 +70,63 @@ TranslationOutcome TranslateTraceFile(std::string_view inputPath, std::string_vi
                                       const TranslationOptions& options) {
   if (inputPath.empty()) return TranslationOutcome::InputNotSelected;
   if (outputPath.empty()) return TranslationOutcome::OutputNotSelected;
-  if (inputPath == outputPath && !(IsStandardStream(inputPath, options))) return TranslationOutcome::OutputSameAsInput;
-
-  const int inputFd = OpenInput(inputPath, options);
-  if (inputFd < 0) return TranslationOutcome::InputOpenFailed;
+  const bool inputIsStandard = IsStandardStream(inputPath, options);
   const bool outputIsStandard = IsStandardStream(outputPath, options);
-  if (options.refuseSameFile && !outputIsStandard && !IsStandardStream(inputPath, options) &&
-      NamesSameFile(inputFd, outputPath)) {
-    CloseUnlessStandard(inputFd);
+  if (inputPath == outputPath && !inputIsStandard) return TranslationOutcome::OutputSameAsInput;
+
+  const int inputFd = inputIsStandard ? STDIN_FILENO : OpenInput(inputPath);
+  if (inputFd < 0) return TranslationOutcome::InputOpenFailed;
+  const auto closeInput = [&] {
+    if (!inputIsStandard) ::close(inputFd);
+  };
+  if (options.refuseSameFile && !outputIsStandard && !inputIsStandard && NamesSameFile(inputFd, outputPath)) {
+    closeInput();
     return TranslationOutcome::OutputSameAsInput;
   }
   const int outputFd = outputIsStandard
                            ? STDOUT_FILENO
                            : ::open(std::string(outputPath).c_str(), O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC, 0666);
   if (outputFd < 0) {
-    CloseUnlessStandard(inputFd);
+    closeInput();
     return TranslationOutcome::OutputOpenFailed;
   }
 
   FdSink sink(outputFd);
   OutputWriter writer(sink);
-  g_outputFile = &writer;
-  g_frameFound = false;
-  {
+  const std::uint64_t inputSize = RegularFileSize(inputFd);
+  const auto reportProgress = [&options, inputSize](std::uint64_t bytesRead) {
+    if (options.progress) options.progress(bytesRead, inputSize);
+  };
+  int readError = 0;
+  std::uint64_t bytesRead = 0;
+  if (options.jobs > 1 && !inputIsStandard && inputSize >= kParallelMinimum) {
+    const ParallelRunResult result = TranslateInParallel(inputFd, writer, options.jobs, reportProgress);
+    writer.Flush();
+    g_frameFound = result.frameFound;
+    readError = result.readError;
+    bytesRead = result.bytesRead;
+  } else {
+    g_outputFile = &writer;
+    g_frameFound = false;
     LineReader reader(inputFd);
-    reader.SetBeforeRead([&writer] { writer.Flush(); });
+    // Output produced so far reaches its reader before the run may wait
+    // for more input: `velmora - -` works as a filter.
+    reader.SetBeforeRead([&] {
+      writer.Flush();
+      reportProgress(reader.BytesRead());
+    });
     while (const auto line = reader.Next()) TranslateTraceLine(*line);
     writer.Flush();
-    if (options.report != nullptr) {
-      options.report->readError = reader.Error();
-      options.report->bytesRead = reader.BytesRead();
-    }
+    readError = reader.Error();
+    bytesRead = reader.BytesRead();
   }
   g_outputFile = nullptr;
   int closeError = 0;
   if (!outputIsStandard && ::close(outputFd) != 0) closeError = errno;
-  CloseUnlessStandard(inputFd);
+  closeInput();
   if (options.report != nullptr) {
+    options.report->readError = readError;
+    options.report->bytesRead = bytesRead;
     options.report->writeError = writer.Failed() ? writer.Error() : closeError;
     options.report->bytesWritten = writer.BytesWritten();
   }

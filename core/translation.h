@@ -2,6 +2,7 @@
 // The translation run: the one operation behind the dialog's Translate
 // button and the velmora command. This header is the core's whole API.
 #include <cstdint>
+#include <functional>
 #include <string_view>
 
 namespace velmora {
@@ -43,6 +44,12 @@ struct TranslationOptions {
   // Refuse, as OutputSameAsInput, an output that is the same existing file
   // as the input under another spelling (same device and inode).
   bool refuseSameFile = false;
+  // Threads for a regular input file of several megabytes; the output is
+  // the same whatever the count. Standard input is always read by one.
+  unsigned jobs = 1;
+  // Called now and then with the bytes read so far and the input's size
+  // (0 when unknown), from the calling thread.
+  std::function<void(std::uint64_t bytesRead, std::uint64_t inputSize)> progress;
   // Filled in when not null.
   TranslationReport* report = nullptr;
 };

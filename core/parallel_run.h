@@ -1,0 +1,25 @@
+#pragma once
+// Translating one large regular file with several threads. The output is
+// byte for byte that of the single-threaded run.
+#include <cstdint>
+#include <functional>
+
+#include "core/output_writer.h"
+
+namespace velmora {
+
+struct ParallelRunResult {
+  bool frameFound = false;
+  int readError = 0;
+  std::uint64_t bytesRead = 0;
+};
+
+// Reads `inputFd` in chunks that begin at piece boundaries, decodes the
+// chunks on `jobs` threads and hands their output to `writer` in input
+// order. The link memory at each chunk's start comes from a prescan of
+// the chunks before it, so no chunk is decoded twice. Leaves the calling
+// thread's g_linkSetupPending as a single-threaded run would.
+ParallelRunResult TranslateInParallel(int inputFd, OutputWriter& writer, unsigned jobs,
+                                      const std::function<void(std::uint64_t)>& onRead);
+
+}  // namespace velmora

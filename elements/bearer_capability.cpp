@@ -5,6 +5,7 @@
 #include <iterator>
 
 #include "elements/element_decoders.h"
+#include "q931/common_tables.h"
 
 namespace velmora {
 namespace capability {
@@ -12,37 +13,10 @@ namespace {
 
 constexpr std::size_t kOctet3Position = 2;
 
-constexpr ValueText kInformationTransferCapability[] = {
-    {0b00000, "Speech"},
-    {0b01000, "Unrestricted digital information"},
-    {0b01001, "Restricted digital information"},
-    {0b10000, "3.1 kHz audio"},
-    {0b10001, "Unrestricted digital information with tones/announcements"},
-    {0b11000, "Video"},
-};
-
-constexpr ValueText kInformationTransferRate[] = {
-    {0b00000, "This code shall be used for packet-mode calls"},
-    {0b10000, "64 kbit/s"},
-    {0b10001, "2 * 64 kbit/s"},
-    {0b10011, "384 kbit/s"},
-    {0b10101, "1536 kbit/s"},
-    {0b10111, "1920 kbit/s"},
-    {0b11000, "Multirate (64 kbit/s base rate)"},
-};
+// Capability, rate and the layer 1 to 3 protocols print with the shared
+// tables (Cause's attribute diagnostics name them the same way).
 constexpr unsigned kMultirate = 0b11000;
 
-constexpr ValueText kLayer1Protocol[] = {
-    {0b00001, "ITU-T standardized rate adaption V.110[7], I.460[15] and X.30[8]"},
-    {0b00010, "Recommendation G.711[10] Mu-law"},
-    {0b00011, "Recommendation G.711 A-law"},
-    {0b00100, "Recommendation G.721[11] 32 kbit/s ADPCM and Recommendation I.460[15]"},
-    {0b00101, "Recommendations H.221 and H.242"},
-    {0b00110, "Recommendations H.223[92] and H.245[93]"},
-    {0b00111, "Non-ITU-T standardized rate adaption"},
-    {0b01000, "ITU-T standardized rate adaption V.120[9]"},
-    {0b01001, "ITU-T standardized rate adaption X.31[14] HDLC flag stuffing"},
-};
 constexpr unsigned kLayer1V110 = 0b00001;
 constexpr unsigned kLayer1V120 = 0b01000;
 
@@ -130,12 +104,7 @@ constexpr ValueText kDuplexMode[] = {{0, "Half duplex"}, {1, "Full duplex"}};
 constexpr OctetField kOctet5dDuplex[] = {{"Mode duplex", 7, 7, kDuplexMode}};
 
 // Modem types named by range; their line shows the value in decimal.
-struct ModemTypeRange {
-  unsigned first;
-  unsigned last;
-  std::string_view text;
-};
-constexpr ModemTypeRange kModemTypeRanges[] = {
+constexpr RangeText kModemTypeRanges[] = {
     {0, 5, "National use"},
     {32, 47, "National use"},
     {48, 63, "User specified"},
@@ -156,20 +125,12 @@ constexpr ValueText kAdditionalLayer3Information[] = {
     {0b1100'1111, "Point-to-point Protocol (RFC 1548)"},
 };
 
-// Bearer capability's own tables; Low layer compatibility has its own.
-constexpr ValueText kBearerTransferMode[] = {{0b00, "Circuit mode"}, {0b10, "Packet mode"}};
+// Bearer capability's user rates: all but 10000, which only Low layer
+// compatibility names. Its transfer mode and layer 2 and 3 tables are the
+// shared ones; Low layer compatibility words transfer mode 10 otherwise and
+// names more protocols, so it keeps its own.
 static_assert(std::size(kUserRate) == 31 && kUserRate[30].value == 0b10000);
 constexpr ValueTable kBearerUserRate = ValueTable(kUserRate).first(std::size(kUserRate) - 1);
-constexpr ValueText kBearerLayer2Protocol[] = {
-    {0b00010, "Recommendation Q.921/I.441[3]"},
-    {0b00110, "Recommendation X.25[5], link layer"},
-    {0b01100, "LAN logical link control (ISO/IEC 8802-2[39])"},
-};
-constexpr ValueText kBearerLayer3Protocol[] = {
-    {0b00010, "Recommendation Q.931"},
-    {0b00110, "Recommendation X.25, packet layer"},
-    {0b01011, "ISO/IEC TR 9577[82] (Protocol identification in the network layer)"},
-};
 
 // Layer identification, bits 7-6 of a layer octet.
 enum LayerIdentification : unsigned { kNoLayer = 0b00, kLayer1 = 0b01, kLayer2 = 0b10, kLayer3 = 0b11 };
@@ -187,14 +148,12 @@ std::span<const OctetField> Octet5bFields(unsigned layer1Protocol) {
 }
 
 void PrintModemType(unsigned modemType) {
-  for (const ModemTypeRange& range : kModemTypeRanges) {
-    if (modemType < range.first || modemType > range.last) continue;
+  if (const RangeText* range = FindRange(kModemTypeRanges, modemType)) {
     OutputWriter& out = Out();
-    PrintIndent(Indent::Field);
-    out.Put("Modem type=");
+    PrintFieldName("Modem type");
     out.Decimal(modemType);
     out.Put("  ");
-    out.Put(range.text);
+    out.Put(range->text);
     out.Put('\n');
     return;
   }
@@ -264,12 +223,6 @@ constexpr CapabilityVariant kBearerCapability = {
 
 }  // namespace
 
-void PrintOctetFields(Octet octet, std::span<const OctetField> fields) {
-  for (const OctetField& field : fields)
-    PrintField(field.name, FieldBits(octet, field.highBit, field.lowBit), field.highBit - field.lowBit + 1,
-               field.meanings);
-}
-
 void DecodeAdditionalLayer3Information(OctetReader& octets) {
   const auto octet7a = octets.Take();
   const auto octet7b = octets.Take();
@@ -279,8 +232,7 @@ void DecodeAdditionalLayer3Information(OctetReader& octets) {
   const ValueText* row = FindRow(kAdditionalLayer3Information, high << 4 | low);
   if (row == nullptr) return;
   OutputWriter& out = Out();
-  PrintIndent(Indent::Field);
-  out.Put("Additional layer 3 protocol information:7a=");
+  PrintFieldName("Additional layer 3 protocol information:7a");
   out.Bits(high, 4);
   out.Put(", 7b=");
   out.Bits(low, 4);

@@ -5,33 +5,12 @@
 // 7a/7b. The two elements differ only in what CapabilityVariant holds.
 #include <cstddef>
 #include <optional>
-#include <span>
 #include <string_view>
 
 #include "q931/element.h"
 #include "q931/text.h"
 
 namespace velmora::capability {
-
-// Bits highBit..lowBit of an octet (Q.931 numbering, 8 the most significant),
-// shifted down to a plain value.
-constexpr unsigned FieldBits(Octet octet, unsigned highBit, unsigned lowBit) {
-  return (static_cast<unsigned>(octet) >> (lowBit - 1)) & ((1U << (highBit - lowBit + 1)) - 1);
-}
-
-// Bit 8 = 0: the octet announces a further octet of its group.
-constexpr bool AnnouncesMore(Octet octet) { return (octet & 0x80) == 0; }
-
-// One coded field of an octet and the table of its meanings.
-struct OctetField {
-  std::string_view name;
-  unsigned highBit;
-  unsigned lowBit;
-  ValueTable meanings;
-};
-
-// Prints each field's line, in order; a value without a row prints nothing.
-void PrintOctetFields(Octet octet, std::span<const OctetField> fields);
 
 // Hands out an element's octets in order. When the next octet lies beyond
 // the element's last octet or the frame's, Take() finds nothing and the
@@ -50,14 +29,6 @@ class OctetReader {
  private:
   const ElementOctets& element_;
   std::size_t position_;
-};
-
-// Coding standard, octet 3 bits 7-6 (High layer compatibility uses it too).
-inline constexpr ValueText kCodingStandard[] = {
-    {0b00, "ITU-T standardized coding"},
-    {0b01, "ISO/IEC Standard"},
-    {0b10, "National standard"},
-    {0b11, "Standard defined for the network (either public or private) present on the network side of the interface"},
 };
 
 // User rate, octet 5a bits 5-1. Low layer compatibility names 10000 as well;

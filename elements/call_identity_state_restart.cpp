@@ -8,7 +8,9 @@ namespace velmora {
 
 namespace {
 
-constexpr ValueText kCodingStandard[] = {
+// Not the shared coding standard table: Call state writes "ISO/IEC standard"
+// with a lower-case s.
+constexpr ValueText kCallStateCodingStandard[] = {
     {0b00, "ITU-T standardized coding"},
     {0b01, "ISO/IEC standard"},
     {0b10, "National standard"},
@@ -66,8 +68,8 @@ int DecodeCallState(const ElementOctets& element) {
   const auto octet3 = element.At(2);
   if (!octet3) return element.Count();
 
-  PrintField("Coding standard", *octet3 >> 6, 2, kCodingStandard);
-  const unsigned state = *octet3 & 0x3F;
+  PrintField("Coding standard", FieldBits(*octet3, 8, 7), 2, kCallStateCodingStandard);
+  const unsigned state = FieldBits(*octet3, 6, 1);
   const ValueText* named = FindRow(kCallStateFieldName, state);
   PrintField(named != nullptr ? named->text : kCallStateDefaultName, state, 6, kCallStateValue);
   return element.Count();
@@ -75,7 +77,7 @@ int DecodeCallState(const ElementOctets& element) {
 
 int DecodeRestartIndicator(const ElementOctets& element) {
   PrintHeading("Restart indicator");
-  if (const auto octet3 = element.At(2)) PrintField("Class", *octet3 & 0x07, 3, kRestartClass);
+  if (const auto octet3 = element.At(2)) PrintField("Class", FieldBits(*octet3, 3, 1), 3, kRestartClass);
   return element.Count();
 }
 

@@ -11,7 +11,9 @@
 namespace velmora {
 namespace {
 
-constexpr ValueText kCodingStandards[] = {
+// Not the shared coding standard table: Cause names 11 "Standard specific
+// to identified location".
+constexpr ValueText kCauseCodingStandard[] = {
     {0b00, "ITU-T standardized coding"},
     {0b01, "ISO/IEC Standard"},
     {0b10, "National standard"},
@@ -170,10 +172,10 @@ constexpr CauseDiagnosticKind DiagnosticKindOf(unsigned cause) {
 
 void PrintLocation(unsigned location) {
   if (location >= kFirstNationalLocation) {
-    OutputWriter& out = Out();
-    out.Put("\t\tLocation= ");
-    out.Hex(location);
-    out.Put("  reserved for national use\n");
+    // This line has a blank after "=".
+    PrintFieldName("Location");
+    Out().SpaceHex(location);
+    Out().Put("  reserved for national use\n");
     return;
   }
   PrintField("Location", location, 4, kLocations);
@@ -190,22 +192,22 @@ int DecodeCause(const ElementOctets& element) {
 
   const std::optional<Octet> octet3 = element.At(2);
   if (!octet3) return count;
-  PrintField("Coding standard", (*octet3 >> 5) & 0b11, 2, kCodingStandards);
-  PrintLocation(*octet3 & 0b1111);
+  PrintField("Coding standard", FieldBits(*octet3, 7, 6), 2, kCauseCodingStandard);
+  PrintLocation(FieldBits(*octet3, 4, 1));
 
   std::size_t octet4Position = 3;
-  if ((*octet3 & 0x80) == 0) {
+  if (AnnouncesMore(*octet3)) {
     const std::optional<Octet> octet3a = element.At(3);
     if (!octet3a) return count;
-    PrintField("Recommendation", *octet3a & 0x7F, 7, kRecommendations);
+    PrintField("Recommendation", FieldBits(*octet3a, 7, 1), 7, kRecommendations);
     // Octet 3a's own extension bit is not looked at: octet 4 always follows.
     octet4Position = 4;
   }
 
   const std::optional<Octet> octet4 = element.At(octet4Position);
   if (!octet4) return count;
-  const unsigned cause = *octet4 & 0x7F;
-  PrintField("Cause Class", cause >> 4, 3, kCauseClasses);
+  const unsigned cause = FieldBits(*octet4, 7, 1);
+  PrintField("Cause Class", FieldBits(*octet4, 7, 5), 3, kCauseClasses);
   const bool known = PrintField("Cause Value", cause, 4, kCauseValues);
   const CauseDiagnosticKind kind = known ? DiagnosticKindOf(cause) : CauseDiagnosticKind::None;
 

@@ -4,6 +4,7 @@
 #include <string_view>
 
 #include "elements/cause.h"
+#include "q931/common_tables.h"
 #include "q931/message.h"
 #include "q931/text.h"
 
@@ -11,17 +12,6 @@ namespace velmora {
 namespace {
 
 constexpr Indent kSub = Indent::SubField;
-
-// "<lead>0x%x  <meaning>\n": a value shown in hexadecimal with a meaning that
-// does not depend on it. `lead` holds the indent, the name, "=" and any blank.
-void PrintHexMeaning(std::string_view lead, unsigned value, std::string_view meaning) {
-  OutputWriter& out = Out();
-  out.Put(lead);
-  out.Hex(value);
-  out.Put("  ");
-  out.Put(meaning);
-  out.Put('\n');
-}
 
 // --- Condition (one octet, bits 4-1) ---
 
@@ -31,9 +21,9 @@ constexpr ValueText kPersistence[] = {{0b00, "Unknown"}, {0b01, "Permanent"}, {0
 
 void DecodeCondition(OctetSpan diagnostics) {
   const Octet octet = diagnostics.front();
-  PrintField("Bit 4", (octet >> 3) & 1, 1, kServiceSides, kSub);
-  PrintField("Bit 3", (octet >> 2) & 1, 1, kNormality, kSub);
-  PrintField("Bits 2-1", octet & 0b11, 2, kPersistence, kSub);
+  PrintField("Bit 4", FieldBits(octet, 4, 4), 1, kServiceSides, kSub);
+  PrintField("Bit 3", FieldBits(octet, 3, 3), 1, kNormality, kSub);
+  PrintField("Bits 2-1", FieldBits(octet, 2, 1), 2, kPersistence, kSub);
 }
 
 // --- CCBS indicator (one whole octet) ---
@@ -47,7 +37,7 @@ constexpr ValueText kCcbsIndicators[] = {
 void DecodeCcbsIndicator(OctetSpan diagnostics) {
   const Octet octet = diagnostics.front();
   if (PrintField("Bits 8-1", octet, 8, kCcbsIndicators, kSub)) return;
-  PrintHexMeaning("\t\t\tBits 8-1=", octet, octet < 0x80 ? "Spare" : "Spare for national use");
+  PrintHexMeaning("Bits 8-1", octet, octet < 0x80 ? "Spare" : "Spare for national use", kSub);
 }
 
 // --- Call rejected (reason and condition, then the reason's octets) ---
@@ -74,9 +64,9 @@ constexpr ValueText kElementTypes[] = {
 
 void DecodeCallRejected(OctetSpan diagnostics) {
   const Octet first = diagnostics.front();
-  const unsigned reason = (first >> 2) & 0b11111;
+  const unsigned reason = FieldBits(first, 7, 3);
   PrintField("Rejection reason", reason, 5, kRejectionReasons, kSub);
-  PrintField("Condition", first & 0b11, 2, kRejectionConditions, kSub);
+  PrintField("Condition", FieldBits(first, 2, 1), 2, kRejectionConditions, kSub);
 
   const OctetSpan rest = diagnostics.subspan(1);
   if (rest.empty()) return;
@@ -85,57 +75,16 @@ void DecodeCallRejected(OctetSpan diagnostics) {
   } else if (reason == kElementMissing || reason == kContentsNotSufficient) {
     // Each octet names an information element: bit 8 its kind, bits 7-1 its identifier.
     for (const Octet named : rest) {
-      PrintField("Information element type", named >> 7, 1, kElementTypes, kSub);
-      Out().Put("\t\t\tInformation element identifier= ");
-      Out().Hex(named & 0x7F);
-      Out().Put('\n');
+      PrintField("Information element type", FieldBits(named, 8, 8), 1, kElementTypes, kSub);
+      PrintSpacedHexField("Information element identifier", FieldBits(named, 7, 1), kSub);
     }
   }
 }
 
 // --- Attribute identity (attribute number, then a run of value octets) ---
-
-constexpr ValueText kTransferCapabilities[] = {
-    {0b00000, "Speech"},
-    {0b01000, "Unrestricted digital information"},
-    {0b01001, "Restricted digital information"},
-    {0b10000, "3.1 kHz audio"},
-    {0b10001, "Unrestricted digital information with tones/announcements"},
-    {0b11000, "Video"},
-};
-constexpr ValueText kTransferModes[] = {{0b00, "Circuit mode"}, {0b10, "Packet mode"}};
-constexpr ValueText kTransferRates[] = {
-    {0b00000, "This code shall be used for packet-mode calls"},
-    {0b10000, "64 kbit/s"},
-    {0b10001, "2 * 64 kbit/s"},
-    {0b10011, "384 kbit/s"},
-    {0b10101, "1536 kbit/s"},
-    {0b10111, "1920 kbit/s"},
-    {0b11000, "Multirate (64 kbit/s base rate)"},
-};
+// The values read as Bearer capability's octets 3 to 7, with its tables.
 
 constexpr ValueText kLayers[] = {{0b01, "layer 1"}, {0b10, "layer 2"}, {0b11, "layer 3"}};
-constexpr ValueText kLayer1Protocols[] = {
-    {0b00001, "ITU-T standardized rate adaption V.110[7], I.460[15] and X.30[8]"},
-    {0b00010, "Recommendation G.711[10] Mu-law"},
-    {0b00011, "Recommendation G.711 A-law"},
-    {0b00100, "Recommendation G.721[11] 32 kbit/s ADPCM and Recommendation I.460[15]"},
-    {0b00101, "Recommendations H.221 and H.242"},
-    {0b00110, "Recommendations H.223[92] and H.245[93]"},
-    {0b00111, "Non-ITU-T standardized rate adaption"},
-    {0b01000, "ITU-T standardized rate adaption V.120[9]"},
-    {0b01001, "ITU-T standardized rate adaption X.31[14] HDLC flag stuffing"},
-};
-constexpr ValueText kLayer2Protocols[] = {
-    {0b00010, "Recommendation Q.921/I.441[3]"},
-    {0b00110, "Recommendation X.25[5], link layer"},
-    {0b01100, "LAN logical link control (ISO/IEC 8802-2[39])"},
-};
-constexpr ValueText kLayer3Protocols[] = {
-    {0b00010, "Recommendation Q.931"},
-    {0b00110, "Recommendation X.25, packet layer"},
-    {0b01011, "ISO/IEC TR 9577[82] (Protocol identification in the network layer)"},
-};
 struct LayerProtocols {
   std::string_view field;
   ValueTable protocols;
@@ -143,35 +92,39 @@ struct LayerProtocols {
 // Indexed by the layer, bits 7-6; layer 0 names nothing.
 constexpr LayerProtocols kLayerProtocols[] = {
     {{}, {}},
-    {"User information layer 1 protocol", kLayer1Protocols},
-    {"User information layer 2 protocol", kLayer2Protocols},
-    {"User information layer 3 protocol", kLayer3Protocols},
+    {"User information layer 1 protocol", kLayer1Protocol},
+    {"User information layer 2 protocol", kBearerLayer2Protocol},
+    {"User information layer 3 protocol", kBearerLayer3Protocol},
 };
 
 void PrintTransferCapability(Octet value) {
-  PrintField("Information transfer capability", value & 0b11111, 5, kTransferCapabilities, kSub);
+  PrintField("Information transfer capability", FieldBits(value, 5, 1), 5, kInformationTransferCapability, kSub);
 }
-void PrintTransferMode(Octet value) { PrintField("Transfer mode", (value >> 5) & 0b11, 2, kTransferModes, kSub); }
+void PrintTransferMode(Octet value) {
+  PrintField("Transfer mode", FieldBits(value, 7, 6), 2, kBearerTransferMode, kSub);
+}
 void PrintTransferRate(Octet value) {
-  PrintField("Information transfer rate", value & 0b11111, 5, kTransferRates, kSub);
+  PrintField("Information transfer rate", FieldBits(value, 5, 1), 5, kInformationTransferRate, kSub);
 }
 // The next five have one meaning each in Q.931 (1988), whatever their bits.
-void PrintStructure(Octet value) { PrintHexMeaning("\t\t\tStructure=", (value >> 4) & 0b111, "8 kHz integrity"); }
+void PrintStructure(Octet value) { PrintHexMeaning("Structure", FieldBits(value, 7, 5), "8 kHz integrity", kSub); }
 void PrintConfiguration(Octet value) {
-  PrintHexMeaning("\t\t\tConfiguration=", (value >> 2) & 0b11, "Point-to-point");
+  PrintHexMeaning("Configuration", FieldBits(value, 4, 3), "Point-to-point", kSub);
 }
-void PrintEstablishment(Octet value) { PrintHexMeaning("\t\t\tEstablishment=", value & 0b11, "Demand"); }
+void PrintEstablishment(Octet value) { PrintHexMeaning("Establishment", FieldBits(value, 2, 1), "Demand", kSub); }
 void PrintSymmetry(Octet value) {
-  PrintHexMeaning("\t\t\tSymmetry=", (value >> 5) & 0b11, "Bi-directional symmetric");
+  PrintHexMeaning("Symmetry", FieldBits(value, 7, 6), "Bi-directional symmetric", kSub);
 }
+// This line has a blank after "=".
 void PrintReverseTransferRate(Octet value) {
-  PrintHexMeaning("\t\t\tInformation transfer rate (dest. --> orig.)= ", value & 0b11111,
-                  "Reference in Recommendation Q.931 (1988)");
+  PrintFieldName("Information transfer rate (dest. --> orig.)", kSub);
+  Out().SpaceHex(FieldBits(value, 5, 1));
+  Out().Put("  Reference in Recommendation Q.931 (1988)\n");
 }
 void PrintLayerIdentification(Octet value) {
-  const unsigned layer = (value >> 5) & 0b11;
+  const unsigned layer = FieldBits(value, 7, 6);
   if (!PrintField("Layer identification", layer, 2, kLayers, kSub)) return;
-  PrintField(kLayerProtocols[layer].field, value & 0b11111, 5, kLayerProtocols[layer].protocols, kSub);
+  PrintField(kLayerProtocols[layer].field, FieldBits(value, 5, 1), 5, kLayerProtocols[layer].protocols, kSub);
 }
 
 struct Attribute {
@@ -203,44 +156,31 @@ const Attribute* FindAttribute(unsigned number) {
 void DecodeAttributeIdentity(OctetSpan diagnostics) {
   std::size_t position = 0;
   while (position < diagnostics.size()) {
-    const Attribute* attribute = FindAttribute(diagnostics[position] & 0x7F);
+    const Attribute* attribute = FindAttribute(FieldBits(diagnostics[position], 7, 1));
     ++position;
     if (attribute == nullptr) continue;
-    PrintField("Attribute number", attribute->number.value, 7, ValueTable(&attribute->number, 1), kSub);
+    PrintCodedValue("Attribute number", attribute->number.value, 7, attribute->number.text, kSub);
     while (position < diagnostics.size()) {
       const Octet value = diagnostics[position];
       ++position;
       attribute->printValue(value);
-      if ((value & 0x80) != 0) break;
+      if (!AnnouncesMore(value)) break;
     }
   }
 }
 
-// --- Channel type (one octet, bits 4-1) ---
-
-constexpr ValueText kChannelTypes[] = {
-    {0b0011, "B-channel units"},
-    {0b0110, "H0-channel units"},
-    {0b1000, "H11-channel units"},
-    {0b1001, "H12-channel units"},
-};
+// --- Channel type (one octet, bits 4-1, Channel identification's table) ---
 
 void DecodeChannelType(OctetSpan diagnostics) {
-  PrintField("Channel type", diagnostics.front() & 0b1111, 4, kChannelTypes, kSub);
+  PrintField("Channel type", FieldBits(diagnostics.front(), 4, 1), 4, kChannelType, kSub);
 }
 
 // --- Message type (every octet, named as the message dispatch names it) ---
 
 void DecodeMessageTypes(OctetSpan diagnostics) {
-  OutputWriter& out = Out();
   for (const Octet octet : diagnostics) {
     const MessageTypeInfo* type = FindMessageType(octet);
-    if (type == nullptr) continue;
-    out.Put("\t\t\tMessage type=");
-    out.Bits(octet, 8);
-    out.Put("  ");
-    out.Put(type->name);
-    out.Put('\n');
+    if (type != nullptr) PrintCodedValue("Message type", octet, 8, type->name, kSub);
   }
 }
 

@@ -2,6 +2,7 @@
 // a B-channel of a basic interface or, on a primary-rate interface, a channel
 // number or a slot map.
 #include "elements/element_decoders.h"
+#include "q931/common_tables.h"
 #include "q931/text.h"
 
 namespace velmora {
@@ -37,19 +38,7 @@ constexpr ValueText kOtherChannelSelection[] = {
     {0b11, "Any channel"},
 };
 
-// Octet 3.2.
-constexpr ValueText kCodingStandard[] = {
-    {0b00, "ITU-T standardized coding"},
-    {0b01, "ISO/IEC Standard"},
-    {0b10, "National standard"},
-    {0b11, "Standard defined for the network (either public or private) present on the network side of the interface"},
-};
-constexpr ValueText kChannelType[] = {
-    {0b0011, "B-channel units"},
-    {0b0110, "H0-channel units"},
-    {0b1000, "H11-channel units"},
-    {0b1001, "H12-channel units"},
-};
+// Octet 3.2; its coding standard and channel type tables are shared.
 constexpr ValueText kNumberMap[] = {
     {0, "Channel is indicated by the number in the following octet"},
     {1, "Channel is indicated by the slot map (Map) in the following octet(s)"},
@@ -61,7 +50,7 @@ OctetSpan ExtendedGroup(const ElementOctets& element, std::size_t first) {
   const OctetSpan rest = element.Slice(first);
   std::size_t size = 0;
   while (size < rest.size()) {
-    const bool last = (rest[size] & 0x80) != 0;
+    const bool last = !AnnouncesMore(rest[size]);
     ++size;
     if (last) break;
   }
@@ -75,24 +64,19 @@ int DecodeChannelIdentification(const ElementOctets& element) {
   const auto octet3 = element.At(2);
   if (!octet3) return element.Count();
 
-  const bool interfaceIdentified = (*octet3 >> 6) & 1;
-  const bool otherInterface = (*octet3 >> 5) & 1;
+  const bool interfaceIdentified = FieldBits(*octet3, 7, 7);
+  const bool otherInterface = FieldBits(*octet3, 6, 6);
   PrintField("Interface identifier present", interfaceIdentified, 1, kInterfaceIdentifierPresent);
   PrintField("Interface type", otherInterface, 1, kInterfaceType);
-  PrintField("Preferred/Exclusive", (*octet3 >> 3) & 1, 1, kPreferredExclusive);
-  PrintField("D-channel indicator", (*octet3 >> 2) & 1, 1, kDChannelIndicator);
-  PrintField("Information channel selection", *octet3 & 0b11, 2,
+  PrintField("Preferred/Exclusive", FieldBits(*octet3, 4, 4), 1, kPreferredExclusive);
+  PrintField("D-channel indicator", FieldBits(*octet3, 3, 3), 1, kDChannelIndicator);
+  PrintField("Information channel selection", FieldBits(*octet3, 2, 1), 2,
              otherInterface ? ValueTable(kOtherChannelSelection) : ValueTable(kBasicChannelSelection));
 
-  OutputWriter& out = Out();
   std::size_t index = 3;
   if (interfaceIdentified) {
     const OctetSpan interfaceIds = ExtendedGroup(element, index);
-    for (const Octet id : interfaceIds) {
-      out.Put("\t\tInterface identifier=");
-      out.Decimal(id & 0x7F);
-      out.Put('\n');
-    }
+    for (const Octet id : interfaceIds) PrintDecimalField("Interface identifier", FieldBits(id, 7, 1));
     index += interfaceIds.size();
   }
 
@@ -102,20 +86,21 @@ int DecodeChannelIdentification(const ElementOctets& element) {
   const auto octet32 = element.At(index);
   if (!octet32) return element.Count();
   ++index;
-  PrintField("Coding standard", (*octet32 >> 5) & 0b11, 2, kCodingStandard);
-  PrintField("Channel type/map element type", *octet32 & 0x0F, 4, kChannelType);
-  const bool slotMap = (*octet32 >> 4) & 1;
+  PrintField("Coding standard", FieldBits(*octet32, 7, 6), 2, kCodingStandard);
+  PrintField("Channel type/map element type", FieldBits(*octet32, 4, 1), 4, kChannelType);
+  const bool slotMap = FieldBits(*octet32, 5, 5);
   PrintField("Number/map", slotMap, 1, kNumberMap);
   if (slotMap) {
     // The map runs to the element's end; its bits are not named one by one.
     PrintOctetString("Slot map", element.Slice(index));
   } else {
-    out.Put("\t\tChannel number=");
+    // All channel numbers stand on one line, each as " %d".
+    PrintFieldName("Channel number");
     for (const Octet number : ExtendedGroup(element, index)) {
-      out.Put(' ');
-      out.Decimal(number & 0x7F);
+      Out().Put(' ');
+      Out().Decimal(FieldBits(number, 7, 1));
     }
-    out.Put('\n');
+    Out().Put('\n');
   }
   return element.Count();
 }

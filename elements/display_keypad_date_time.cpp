@@ -8,20 +8,10 @@ namespace velmora {
 
 namespace {
 
-// "\t\t<name>=" then each IA5 character as " 0x%x" of its bits 7-1, then "\n".
-void PrintIa5Codes(std::string_view name, OctetSpan characters) {
-  OutputWriter& out = Out();
-  PrintIndent(Indent::Field);
-  out.Put(name);
-  out.Put('=');
-  for (const Octet character : characters) out.SpaceHex(character & 0x7F);
-  out.Put('\n');
-}
-
 int DecodeIa5Element(const ElementOctets& element, std::string_view heading, std::string_view label) {
   PrintHeading(heading);
   const OctetSpan characters = element.Slice(2);
-  if (!characters.empty()) PrintIa5Codes(label, characters);
+  if (!characters.empty()) PrintIa5String(label, characters);
   return element.Count();
 }
 
@@ -56,12 +46,7 @@ int DecodeDateTime(const ElementOctets& element) {
     if (element.Length() < field.minimumLength) break;
     const auto octet = element.FrameAt(field.position);
     if (!octet) break;
-    OutputWriter& out = Out();
-    PrintIndent(Indent::Field);
-    out.Put(field.name);
-    out.Put('=');
-    out.Decimal(*octet);
-    out.Put('\n');
+    PrintDecimalField(field.name, *octet);
   }
   return element.Count();
 }

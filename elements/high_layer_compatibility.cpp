@@ -1,13 +1,14 @@
 // High layer compatibility (0x7D): octet 3, octet 4 and at most one octet 4a,
 // whose meaning octet 4 selects.
-#include "elements/bearer_capability.h"
+#include <algorithm>
+#include <array>
+#include <iterator>
+
 #include "elements/element_decoders.h"
+#include "q931/common_tables.h"
 
 namespace velmora {
 namespace {
-
-using capability::FieldBits;
-using capability::OctetField;
 
 constexpr std::size_t kOctet3Position = 2;
 constexpr std::size_t kOctet4Position = 3;
@@ -20,7 +21,7 @@ constexpr ValueText kPresentationMethod[] = {
     {0b01, "High layer protocol profile (without specification of attributes)"},
 };
 constexpr OctetField kOctet3[] = {
-    {"Coding standard", 7, 6, capability::kCodingStandard},
+    {"Coding standard", 7, 6, kCodingStandard},
     {"Interpretation", 5, 3, kInterpretation},
     {"Presentation method of protocol profile", 2, 1, kPresentationMethod},
 };
@@ -53,28 +54,13 @@ constexpr unsigned kManagement = 0b1011111;
 
 // Octet 4a after maintenance or management: the same codes, except that
 // those two are not available for assignment.
-constexpr ValueText kExtendedHighLayerCharacteristics[] = {
-    {0b0000001, "Telephony"},
-    {0b0000100, "Facsimile Group 2/3 (Recommendation F.182 [68])"},
-    {0b0100001, "Facsimile Group 4 Class I (Recommendation F.184 [69])"},
-    {0b0100100, "Facsimile service Group 4, Classes II and III (Recommendation F.184)"},
-    {0b0110010, "Syntax based Videotex (Recommendation F.300 [73] and T.102 [74])"},
-    {0b0110011,
-     "International Videotex interworking via gateways or interworking units (Recommendation F.300 and T.101 "
-     "[75])"},
-    {0b0110101, "Telex service (Recommendation F.60 [76])"},
-    {0b0111000, "Message Handling Systems (MHS) (X.400-series Recommendation [77])"},
-    {0b1000001, "OSI application (X.200-series Recommendations [78])"},
-    {0b1000010, "FTAM application (ISO 8571)"},
-    {0b1011110, "Not available for assignment"},
-    {0b1011111, "Not available for assignment"},
-    {0b1100000, "Videotelephony (Recommendations F.720 [91] and F.721 [79]) and F.731 profile 1a)"},
-    {0b1100001, "Videoconferencing Recommendation F.702 [94] and F.731 [97] Profile 1b"},
-    {0b1100010,
-     "Audiographic conferencing Recommendations F.702 [94] and F.731 [97] (including at least profile 2a2 and "
-     "optionally 2a1, 2a3, 2b1, 2b2, and 2bc)"},
-    {0b1101000, "Multimedia services F.700-series Recommendations [80]"},
-};
+constexpr auto kExtendedHighLayerCharacteristics = [] {
+  std::array<ValueText, std::size(kHighLayerCharacteristics)> rows{};
+  std::ranges::copy(kHighLayerCharacteristics, rows.begin());
+  for (ValueText& row : rows)
+    if (row.value == kMaintenance || row.value == kManagement) row.text = "Not available for assignment";
+  return rows;
+}();
 
 // Octet 4a after a reserved audiovisual code.
 constexpr ValueText kExtendedAudiovisualCharacteristics[] = {
@@ -83,26 +69,17 @@ constexpr ValueText kExtendedAudiovisualCharacteristics[] = {
     {0b0100001, "Capability set of initial channel associated with an active 3.1 kHz audio or speech call"},
 };
 
-// Octet 4 codes reserved for audiovisual services (none has a table row).
-struct CodeRange {
-  unsigned first;
-  unsigned last;
+// Octet 4 codes reserved for audiovisual services (none has a table row);
+// their line shows the code in hexadecimal.
+constexpr std::string_view kReservedAudiovisualText =
+    "Reserved for audiovisual services (F.700-series Recommendations [80])";
+constexpr RangeText kReservedAudiovisual[] = {
+    {0x63, 0x67, kReservedAudiovisualText},
+    {0x6B, 0x6F, kReservedAudiovisualText},
 };
-constexpr CodeRange kReservedAudiovisual[] = {{0x63, 0x67}, {0x6B, 0x6F}};
 
 bool IsReservedAudiovisual(unsigned characteristics) {
-  for (const CodeRange& range : kReservedAudiovisual)
-    if (characteristics >= range.first && characteristics <= range.last) return true;
-  return false;
-}
-
-void PrintReservedAudiovisual(unsigned characteristics) {
-  OutputWriter& out = Out();
-  PrintIndent(Indent::Field);
-  out.Put(kCharacteristicsName);
-  out.Put('=');
-  out.Hex(characteristics);
-  out.Put("  Reserved for audiovisual services (F.700-series Recommendations [80])\n");
+  return FindRange(kReservedAudiovisual, characteristics) != nullptr;
 }
 
 // What octet 4a means after octet 4's code. For any other code octet 4a
@@ -126,14 +103,15 @@ int DecodeHighLayerCompatibility(const ElementOctets& element) {
 
   const auto octet3 = element.At(kOctet3Position);
   if (!octet3) return element.Count();
-  capability::PrintOctetFields(*octet3, kOctet3);
+  PrintOctetFields(*octet3, kOctet3);
 
   const auto octet4 = element.At(kOctet4Position);
   if (!octet4) return element.Count();
   const unsigned characteristics = FieldBits(*octet4, 7, 1);
   PrintField(kCharacteristicsName, characteristics, 7, kHighLayerCharacteristics);
-  if (IsReservedAudiovisual(characteristics)) PrintReservedAudiovisual(characteristics);
-  if (!capability::AnnouncesMore(*octet4)) return element.Count();
+  if (const RangeText* reserved = FindRange(kReservedAudiovisual, characteristics))
+    PrintHexMeaning(kCharacteristicsName, characteristics, reserved->text);
+  if (!AnnouncesMore(*octet4)) return element.Count();
 
   // Octet 4a; whatever follows it is never decoded.
   const auto octet4a = element.At(kOctet4aPosition);

@@ -8,9 +8,6 @@
 namespace velmora {
 namespace {
 
-using capability::AnnouncesMore;
-using capability::FieldBits;
-using capability::OctetField;
 using capability::OctetReader;
 
 constexpr ValueText kNegotiationIndicator[] = {
@@ -82,17 +79,6 @@ bool IsHdlc(unsigned layer2Protocol) { return layer2Protocol >= 0b01001 && layer
 // X.25 packet layer, ISO/IEC 8208 and X.223 carry octets 7a to 7c.
 bool IsX25Family(unsigned layer3Protocol) { return layer3Protocol >= 0b00110 && layer3Protocol <= 0b01000; }
 
-// "\t\t<name>= 0x%x\n" with bits 7-1 of the octet: the blank after "=" is
-// part of these lines.
-void PrintSevenBitValue(std::string_view name, Octet octet) {
-  OutputWriter& out = Out();
-  PrintIndent(Indent::Field);
-  out.Put(name);
-  out.Put('=');
-  out.SpaceHex(FieldBits(octet, 7, 1));
-  out.Put('\n');
-}
-
 // Octet 6, then 6a in its HDLC or user-specified form and 6b for HDLC.
 void DecodeLayer2Group(Octet octet6, OctetReader& octets) {
   const unsigned protocol = FieldBits(octet6, 5, 1);
@@ -103,15 +89,15 @@ void DecodeLayer2Group(Octet octet6, OctetReader& octets) {
     const auto octet6a = octets.Take();
     if (!octet6a) return;
     if (IsHdlc(protocol))
-      capability::PrintOctetFields(*octet6a, kOctet6aHdlc);
+      PrintOctetFields(*octet6a, kOctet6aHdlc);
     else
-      PrintSevenBitValue("User specified layer 2 protocol information", *octet6a);
+      PrintSpacedHexField("User specified layer 2 protocol information", FieldBits(*octet6a, 7, 1));
     more = AnnouncesMore(*octet6a);
   }
   if (more && IsHdlc(protocol)) {
     const auto octet6b = octets.Take();
     if (!octet6b) return;
-    PrintSevenBitValue("Window size (k)", *octet6b);
+    PrintSpacedHexField("Window size (k)", FieldBits(*octet6b, 7, 1));
   }
 }
 
@@ -123,7 +109,8 @@ void DecodeLayer3Group(Octet octet7, OctetReader& octets) {
   if (!AnnouncesMore(octet7)) return;
 
   if (protocol == kLayer3UserSpecified) {
-    if (const auto octet7a = octets.Take()) PrintSevenBitValue("User specified layer 3 protocol information", *octet7a);
+    if (const auto octet7a = octets.Take())
+      PrintSpacedHexField("User specified layer 3 protocol information", FieldBits(*octet7a, 7, 1));
   } else if (IsX25Family(protocol)) {
     const auto octet7a = octets.Take();
     if (!octet7a) return;
@@ -133,7 +120,7 @@ void DecodeLayer3Group(Octet octet7, OctetReader& octets) {
     if (!octet7b) return;
     PrintField("Default packet size", FieldBits(*octet7b, 4, 1), 4, kDefaultPacketSize);
     if (!AnnouncesMore(*octet7b)) return;
-    if (const auto octet7c = octets.Take()) PrintSevenBitValue("Packet window size", *octet7c);
+    if (const auto octet7c = octets.Take()) PrintSpacedHexField("Packet window size", FieldBits(*octet7c, 7, 1));
   } else if (protocol == capability::kLayer3Tr9577) {
     capability::DecodeAdditionalLayer3Information(octets);
   }

@@ -27,17 +27,12 @@ constexpr ValueText kTransitIdentificationPlan[] = {
 };
 
 void PrintNetworkIdentification(Octet octet, ValueTable plans) {
-  PrintField("Type of network identification", (octet >> 4) & 0b111, 3, kNetworkIdentificationType);
-  PrintField("Network identification plan", octet & 0x0F, 4, plans);
+  PrintField("Type of network identification", FieldBits(octet, 7, 5), 3, kNetworkIdentificationType);
+  PrintField("Network identification plan", FieldBits(octet, 4, 1), 4, plans);
 }
 
-// IA5 characters shown as their 7-bit codes; bit 8 of each octet is spare.
-void PrintIa5Characters(OctetSpan characters) {
-  OutputWriter& out = Out();
-  out.Put("\t\tNetwork identification(IA5)=");
-  for (const Octet character : characters) out.SpaceHex(character & 0x7F);
-  out.Put('\n');
-}
+// The network identification's characters, shown as their IA5 codes.
+constexpr std::string_view kNetworkIdentificationName = "Network identification(IA5)";
 
 }  // namespace
 
@@ -56,15 +51,11 @@ int DecodeNetworkSpecificFacilities(const ElementOctets& element) {
     if (const auto octet31 = element.At(3)) PrintNetworkIdentification(*octet31, kFacilitiesIdentificationPlan);
     const OctetSpan characters = element.Slice(4);
     const std::size_t characterCount = *identificationLength - 1U;
-    PrintIa5Characters(characters.first(std::min(characterCount, characters.size())));
+    PrintIa5String(kNetworkIdentificationName, characters.first(std::min(characterCount, characters.size())));
     facilityIndex = 3 + *identificationLength;
   }
 
-  if (const auto facility = element.At(facilityIndex)) {
-    Out().Put("\t\tNetwork-specific facilities=");
-    Out().SpaceHex(*facility);
-    Out().Put('\n');
-  }
+  if (const auto facility = element.At(facilityIndex)) PrintSpacedHexField("Network-specific facilities", *facility);
   return element.Count();
 }
 
@@ -73,7 +64,7 @@ int DecodeTransitNetworkSelection(const ElementOctets& element) {
   const auto octet3 = element.At(2);
   if (!octet3) return element.Count();
   PrintNetworkIdentification(*octet3, kTransitIdentificationPlan);
-  PrintIa5Characters(element.Slice(3));
+  PrintIa5String(kNetworkIdentificationName, element.Slice(3));
   return element.Count();
 }
 

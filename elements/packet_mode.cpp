@@ -80,19 +80,9 @@ bool PrintHeadingAndHasContents(const ElementOctets& element, std::string_view h
   return element.Has(2);
 }
 
-// The rest of a rate line behind its label: the code's bits and rate, or
-// the code in hexadecimal as reserved.
-void PrintRateCode(unsigned code) {
-  OutputWriter& out = Out();
-  if (const ValueText* row = FindRow(kInformationRate, code)) {
-    out.Bits(code, 5);
-    out.Put("  ");
-    out.Put(row->text);
-  } else {
-    out.Hex(code);
-    out.Put("  Reserved");
-  }
-  out.Put('\n');
+// A rate line: the code's bits and rate, or the code in hexadecimal as reserved.
+void PrintRate(std::string_view label, unsigned code) {
+  if (!PrintField(label, code, 5, kInformationRate)) PrintHexMeaning(label, code, "Reserved");
 }
 
 void PrintDelayValue(const ElementOctets& element, const DelayField& field) {
@@ -100,11 +90,12 @@ void PrintDelayValue(const ElementOctets& element, const DelayField& field) {
   const auto middle = element.FrameAt(field.position + 1);
   const auto low = element.FrameAt(field.position + 2);
   if (!high || !middle || !low) return;
-  const unsigned milliseconds = (*high & 0x03U) * 16384U + (*middle & 0x7FU) * 128U + (*low & 0x7FU);
+  const unsigned milliseconds =
+      FieldBits(*high, 2, 1) * 16384U + FieldBits(*middle, 7, 1) * 128U + FieldBits(*low, 7, 1);
+  // "<name>= %d ms": a blank after "=" and the unit behind the value.
   OutputWriter& out = Out();
-  PrintIndent(Indent::Field);
-  out.Put(field.name);
-  out.Put("= ");
+  PrintFieldName(field.name);
+  out.Put(' ');
   out.Decimal(milliseconds);
   out.Put(" ms\n");
 }
@@ -112,8 +103,8 @@ void PrintDelayValue(const ElementOctets& element, const DelayField& field) {
 // Packet layer window size and Packet size: forward value, then backward.
 int DecodeForwardBackward(const ElementOctets& element, std::string_view heading) {
   if (!PrintHeadingAndHasContents(element, heading)) return element.Count();
-  PrintHexField("Forward value", *element.At(2) & 0x7F);
-  if (const auto backward = element.At(3)) PrintHexField("Backward value", *backward & 0x7F);
+  PrintHexField("Forward value", FieldBits(*element.At(2), 7, 1));
+  if (const auto backward = element.At(3)) PrintHexField("Backward value", FieldBits(*backward, 7, 1));
   return element.Count();
 }
 
@@ -125,10 +116,7 @@ int DecodeInformationRate(const ElementOctets& element) {
   for (const std::string_view label : kRateLabels) {
     const auto octet = element.FrameAt(position++);
     if (!octet) break;
-    PrintIndent(Indent::Field);
-    Out().Put(label);
-    Out().Put('=');
-    PrintRateCode(*octet & 0x1F);
+    PrintRate(label, FieldBits(*octet, 5, 1));
   }
   return element.Count();
 }
@@ -149,10 +137,10 @@ int DecodeTransitDelaySelection(const ElementOctets& element) {
 int DecodePacketLayerBinaryParameters(const ElementOctets& element) {
   if (!PrintHeadingAndHasContents(element, "Packet layer binary parameters")) return element.Count();
   const Octet octet3 = *element.At(2);
-  PrintField("Fast select", (octet3 >> 3) & 0x03, 2, kFastSelect);
-  PrintField("Expedited data", (octet3 >> 2) & 0x01, 1, kExpeditedData);
-  PrintField("Delivery confirmation", (octet3 >> 1) & 0x01, 1, kDeliveryConfirmation);
-  PrintField("Modulus", octet3 & 0x01, 1, kModulus);
+  PrintField("Fast select", FieldBits(octet3, 5, 4), 2, kFastSelect);
+  PrintField("Expedited data", FieldBits(octet3, 3, 3), 1, kExpeditedData);
+  PrintField("Delivery confirmation", FieldBits(octet3, 2, 2), 1, kDeliveryConfirmation);
+  PrintField("Modulus", FieldBits(octet3, 1, 1), 1, kModulus);
   return element.Count();
 }
 
@@ -164,14 +152,13 @@ int DecodePacketSize(const ElementOctets& element) { return DecodeForwardBackwar
 
 int DecodeClosedUserGroup(const ElementOctets& element) {
   if (!PrintHeadingAndHasContents(element, "Closed user group")) return element.Count();
-  PrintField("CUG indication", *element.At(2) & 0x07, 3, kCugIndication);
+  PrintField("CUG indication", FieldBits(*element.At(2), 3, 1), 3, kCugIndication);
   // One IA5 digit per octet; anything but 0 to 9 is no index digit.
   for (const Octet octet : element.Slice(3)) {
-    const unsigned code = octet & 0x7F;
+    const unsigned code = FieldBits(octet, 7, 1);
     if (code < '0' || code > '9') continue;
     OutputWriter& out = Out();
-    PrintIndent(Indent::Field);
-    out.Put("CUG index code=");
+    PrintFieldName("CUG index code");
     out.Bits(code, 7);
     out.Put("  CUG index=");
     out.Put(static_cast<char>(code));
@@ -182,7 +169,7 @@ int DecodeClosedUserGroup(const ElementOctets& element) {
 
 int DecodeReverseChargingIndication(const ElementOctets& element) {
   if (!PrintHeadingAndHasContents(element, "Reverse charging indication")) return element.Count();
-  PrintField("Reverse charging indication", *element.At(2) & 0x07, 3, kReverseChargingIndication);
+  PrintField("Reverse charging indication", FieldBits(*element.At(2), 3, 1), 3, kReverseChargingIndication);
   return element.Count();
 }
 

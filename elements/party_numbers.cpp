@@ -76,45 +76,33 @@ constexpr NumberLayout kCallingPartyNumber{"Calling party number", true, false, 
 constexpr NumberLayout kCalledPartyNumber{"Called party number", false, false, "Number digits (IA5)", true};
 constexpr NumberLayout kRedirectingNumber{"Redirecting number", true, true, "Number digits(IA5)", true};
 
-constexpr bool ExtensionFollows(Octet octet) { return (octet & 0x80) == 0; }
-
-// "\t\t<name>=" then each IA5 character as " 0x%x" of its bits 7-1, then "\n".
-void PrintIa5Codes(std::string_view name, OctetSpan characters) {
-  OutputWriter& out = Out();
-  PrintIndent(Indent::Field);
-  out.Put(name);
-  out.Put('=');
-  for (const Octet character : characters) out.SpaceHex(character & 0x7F);
-  out.Put('\n');
-}
-
 int DecodeNumber(const ElementOctets& element, const NumberLayout& layout) {
   PrintHeading(layout.heading);
   const auto octet3 = element.At(2);
   if (!octet3) return element.Count();
 
-  PrintField("Type of number", (*octet3 >> 4) & 0x07, 3, kTypeOfNumber);
-  PrintField("Numbering plan identification", *octet3 & 0x0F, 4, kNumberingPlan);
+  PrintField("Type of number", FieldBits(*octet3, 7, 5), 3, kTypeOfNumber);
+  PrintField("Numbering plan identification", FieldBits(*octet3, 4, 1), 4, kNumberingPlan);
 
   // Octets 3a and 3b are announced by extension bits, not by the length, so
   // they are read even when they lie behind the element's last octet. Behind
   // the frame's last octet they do not exist and their lines are not shown.
   std::size_t digitsFrom = 3;
-  if (layout.readsOctet3a && ExtensionFollows(*octet3)) {
+  if (layout.readsOctet3a && AnnouncesMore(*octet3)) {
     digitsFrom = 4;
     if (const auto octet3a = element.FrameAt(3)) {
-      PrintField("Presentation indicator", (*octet3a >> 5) & 0x03, 2, kPresentationIndicator);
-      PrintField("Screening indicator", *octet3a & 0x03, 2, kScreeningIndicator);
-      if (layout.readsOctet3b && ExtensionFollows(*octet3a)) {
+      PrintField("Presentation indicator", FieldBits(*octet3a, 7, 6), 2, kPresentationIndicator);
+      PrintField("Screening indicator", FieldBits(*octet3a, 2, 1), 2, kScreeningIndicator);
+      if (layout.readsOctet3b && AnnouncesMore(*octet3a)) {
         digitsFrom = 5;
         if (const auto octet3b = element.FrameAt(4))
-          PrintField("Reason for redirection", *octet3b & 0x0F, 4, kReasonForRedirection);
+          PrintField("Reason for redirection", FieldBits(*octet3b, 4, 1), 4, kReasonForRedirection);
       }
     }
   }
 
   const OctetSpan digits = element.Slice(digitsFrom);
-  if (!digits.empty() || layout.showsEmptyDigits) PrintIa5Codes(layout.digitsLabel, digits);
+  if (!digits.empty() || layout.showsEmptyDigits) PrintIa5String(layout.digitsLabel, digits);
   return element.Count();
 }
 
@@ -123,8 +111,8 @@ int DecodeSubaddress(const ElementOctets& element, std::string_view heading) {
   const auto octet3 = element.At(2);
   if (!octet3) return element.Count();
 
-  PrintField("Type of subaddress", (*octet3 >> 4) & 0x07, 3, kTypeOfSubaddress);
-  PrintField("Odd/even indicator", (*octet3 >> 3) & 0x01, 1, kOddEvenIndicator);
+  PrintField("Type of subaddress", FieldBits(*octet3, 7, 5), 3, kTypeOfSubaddress);
+  PrintField("Odd/even indicator", FieldBits(*octet3, 4, 4), 1, kOddEvenIndicator);
   PrintOctetString("Subaddress information", element.Slice(3));
   return element.Count();
 }

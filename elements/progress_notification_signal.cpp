@@ -1,18 +1,13 @@
 // Progress indicator (0x1E), Notification indicator (0x27), Signal (0x34):
 // what the network tells the user about a call's progress and the tones it plays.
 #include "elements/element_decoders.h"
+#include "q931/common_tables.h"
 #include "q931/text.h"
 
 namespace velmora {
 namespace {
 
-// Progress indicator octet 3.
-constexpr ValueText kCodingStandard[] = {
-    {0b00, "ITU-T standardized coding"},
-    {0b01, "ISO/IEC Standard"},
-    {0b10, "National standard"},
-    {0b11, "Standard defined for the network (either public or private) present on the network side of the interface"},
-};
+// Progress indicator octet 3; the coding standard table is shared.
 constexpr ValueText kLocation[] = {
     {0b0000, "User"},
     {0b0001, "Private network serving the local user"},
@@ -67,12 +62,12 @@ constexpr ValueText kSignalValue[] = {
 int DecodeProgressIndicator(const ElementOctets& element) {
   PrintHeading("Progress indicator");
   if (const auto octet3 = element.At(2)) {
-    PrintField("Coding standard", (*octet3 >> 5) & 0b11, 2, kCodingStandard);
-    PrintField("Location", *octet3 & 0x0F, 4, kLocation);
+    PrintField("Coding standard", FieldBits(*octet3, 7, 6), 2, kCodingStandard);
+    PrintField("Location", FieldBits(*octet3, 4, 1), 4, kLocation);
   }
   // Octet 4 always follows octet 3, whatever octet 3's extension bit says.
   if (const auto octet4 = element.At(3)) {
-    PrintField("Progress description", *octet4 & 0x7F, 7, kProgressDescription);
+    PrintField("Progress description", FieldBits(*octet4, 7, 1), 7, kProgressDescription);
   }
   return element.Count();
 }
@@ -80,7 +75,7 @@ int DecodeProgressIndicator(const ElementOctets& element) {
 int DecodeNotificationIndicator(const ElementOctets& element) {
   PrintHeading("Notification indicator");
   if (const auto octet3 = element.At(2)) {
-    PrintField("Notification description", *octet3 & 0x7F, 7, kNotificationDescription);
+    PrintField("Notification description", FieldBits(*octet3, 7, 1), 7, kNotificationDescription);
   }
   return element.Count();
 }

@@ -20,7 +20,7 @@ constexpr ValueText kCongestionLevel[] = {
 
 int DecodeRepeatIndicator(const ElementOctets& element) {
   PrintHeading("Repeat indicator");
-  PrintField("Repeat indication", element.Identifier() & 0x0F, 4, kRepeatIndication);
+  PrintField("Repeat indication", FieldBits(element.Identifier(), 4, 1), 4, kRepeatIndication);
   return 1;
 }
 
@@ -36,7 +36,7 @@ int DecodeMoreData(const ElementOctets&) {
 
 int DecodeCongestionLevel(const ElementOctets& element) {
   PrintHeading("Congestion level");
-  PrintField("Congestion level", element.Identifier() & 0x0F, 4, kCongestionLevel);
+  PrintField("Congestion level", FieldBits(element.Identifier(), 4, 1), 4, kCongestionLevel);
   return 1;
 }
 

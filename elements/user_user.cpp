@@ -1,7 +1,5 @@
 // User-user (0x7E): the protocol discriminator of the user information and
 // the user information octets, always shown in hexadecimal.
-#include <string_view>
-
 #include "elements/element_decoders.h"
 #include "q931/text.h"
 
@@ -21,12 +19,7 @@ constexpr ValueText kProtocolDiscriminator[] = {
 
 // Discriminators named by range rather than one by one; these lines show
 // the octet as "0x%x" instead of its bits.
-struct DiscriminatorRange {
-  Octet first;
-  Octet last;
-  std::string_view text;
-};
-constexpr DiscriminatorRange kProtocolDiscriminatorRanges[] = {
+constexpr RangeText kProtocolDiscriminatorRanges[] = {
     {0x10, 0x3F, "Reserved for other network layer or layer 3 protocols, including Recommendation X.25"},
     {0x40, 0x4F, "National use"},
     {0x50, 0xFE, "Reserved for other network layer or layer 3 protocols, including Recommendation X.25"},
@@ -34,16 +27,8 @@ constexpr DiscriminatorRange kProtocolDiscriminatorRanges[] = {
 
 void PrintProtocolDiscriminator(Octet discriminator) {
   if (PrintField("Protocol discriminator", discriminator, 8, kProtocolDiscriminator)) return;
-  for (const DiscriminatorRange& range : kProtocolDiscriminatorRanges) {
-    if (discriminator < range.first || discriminator > range.last) continue;
-    OutputWriter& out = Out();
-    out.Put("\t\tProtocol discriminator=");
-    out.Hex(discriminator);
-    out.Put("  ");
-    out.Put(range.text);
-    out.Put('\n');
-    return;
-  }
+  if (const RangeText* range = FindRange(kProtocolDiscriminatorRanges, discriminator))
+    PrintHexMeaning("Protocol discriminator", discriminator, range->text);
 }
 
 }  // namespace

@@ -1,11 +1,13 @@
 #pragma once
 // The decoded-text layout shared by every decoder: field lines of two tabs,
-// the field's name, "=", its bits, two blanks and the meaning from a table.
+// the field's name, "=", its bits, two blanks and the meaning from a table;
+// and the few other line forms that several elements print.
 #include <cstdint>
 #include <span>
 #include <string_view>
 
 #include "core/globals.h"
+#include "core/octet.h"
 
 namespace velmora {
 
@@ -23,10 +25,32 @@ constexpr const ValueText* FindRow(ValueTable table, std::uint32_t value) {
   return nullptr;
 }
 
+// One row of a range table: the values first to last share one meaning.
+struct RangeText {
+  std::uint32_t first;
+  std::uint32_t last;
+  std::string_view text;
+};
+using RangeTable = std::span<const RangeText>;
+
+// The range that holds a value, or null when none does.
+constexpr const RangeText* FindRange(RangeTable table, std::uint32_t value) {
+  for (const RangeText& range : table)
+    if (value >= range.first && value <= range.last) return &range;
+  return nullptr;
+}
+
+// Bits highBit..lowBit of an octet (Q.931 numbering, 8 the most significant),
+// shifted down to a plain value: FieldBits(octet, 5, 1) reads bits 5-1.
+constexpr unsigned FieldBits(Octet octet, unsigned highBit, unsigned lowBit) {
+  return (static_cast<unsigned>(octet) >> (lowBit - 1)) & ((1U << (highBit - lowBit + 1)) - 1);
+}
+
+// Bit 8 = 0: the octet announces a further octet of its group.
+constexpr bool AnnouncesMore(Octet octet) { return (octet & 0x80) == 0; }
+
 // Line indents: field lines two tabs, sub-fields (cause diagnostics) three.
 enum class Indent { Field = 2, SubField = 3 };
-
-inline void PrintIndent(Indent indent) { Out().Put(indent == Indent::Field ? "\t\t" : "\t\t\t"); }
 
 // The heading behind "\tInformation element:": the element's name and "\n".
 inline void PrintHeading(std::string_view name) {
@@ -34,16 +58,54 @@ inline void PrintHeading(std::string_view name) {
   Out().Put('\n');
 }
 
-// "<indent><name>=<bits>  <meaning>\n" when the table has a row for value;
-// nothing at all otherwise. Returns whether a line was printed.
+// "<indent><name>=": how every field line begins. For lines of their own
+// form, which go on with Out().
+void PrintFieldName(std::string_view name, Indent indent = Indent::Field);
+
+// "<indent><name>=<bits>  <meaning>\n", value shown as `width` bits.
+void PrintCodedValue(std::string_view name, std::uint32_t value, unsigned width, std::string_view meaning,
+                     Indent indent = Indent::Field);
+
+// The coded-value line when the table has a row for value; nothing at all
+// otherwise. Returns whether a line was printed.
 bool PrintField(std::string_view name, std::uint32_t value, unsigned width, ValueTable table,
                 Indent indent = Indent::Field);
+
+// One coded field of an octet and the table of its meanings.
+struct OctetField {
+  std::string_view name;
+  unsigned highBit;
+  unsigned lowBit;
+  ValueTable meanings;
+};
+
+// Prints each field's line, in order; a value without a row prints nothing.
+void PrintOctetFields(Octet octet, std::span<const OctetField> fields);
+
+// "<indent><name>=0x%x  <meaning>\n": a value whose meaning it shares with
+// others (a range of values, or every value), shown in hexadecimal instead
+// of its bits.
+void PrintHexMeaning(std::string_view name, std::uint32_t value, std::string_view meaning,
+                     Indent indent = Indent::Field);
 
 // "<indent><name>=0x%x\n".
 void PrintHexField(std::string_view name, std::uint32_t value, Indent indent = Indent::Field);
 
+// "<indent><name>= 0x%x\n": the value behind a blank, as an octet string
+// shows its one octet.
+void PrintSpacedHexField(std::string_view name, std::uint32_t value, Indent indent = Indent::Field);
+
+// "<indent><name>=%d\n".
+void PrintDecimalField(std::string_view name, std::uint32_t value, Indent indent = Indent::Field);
+
 // "<indent><name>=" then " 0x%x" for each octet, then "\n".
 void PrintOctetString(std::string_view name, std::span<const std::uint8_t> octets,
                       Indent indent = Indent::Field);
+
+// "<indent><name>=" then " 0x%x" of bits 7-1 of each octet, then "\n": IA5
+// characters shown as their codes, never as text, so a control character
+// cannot break the line. Bit 8 of each octet is spare.
+void PrintIa5String(std::string_view name, std::span<const std::uint8_t> octets,
+                    Indent indent = Indent::Field);
 
 }  // namespace velmora

@@ -4,7 +4,7 @@ SHELL := /bin/bash
 .DEFAULT_GOAL := demo
 
 PACKAGES := cmake ninja-build g++ clang libclang-rt-14-dev libgtest-dev libgmock-dev \
-            libbenchmark-dev qt6-base-dev
+            libbenchmark-dev qt6-base-dev time bc
 JOBS ?= $(shell nproc)
 
 RELEASE_DIR := build/release
@@ -43,6 +43,20 @@ test: deps
 	  -DVELMORA_SANITIZE=address,undefined >/dev/null
 	cmake --build $(TEST_DIR) -j $(JOBS)
 	cd $(TEST_DIR) && ASAN_OPTIONS=detect_leaks=1 ctest --output-on-failure -j $(JOBS)
+
+# Throughput against the I/O floor on a generated trace of BENCH_MB
+# megabytes, one thread and all cores, then the micro-benchmarks.
+BENCH_DIR := build/bench
+BENCH_MB ?= 256
+
+.PHONY: bench
+
+bench: deps
+	cmake -S . -B $(BENCH_DIR) -G Ninja -DCMAKE_BUILD_TYPE=Release -DVELMORA_TESTS=OFF -DVELMORA_DIALOG=OFF \
+	  -DVELMORA_BENCH=ON >/dev/null
+	cmake --build $(BENCH_DIR) -j $(JOBS)
+	BENCH_DIR=$(BENCH_DIR)/data bash bench/run_bench.sh $(BENCH_DIR) $(BENCH_MB) 1 $(JOBS)
+	$(BENCH_DIR)/bench/velmora_micro
 
 clean:
 	rm -rf build

@@ -1,6 +1,8 @@
 // The velmora command: outcomes on standard error and sysexits statuses.
 #include <gtest/gtest.h>
+#include <poll.h>
 #include <sys/wait.h>
+#include <unistd.h>
 
 #include <cstdio>
 #include <filesystem>
@@ -124,6 +126,45 @@ TEST_F(Cli, DashesMakeAFilter) {
   const CommandResult run = Velmora("-q - -", FrameLine("7f"));
   EXPECT_EQ(run.status, 0);
   EXPECT_EQ(run.out, FrameLine("7f") + "ISDN Layer 2: " + kSabme);
+}
+
+// In a pipeline the decoded text of a line comes out while the writer of
+// the input still holds the pipe open: nothing waits for the end of input.
+TEST_F(Cli, FilterAnswersEachLineBeforeTheInputEnds) {
+  int toVelmora[2];
+  int fromVelmora[2];
+  ASSERT_EQ(::pipe(toVelmora), 0);
+  ASSERT_EQ(::pipe(fromVelmora), 0);
+  const pid_t child = ::fork();
+  ASSERT_GE(child, 0);
+  if (child == 0) {
+    ::dup2(toVelmora[0], STDIN_FILENO);
+    ::dup2(fromVelmora[1], STDOUT_FILENO);
+    ::close(toVelmora[1]);
+    ::close(fromVelmora[0]);
+    ::execl(VELMORA_CLI_PATH, "velmora", "-q", "-", "-", static_cast<char*>(nullptr));
+    ::_exit(127);
+  }
+  ::close(toVelmora[0]);
+  ::close(fromVelmora[1]);
+  const std::string line = FrameLine("7f");
+  ASSERT_EQ(::write(toVelmora[1], line.data(), line.size()), static_cast<ssize_t>(line.size()));
+
+  const std::string wanted = line + "ISDN Layer 2: " + kSabme;
+  std::string received;
+  pollfd readable{fromVelmora[0], POLLIN, 0};
+  while (received.size() < wanted.size() && ::poll(&readable, 1, 5000) == 1) {
+    char buffer[4096];
+    const ssize_t got = ::read(fromVelmora[0], buffer, sizeof buffer);
+    if (got <= 0) break;
+    received.append(buffer, static_cast<std::size_t>(got));
+  }
+  EXPECT_EQ(received, wanted);
+  ::close(toVelmora[1]);
+  ::close(fromVelmora[0]);
+  int status = 0;
+  ::waitpid(child, &status, 0);
+  EXPECT_TRUE(WIFEXITED(status) && WEXITSTATUS(status) == 0);
 }
 
 TEST_F(Cli, SeveralPairsShareTheLinkMemory) {

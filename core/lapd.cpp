@@ -7,6 +7,8 @@
 
 namespace velmora {
 
+thread_local std::vector<std::uint64_t>* g_pendingUaWordings = nullptr;
+
 namespace {
 
 // Supervisory frames: control octet AND 0x0C. 0x0C names no frame and
@@ -55,8 +57,9 @@ void DecodeUnnumbered(Octet control) {
         g_linkSetupPending = 0;
         break;
       case LinkUse::ReadForUa:
-        Out().Put(g_linkSetupPending == 1 ? "Acknowledge to SABME, link established\n"
-                                         : "Acknowledge to DISC, link disconnected\n");
+        if (g_linkSetupPending == kLinkMemoryUnknown && g_pendingUaWordings != nullptr)
+          g_pendingUaWordings->push_back(Out().BytesWritten());
+        Out().Put(g_linkSetupPending == 1 ? kUaAfterSabme : kUaAfterDisc);
         break;
     }
     return;

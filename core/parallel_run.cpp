@@ -6,14 +6,15 @@
 #include <condition_variable>
 #include <cstring>
 #include <deque>
+#include <memory>
 #include <mutex>
 #include <string>
 #include <thread>
 #include <vector>
 
 #include "core/globals.h"
+#include "core/lapd.h"
 #include "core/line_scanner.h"
-#include "core/link_prescan.h"
 #include "core/pieces.h"
 
 namespace velmora {
@@ -25,25 +26,31 @@ namespace {
 constexpr std::size_t kChunkSize = 256 * 1024;
 
 struct Chunk {
-  std::string input;
+  // The carried tail of the chunk before (less than a chunk) and a chunk's read.
+  std::unique_ptr<char[]> input{new char[2 * kChunkSize]};
+  std::size_t size = 0;
+  std::uint64_t endOffset = 0;  // where the chunk ends in the input
   std::string output;
-  std::uint64_t index = 0;
-  LinkEffect effect = LinkEffect::None;
-  bool prescanned = false;
-  bool startKnown = false;
-  int startState = 0;
-  bool decoded = false;
+  // Where the chunk's UA lines wrote their wording before a SABME or DISC of
+  // the chunk itself decided the link memory.
+  std::vector<std::uint64_t> pendingUaWordings;
+  int linkMemoryAtEnd = kLinkMemoryUnknown;  // unknown: no SABME or DISC in the chunk
   bool frameFound = false;
+  bool decoded = false;
 };
 
+// The calling thread reads chunks and writes their outputs in input order;
+// the workers decode them. A chunk is decoded before the link memory at its
+// start is known: the UA lines it decides are put right when it is written.
 class ParallelRun {
  public:
   ParallelRun(int inputFd, OutputWriter& writer, unsigned jobs, const std::function<void(std::uint64_t)>& onRead)
-      : inputFd_(inputFd), writer_(writer), onRead_(onRead), chunks_(jobs + 2), nextState_(g_linkSetupPending) {
+      : inputFd_(inputFd), writer_(writer), onRead_(onRead), chunks_(jobs + 2) {
     for (unsigned i = 0; i < jobs; ++i) workers_.emplace_back([this] { Work(); });
   }
 
   ParallelRunResult Run() {
+    int linkMemory = g_linkSetupPending;
     std::uint64_t filled = 0;
     std::uint64_t written = 0;
     bool atEnd = false;
@@ -51,10 +58,10 @@ class ParallelRun {
       if (!atEnd && filled - written < chunks_.size()) {
         Chunk& chunk = chunks_[filled % chunks_.size()];
         atEnd = !Fill(chunk);
-        if (chunk.input.empty()) continue;
+        if (chunk.size == 0) continue;
+        ++filled;
         std::lock_guard lock(mutex_);
-        chunk.index = filled++;
-        chunk.prescanned = chunk.startKnown = chunk.decoded = chunk.frameFound = false;
+        chunk.decoded = false;
         queue_.push_back(&chunk);
         changed_.notify_all();
         continue;
@@ -64,8 +71,13 @@ class ParallelRun {
         std::unique_lock lock(mutex_);
         changed_.wait(lock, [&] { return chunk.decoded; });
       }
+      if (linkMemory == 1)
+        for (const std::uint64_t at : chunk.pendingUaWordings)
+          chunk.output.replace(at, kUaAfterSabme.size(), kUaAfterSabme);
+      if (chunk.linkMemoryAtEnd != kLinkMemoryUnknown) linkMemory = chunk.linkMemoryAtEnd;
       writer_.Put(chunk.output);
       result_.frameFound = result_.frameFound || chunk.frameFound;
+      if (onRead_) onRead_(chunk.endOffset);
       ++written;
     }
     {
@@ -74,51 +86,41 @@ class ParallelRun {
       changed_.notify_all();
     }
     for (std::thread& worker : workers_) worker.join();
-    g_linkSetupPending = nextState_;
+    g_linkSetupPending = linkMemory;
     return result_;
   }
 
  private:
-  // Reads the next chunk: the carried tail of the last read, then input up
-  // to the chunk size, cut after the last line end (or, inside a line longer
-  // than a chunk, at a multiple of the piece size) so the next chunk also
-  // starts at a piece boundary. False at the end of the input.
+  // Reads the next chunk behind the carried tail of the last one, and cuts it
+  // after its last line end (or, inside a line longer than a chunk, at a
+  // multiple of the piece size) so the next chunk also starts at a piece
+  // boundary. False at the end of the input.
   bool Fill(Chunk& chunk) {
-    chunk.input.swap(carry_);
+    std::memcpy(chunk.input.get(), carry_.data(), carry_.size());
+    chunk.size = carry_.size();
     carry_.clear();
-    bool more = !inputEnded_;
-    while (more) {
-      const std::size_t had = chunk.input.size();
-      chunk.input.resize(had + kChunkSize);
-      const ssize_t got = ::read(inputFd_, chunk.input.data() + had, kChunkSize);
-      if (got < 0 && errno == EINTR) {
-        chunk.input.resize(had);
-        continue;
-      }
-      chunk.input.resize(had + static_cast<std::size_t>(got > 0 ? got : 0));
+    const std::size_t limit = chunk.size + kChunkSize;
+    while (!inputEnded_ && chunk.size < limit) {
+      const ssize_t got = ::read(inputFd_, chunk.input.get() + chunk.size, limit - chunk.size);
+      if (got < 0 && errno == EINTR) continue;
       if (got <= 0) {
         if (got < 0) result_.readError = errno;
         inputEnded_ = true;
-        more = false;
         break;
       }
+      chunk.size += static_cast<std::size_t>(got);
       result_.bytesRead += static_cast<std::uint64_t>(got);
-      if (onRead_) onRead_(result_.bytesRead);
-      if (chunk.input.size() >= kChunkSize) break;
     }
     if (!inputEnded_) {
-      std::size_t cut = 0;
-      const char* data = chunk.input.data();
-      for (std::size_t i = chunk.input.size(); i > 0; --i)
-        if (data[i - 1] == '\n') {
-          cut = i;
-          break;
-        }
-      if (cut == 0) cut = chunk.input.size() / kMaxPiece * kMaxPiece;
-      carry_.assign(chunk.input, cut, std::string::npos);
-      chunk.input.resize(cut);
+      const char* data = chunk.input.get();
+      std::size_t cut = chunk.size;
+      while (cut > 0 && data[cut - 1] != '\n') --cut;
+      if (cut == 0) cut = chunk.size / kMaxPiece * kMaxPiece;
+      carry_.assign(data + cut, chunk.size - cut);
+      chunk.size = cut;
     }
-    return !inputEnded_ || !carry_.empty();
+    chunk.endOffset = result_.bytesRead - carry_.size();
+    return !inputEnded_;
   }
 
   void Work() {
@@ -131,48 +133,27 @@ class ParallelRun {
         chunk = queue_.front();
         queue_.pop_front();
       }
-      const LinkEffect effect = LinkEffectOfText(chunk->input);
-      int startState = 0;
-      {
-        std::unique_lock lock(mutex_);
-        chunk->effect = effect;
-        chunk->prescanned = true;
-        PropagateLinkStates();
-        changed_.wait(lock, [&] { return chunk->startKnown; });
-        startState = chunk->startState;
-      }
-      Decode(*chunk, startState);
+      Decode(*chunk);
       std::lock_guard lock(mutex_);
       chunk->decoded = true;
       changed_.notify_all();
     }
   }
 
-  // Hands each chunk, in input order, the link memory left by the chunks
-  // before it, as far as their prescans are done. Called with the lock held.
-  void PropagateLinkStates() {
-    for (;;) {
-      Chunk& chunk = chunks_[nextIndex_ % chunks_.size()];
-      if (chunk.index != nextIndex_ || !chunk.prescanned || chunk.startKnown) break;
-      chunk.startState = nextState_;
-      chunk.startKnown = true;
-      if (chunk.effect == LinkEffect::Set) nextState_ = 1;
-      if (chunk.effect == LinkEffect::Clear) nextState_ = 0;
-      ++nextIndex_;
-    }
-    changed_.notify_all();
-  }
-
-  static void Decode(Chunk& chunk, int startState) {
+  static void Decode(Chunk& chunk) {
     chunk.output.clear();
+    chunk.pendingUaWordings.clear();
     StringSink sink(chunk.output);
     OutputWriter writer(sink, 64 * 1024);
     g_outputFile = &writer;
     g_frameFound = false;
-    g_linkSetupPending = startState;
-    ForEachPiece(chunk.input, [](std::string_view piece) { TranslateTraceLine(piece); });
+    g_linkSetupPending = kLinkMemoryUnknown;
+    g_pendingUaWordings = &chunk.pendingUaWordings;
+    ForEachPiece({chunk.input.get(), chunk.size}, [](std::string_view piece) { TranslateTraceLine(piece); });
     writer.Flush();
     chunk.frameFound = g_frameFound;
+    chunk.linkMemoryAtEnd = g_linkSetupPending;
+    g_pendingUaWordings = nullptr;
     g_outputFile = nullptr;
   }
 
@@ -188,8 +169,6 @@ class ParallelRun {
   std::condition_variable changed_;
   std::deque<Chunk*> queue_;
   bool stopping_ = false;
-  std::uint64_t nextIndex_ = 0;
-  int nextState_;
   std::vector<std::thread> workers_;
 };
 

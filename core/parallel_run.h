@@ -16,9 +16,10 @@ struct ParallelRunResult {
 
 // Reads `inputFd` in chunks that begin at piece boundaries, decodes the
 // chunks on `jobs` threads and hands their output to `writer` in input
-// order. The link memory at each chunk's start comes from a prescan of
-// the chunks before it, so no chunk is decoded twice. Leaves the calling
-// thread's g_linkSetupPending as a single-threaded run would.
+// order. A chunk is decoded without knowing the link memory at its start;
+// the UA lines before its own first SABME or DISC get their wording when
+// the chunks before it are written, so no chunk is decoded twice. Leaves the
+// calling thread's g_linkSetupPending as a single-threaded run would.
 ParallelRunResult TranslateInParallel(int inputFd, OutputWriter& writer, unsigned jobs,
                                       const std::function<void(std::uint64_t)>& onRead);
 

@@ -1,5 +1,6 @@
 // velmora INPUT OUTPUT [INPUT OUTPUT ...]: the translation run on the command
 // line. Exit status follows sysexits.h.
+#include <csignal>
 #include <unistd.h>
 
 #include <chrono>
@@ -107,6 +108,7 @@ int TranslatePair(const std::string& input, const std::string& output, bool quie
   velmora::TranslationOptions options;
   options.dashMeansStandardStream = true;
   options.refuseSameFile = true;
+  options.stopOnWriteError = true;
   options.jobs = jobs;
   options.report = &report;
   ProgressBar progress;
@@ -170,6 +172,9 @@ int main(int argc, char** argv) {
     return kExitUsage;
   }
   std::ios::sync_with_stdio(false);
+  // A closed pipe on the output (velmora ... - | head) is a write error
+  // like any other: reported, exit status 74, rather than a silent death.
+  std::signal(SIGPIPE, SIG_IGN);
   int status = kExitOk;
   const bool labelled = paths.size() > 2;
   for (std::size_t i = 0; i < paths.size(); i += 2) {

@@ -69,17 +69,6 @@ void DecodeUnnumbered(Octet control) {
 
 }  // namespace
 
-LinkEffect LinkEffectOfControl(Octet control) {
-  if ((control & 0x03) != 0x03) return LinkEffect::None;
-  for (const UnnumberedFrame& frame : kUnnumbered) {
-    if (frame.m != UnnumberedKind(control)) continue;
-    if (frame.use == LinkUse::Set) return LinkEffect::Set;
-    if (frame.use == LinkUse::Clear) return LinkEffect::Clear;
-    return LinkEffect::None;
-  }
-  return LinkEffect::None;
-}
-
 void DecodeLapdFrame(OctetSpan frame) {
   OutputWriter& out = Out();
   out.Put("ISDN Layer 2: ");

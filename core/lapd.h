@@ -4,7 +4,6 @@
 #include <string_view>
 #include <vector>
 
-#include "core/link_prescan.h"
 #include "core/octet.h"
 
 namespace velmora {
@@ -28,9 +27,5 @@ static_assert(kUaAfterSabme.size() == kUaAfterDisc.size());
 // until a SABME or DISC of the chunk itself decides the memory.
 inline constexpr int kLinkMemoryUnknown = -1;
 extern thread_local std::vector<std::uint64_t>* g_pendingUaWordings;
-
-// What a frame with this control octet does to the link memory: SABME
-// sets it, DISC clears it, every other frame leaves it alone.
-LinkEffect LinkEffectOfControl(Octet control);
 
 }  // namespace velmora

@@ -2,8 +2,6 @@
 
 #include "core/globals.h"
 #include "core/lapd.h"
-#include "core/link_prescan.h"
-#include "core/pieces.h"
 
 namespace velmora {
 
@@ -62,23 +60,6 @@ std::size_t ReadFrameOctets(std::string_view line, Octet (&frame)[kFrameCapacity
   const CellRun cells = LocateCells(line);
   HexFieldsToOctets(line.data() + cells.start, static_cast<long>(cells.count), frame);
   return cells.count;
-}
-
-LinkEffect LinkEffectOfPiece(std::string_view piece) {
-  if (!IsFrameLine(piece)) return LinkEffect::None;
-  const CellRun cells = LocateCells(piece);
-  if (cells.count < 3) return LinkEffect::None;
-  Octet control = 0;
-  HexFieldsToOctets(piece.data() + cells.start + 2 * kCellWidth, 1, &control);
-  return LinkEffectOfControl(control);
-}
-
-LinkEffect LinkEffectOfText(std::string_view text) {
-  LinkEffect last = LinkEffect::None;
-  ForEachPiece(text, [&last](std::string_view piece) {
-    if (const LinkEffect effect = LinkEffectOfPiece(piece); effect != LinkEffect::None) last = effect;
-  });
-  return last;
 }
 
 void TranslateTraceLine(std::string_view line) {

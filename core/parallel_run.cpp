@@ -44,8 +44,9 @@ struct Chunk {
 // start is known: the UA lines it decides are put right when it is written.
 class ParallelRun {
  public:
-  ParallelRun(int inputFd, OutputWriter& writer, unsigned jobs, const std::function<void(std::uint64_t)>& onRead)
-      : inputFd_(inputFd), writer_(writer), onRead_(onRead), chunks_(jobs + 2) {
+  ParallelRun(int inputFd, OutputWriter& writer, unsigned jobs, bool stopOnWriteError,
+              const std::function<void(std::uint64_t)>& onRead)
+      : inputFd_(inputFd), writer_(writer), stopOnWriteError_(stopOnWriteError), onRead_(onRead), chunks_(jobs + 2) {
     for (unsigned i = 0; i < jobs; ++i) workers_.emplace_back([this] { Work(); });
   }
 
@@ -55,6 +56,7 @@ class ParallelRun {
     std::uint64_t written = 0;
     bool atEnd = false;
     while (!atEnd || written < filled) {
+      if (stopOnWriteError_ && writer_.Failed()) atEnd = true;
       if (!atEnd && filled - written < chunks_.size()) {
         Chunk& chunk = chunks_[filled % chunks_.size()];
         atEnd = !Fill(chunk);
@@ -159,6 +161,7 @@ class ParallelRun {
 
   int inputFd_;
   OutputWriter& writer_;
+  bool stopOnWriteError_;
   const std::function<void(std::uint64_t)>& onRead_;
   std::vector<Chunk> chunks_;
   std::string carry_;
@@ -174,9 +177,9 @@ class ParallelRun {
 
 }  // namespace
 
-ParallelRunResult TranslateInParallel(int inputFd, OutputWriter& writer, unsigned jobs,
+ParallelRunResult TranslateInParallel(int inputFd, OutputWriter& writer, unsigned jobs, bool stopOnWriteError,
                                       const std::function<void(std::uint64_t)>& onRead) {
-  ParallelRun run(inputFd, writer, jobs == 0 ? 1 : jobs, onRead);
+  ParallelRun run(inputFd, writer, jobs == 0 ? 1 : jobs, stopOnWriteError, onRead);
   return run.Run();
 }
 

@@ -20,7 +20,8 @@ struct ParallelRunResult {
 // the UA lines before its own first SABME or DISC get their wording when
 // the chunks before it are written, so no chunk is decoded twice. Leaves the
 // calling thread's g_linkSetupPending as a single-threaded run would.
-ParallelRunResult TranslateInParallel(int inputFd, OutputWriter& writer, unsigned jobs,
+// With `stopOnWriteError`, no chunk is read after `writer` has failed.
+ParallelRunResult TranslateInParallel(int inputFd, OutputWriter& writer, unsigned jobs, bool stopOnWriteError,
                                       const std::function<void(std::uint64_t)>& onRead);
 
 }  // namespace velmora

@@ -31,12 +31,16 @@ bool IsStandardStream(std::string_view path, const TranslationOptions& options) 
   return options.dashMeansStandardStream && path == "-";
 }
 
-// Opens the input as a regular readable file; a directory counts as a failure.
+bool IsDirectory(int fd) {
+  struct stat info {};
+  return ::fstat(fd, &info) != 0 || S_ISDIR(info.st_mode);
+}
+
+// Opens the input as a readable file; a directory counts as a failure.
 int OpenInput(std::string_view path) {
   const int fd = ::open(std::string(path).c_str(), O_RDONLY | O_CLOEXEC);
   if (fd < 0) return -1;
-  struct stat info {};
-  if (::fstat(fd, &info) != 0 || S_ISDIR(info.st_mode)) {
+  if (IsDirectory(fd)) {
     ::close(fd);
     return -1;
   }
@@ -75,7 +79,7 @@ TranslationOutcome TranslateTraceFile(std::string_view inputPath, std::string_vi
   if (inputPath == outputPath && !inputIsStandard) return TranslationOutcome::OutputSameAsInput;
 
   const int inputFd = inputIsStandard ? STDIN_FILENO : OpenInput(inputPath);
-  if (inputFd < 0) return TranslationOutcome::InputOpenFailed;
+  if (inputFd < 0 || (inputIsStandard && IsDirectory(inputFd))) return TranslationOutcome::InputOpenFailed;
   const auto closeInput = [&] {
     if (!inputIsStandard) ::close(inputFd);
   };
@@ -100,7 +104,8 @@ TranslationOutcome TranslateTraceFile(std::string_view inputPath, std::string_vi
   int readError = 0;
   std::uint64_t bytesRead = 0;
   if (options.jobs > 1 && !inputIsStandard && inputSize >= kParallelMinimum) {
-    const ParallelRunResult result = TranslateInParallel(inputFd, writer, options.jobs, reportProgress);
+    const ParallelRunResult result =
+        TranslateInParallel(inputFd, writer, options.jobs, options.stopOnWriteError, reportProgress);
     writer.Flush();
     g_frameFound = result.frameFound;
     readError = result.readError;
@@ -115,7 +120,10 @@ TranslationOutcome TranslateTraceFile(std::string_view inputPath, std::string_vi
       writer.Flush();
       reportProgress(reader.BytesRead());
     });
-    while (const auto line = reader.Next()) TranslateTraceLine(*line);
+    while (const auto line = reader.Next()) {
+      TranslateTraceLine(*line);
+      if (options.stopOnWriteError && writer.Failed()) break;
+    }
     writer.Flush();
     readError = reader.Error();
     bytesRead = reader.BytesRead();

@@ -44,6 +44,11 @@ struct TranslationOptions {
   // Refuse, as OutputSameAsInput, an output that is the same existing file
   // as the input under another spelling (same device and inode).
   bool refuseSameFile = false;
+  // Stop reading once a write to the output has failed (the command line,
+  // which reports the failure). Otherwise the run goes on to the end of the
+  // input, as the dialog's run does, so that the link memory and the
+  // outcome do not depend on the output.
+  bool stopOnWriteError = false;
   // Threads for a regular input file of several megabytes; the output is
   // the same whatever the count. Standard input is always read by one.
   unsigned jobs = 1;

@@ -122,6 +122,26 @@ TEST_F(Cli, FullDeviceIsAnIoErrorNeverSuccess) {
   EXPECT_NE(run.err.find("/dev/full"), std::string::npos);
 }
 
+TEST_F(Cli, StandardStreamsThatFail) {
+  // A directory as standard input cannot be read as a file at all.
+  const int fromDirectory = std::system((std::string(VELMORA_CLI_PATH) + " - " + Path("out.txt") + " <" +
+                                          dir_.string() + " 2>" + Path("stderr")).c_str());
+  EXPECT_TRUE(WIFEXITED(fromDirectory));
+  EXPECT_EQ(WEXITSTATUS(fromDirectory), 66);
+  EXPECT_EQ(Read("stderr"), "Cannot open Input log file!\n");
+
+  // A reader that goes away is a write failure, reported, not a silent death.
+  std::string big;
+  while (big.size() < 4 * 1024 * 1024) big += FrameLine("01");
+  Write("big.txt", big);
+  const std::string command = std::string("set -o pipefail; ") + VELMORA_CLI_PATH + " " + Path("big.txt") +
+                              " - 2>" + Path("stderr") + " | head -c 10 >/dev/null";
+  const int raw = std::system(("bash -c '" + command + "'").c_str());
+  EXPECT_TRUE(WIFEXITED(raw));
+  EXPECT_EQ(WEXITSTATUS(raw), 74);
+  EXPECT_NE(Read("stderr").find("Broken pipe"), std::string::npos);
+}
+
 TEST_F(Cli, DashesMakeAFilter) {
   const CommandResult run = Velmora("-q - -", FrameLine("7f"));
   EXPECT_EQ(run.status, 0);

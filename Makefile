@@ -43,6 +43,25 @@ test: deps
 	  -DVELMORA_SANITIZE=address,undefined >/dev/null
 	cmake --build $(TEST_DIR) -j $(JOBS)
 	cd $(TEST_DIR) && ASAN_OPTIONS=detect_leaks=1 ctest --output-on-failure -j $(JOBS)
+	$(MAKE) fuzz-smoke
+
+# libFuzzer targets (clang, ASan/UBSan): `make fuzz` runs each for
+# FUZZ_SECONDS, `make fuzz-smoke` each for a few seconds from the seeds.
+FUZZ_DIR := build/fuzz
+FUZZ_SECONDS ?= 60
+FUZZ_BUILD = cmake -S . -B $(FUZZ_DIR) -G Ninja -DCMAKE_BUILD_TYPE=RelWithDebInfo -DCMAKE_CXX_COMPILER=clang++ \
+	  -DVELMORA_SANITIZE=address,undefined -DVELMORA_TESTS=OFF -DVELMORA_DIALOG=OFF -DVELMORA_FUZZ=ON >/dev/null && \
+	  cmake --build $(FUZZ_DIR) -j $(JOBS) --target fuzz_targets
+
+.PHONY: fuzz fuzz-smoke
+
+fuzz: deps
+	$(FUZZ_BUILD)
+	bash fuzz/run.sh $(FUZZ_DIR) $(FUZZ_SECONDS)
+
+fuzz-smoke: deps
+	$(FUZZ_BUILD)
+	bash fuzz/run.sh --smoke $(FUZZ_DIR) 5
 
 # Throughput against the I/O floor on a generated trace of BENCH_MB
 # megabytes, one thread and all cores, then the micro-benchmarks.

@@ -1,0 +1,63 @@
+// The Q.931 message layer on arbitrary octets from the protocol
+// discriminator to the frame's end, held in a heap block of exactly their
+// size. The message text must be the header line and, element by element,
+// the prefix and what the chosen decoder prints on its own, each element
+// starting where the previous one's count ends: so the walk advances by the
+// decoders' counts, visits at most one element per octet and returns.
+#include <cstddef>
+#include <cstdint>
+#include <string>
+#include <string_view>
+
+#include "fuzz/decoder_table.h"
+#include "fuzz/fuzz_support.h"
+#include "q931/message.h"
+
+namespace {
+
+using velmora::Octet;
+using velmora::fuzz::Printable;
+using velmora::fuzz::Require;
+
+std::string ExpectedText(const Octet* message, std::size_t size, std::size_t& elements) {
+  std::string text = "Message type:";
+  elements = 0;
+  if (size < 2 || static_cast<std::size_t>(message[1]) + 2 >= size) return text + "Truncated message\n";
+  const std::size_t typePosition = static_cast<std::size_t>(message[1]) + 2;
+  const velmora::MessageTypeInfo* type = velmora::FindMessageType(message[typePosition]);
+  if (type == nullptr) return text;
+  text += type->name;
+  text += '\n';
+  if (type->walk == velmora::WalkSegment) return text;
+  for (std::size_t index = typePosition + 1; index < size; ++elements) {
+    const velmora::ElementDecoder decoder = velmora::ChooseDecoder(type->accepted, message[index]);
+    const velmora::fuzz::DecoderEntry* entry = velmora::fuzz::FindDecoder(decoder);
+    Require(entry != nullptr, "every decoder a walk can choose is in the fuzz table");
+    text += "\tInformation element:";
+    text += velmora::fuzz::Decode(decoder, message + index, size - index).text;
+    index += static_cast<std::size_t>(velmora::fuzz::ExpectedCount(entry->form, message + index, size - index));
+  }
+  return text;
+}
+
+}  // namespace
+
+extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
+  const auto message = velmora::fuzz::ExactCopy<Octet>(data, size);
+  const std::string text =
+      velmora::fuzz::Capture([&] { velmora::DecodeQ931Message(velmora::OctetSpan(message.get(), size)); });
+
+  std::size_t elements = 0;
+  const std::string expected = ExpectedText(data, size, elements);
+  Require(elements <= size, "at most one element per octet");
+  if (text != expected) {
+    std::size_t at = 0;
+    while (at < text.size() && at < expected.size() && text[at] == expected[at]) ++at;
+    velmora::fuzz::Violated("the walk shows each element where the previous one's count ends",
+                            "octets: " + Printable(std::string_view(reinterpret_cast<const char*>(data), size)) +
+                                "\nfirst difference at " + std::to_string(at) + "\nprinted:  " +
+                                Printable(std::string_view(text).substr(at, 200)) +
+                                "\nexpected: " + Printable(std::string_view(expected).substr(at, 200)));
+  }
+  return 0;
+}

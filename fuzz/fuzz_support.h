@@ -1,0 +1,91 @@
+#pragma once
+// Shared by the fuzz targets: the piece split of the line reader, exact-size
+// heap copies (so AddressSanitizer sees any read past the end), output
+// capture into a string, and a loud stop when an invariant breaks.
+#include <cstddef>
+#include <cstdint>
+#include <cstdio>
+#include <cstdlib>
+#include <cstring>
+#include <memory>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "core/globals.h"
+
+namespace velmora::fuzz {
+
+// Stops the run so that libFuzzer keeps the input as a crash.
+[[noreturn]] inline void Violated(const char* what, const std::string& detail = {}) {
+  std::fprintf(stderr, "invariant violated: %s\n%s\n", what, detail.c_str());
+  std::abort();
+}
+
+inline void Require(bool holds, const char* what, const std::string& detail = {}) {
+  if (!holds) Violated(what, detail);
+}
+
+// The pieces the run hands to the line handler: up to and including the
+// first "\n", at most 2047 characters; the last may have no line end.
+inline constexpr std::size_t kMaxPiece = 2047;
+
+inline std::vector<std::string_view> SplitPieces(std::string_view input) {
+  std::vector<std::string_view> pieces;
+  while (!input.empty()) {
+    const std::size_t window = input.size() < kMaxPiece ? input.size() : kMaxPiece;
+    const std::size_t lineEnd = input.substr(0, window).find('\n');
+    const std::size_t size = lineEnd == std::string_view::npos ? window : lineEnd + 1;
+    pieces.push_back(input.substr(0, size));
+    input.remove_prefix(size);
+  }
+  return pieces;
+}
+
+// A heap block of exactly `size` bytes holding a copy of `bytes`.
+template <typename T>
+std::unique_ptr<T[]> ExactCopy(const void* bytes, std::size_t size) {
+  std::unique_ptr<T[]> copy(new T[size == 0 ? 1 : size]);
+  if (size > 0) std::memcpy(copy.get(), bytes, size);
+  return copy;
+}
+
+// Runs body with g_outputFile pointed at a string; a small buffer so the
+// writer's flush paths are taken too.
+template <typename Body>
+std::string Capture(Body&& body, std::size_t capacity = 64) {
+  std::string text;
+  StringSink sink(text);
+  {
+    OutputWriter writer(sink, capacity);
+    g_outputFile = &writer;
+    body();
+    writer.Flush();
+    Require(!writer.Failed(), "a string sink never fails");
+    g_outputFile = nullptr;
+  }
+  return text;
+}
+
+// Shows bytes with escapes, for failure reports.
+inline std::string Printable(std::string_view bytes, std::size_t limit = 400) {
+  std::string shown;
+  for (std::size_t i = 0; i < bytes.size() && i < limit; ++i) {
+    const unsigned char c = static_cast<unsigned char>(bytes[i]);
+    if (c == '\n') {
+      shown += "\\n";
+    } else if (c == '\t') {
+      shown += "\\t";
+    } else if (c < 0x20 || c >= 0x7F) {
+      char escaped[8];
+      std::snprintf(escaped, sizeof escaped, "\\x%02x", c);
+      shown += escaped;
+    } else {
+      shown += static_cast<char>(c);
+    }
+  }
+  if (bytes.size() > limit) shown += "...";
+  return shown;
+}
+
+}  // namespace velmora::fuzz

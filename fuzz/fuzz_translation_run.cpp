@@ -1,0 +1,225 @@
+// Whole inputs through the translation run, input and output in memory files
+// reached by their /proc/self/fd paths, split into two runs that share the
+// link memory. The run's output must equal, byte for byte, what the line
+// handler makes of the input's pieces one by one; the line reader must cut
+// the same pieces when the input arrives in short reads of odd sizes.
+//
+// With bit 3 of byte 0 set, the text is also repeated to several of the
+// parallel run's chunks and translated on two threads: the output and the
+// link memory must be those of the pieces decoded in order.
+//
+// Input: byte 0 chooses the starting link memory (bit 1), the same-file
+// check (bit 2), the parallel run (bit 3) and where the second run starts
+// (bits 8 to 4); byte 1 the line reader's block size; the rest is the text.
+#include <fcntl.h>
+#include <sys/mman.h>
+#include <sys/socket.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <cstddef>
+#include <cstdint>
+#include <string>
+#include <string_view>
+#include <thread>
+#include <vector>
+
+#include "core/globals.h"
+#include "core/line_reader.h"
+#include "core/line_scanner.h"
+#include "core/parallel_run.h"
+#include "core/translation.h"
+#include "fuzz/fuzz_support.h"
+
+namespace {
+
+using velmora::fuzz::Printable;
+using velmora::fuzz::Require;
+
+struct MemoryFile {
+  int fd;
+  std::string path;
+};
+
+MemoryFile MakeMemoryFile(const char* name) {
+  const int fd = ::memfd_create(name, MFD_CLOEXEC);
+  Require(fd >= 0, "memfd_create");
+  return {fd, "/proc/self/fd/" + std::to_string(fd)};
+}
+
+void Store(const MemoryFile& file, std::string_view bytes) {
+  Require(::ftruncate(file.fd, 0) == 0, "ftruncate");
+  std::size_t done = 0;
+  while (done < bytes.size()) {
+    const ssize_t wrote = ::pwrite(file.fd, bytes.data() + done, bytes.size() - done, static_cast<off_t>(done));
+    Require(wrote > 0, "pwrite");
+    done += static_cast<std::size_t>(wrote);
+  }
+}
+
+std::string Load(const MemoryFile& file) {
+  struct stat info {};
+  Require(::fstat(file.fd, &info) == 0, "fstat");
+  std::string bytes(static_cast<std::size_t>(info.st_size), '\0');
+  std::size_t done = 0;
+  while (done < bytes.size()) {
+    const ssize_t got = ::pread(file.fd, bytes.data() + done, bytes.size() - done, static_cast<off_t>(done));
+    Require(got > 0, "pread");
+    done += static_cast<std::size_t>(got);
+  }
+  return bytes;
+}
+
+// What the run must write for `text`: each piece's copy and decoding in order.
+std::string ReferenceOutput(std::string_view text, bool& anyFrameLine) {
+  anyFrameLine = false;
+  std::string expected;
+  for (const std::string_view piece : velmora::fuzz::SplitPieces(text)) {
+    const std::string part = velmora::fuzz::Capture([&] { velmora::TranslateTraceLine(piece); });
+    Require(part.compare(0, piece.size(), piece) == 0, "the output for a piece begins with the piece",
+            Printable(piece));
+    anyFrameLine = anyFrameLine || velmora::IsFrameLine(piece);
+    expected += part;
+  }
+  return expected;
+}
+
+void CheckRun(const MemoryFile& input, const MemoryFile& output, std::string_view text, bool refuseSameFile) {
+  Store(input, text);
+  Store(output, "stale bytes a run must truncate\n");
+  velmora::TranslationReport report;
+  velmora::TranslationOptions options;
+  options.refuseSameFile = refuseSameFile;
+  options.report = &report;
+
+  const int linkBefore = velmora::g_linkSetupPending;
+  const velmora::TranslationOutcome outcome = velmora::TranslateTraceFile(input.path, output.path, options);
+  const int linkAfter = velmora::g_linkSetupPending;
+  Require(velmora::g_outputFile == nullptr, "no output stream outside a run");
+
+  velmora::g_linkSetupPending = linkBefore;
+  bool anyFrameLine = false;
+  const std::string expected = ReferenceOutput(text, anyFrameLine);
+  Require(velmora::g_linkSetupPending == linkAfter, "the run leaves the link memory where the pieces do");
+
+  const std::string written = Load(output);
+  if (written != expected) {
+    std::size_t at = 0;
+    while (at < written.size() && at < expected.size() && written[at] == expected[at]) ++at;
+    velmora::fuzz::Violated("the run writes exactly the pieces' copies and decodings",
+                            "first difference at " + std::to_string(at) + "\nwritten:  " +
+                                Printable(std::string_view(written).substr(at, 200)) + "\nexpected: " +
+                                Printable(std::string_view(expected).substr(at, 200)));
+  }
+  const auto wanted =
+      anyFrameLine ? velmora::TranslationOutcome::TranslationDone : velmora::TranslationOutcome::NoFrameFound;
+  Require(outcome == wanted, "done exactly when some piece is a frame line");
+  Require(report.readError == 0 && report.writeError == 0, "memory files neither fail to read nor to write");
+  Require(report.bytesRead == text.size(), "every input byte is read");
+  Require(report.bytesWritten == written.size(), "the report counts every byte written");
+}
+
+// Feeds `text` to a line reader through a sequenced-packet socket: every
+// read returns one chunk, so refills happen at odd places.
+void CheckReaderInShortReads(std::string_view text, std::size_t blockSize, const std::uint8_t* sizes,
+                             std::size_t sizeCount) {
+  int ends[2];
+  Require(::socketpair(AF_UNIX, SOCK_SEQPACKET | SOCK_CLOEXEC, 0, ends) == 0, "socketpair");
+  // The sender runs beside the reader: the socket queues only a few packets.
+  std::thread sender([&] {
+    std::size_t done = 0;
+    for (std::size_t k = 0; done < text.size(); ++k) {
+      // Chunks of 1 to 2047 bytes, never empty (an empty packet reads as the end).
+      const std::size_t seed = sizeCount > 0 ? sizes[k % sizeCount] : 255;
+      std::size_t chunk = 1 + (seed * 131 + k * 17) % velmora::fuzz::kMaxPiece;
+      if (chunk > text.size() - done) chunk = text.size() - done;
+      Require(::send(ends[1], text.data() + done, chunk, MSG_NOSIGNAL) == static_cast<ssize_t>(chunk), "send");
+      done += chunk;
+    }
+    ::close(ends[1]);
+  });
+
+  const std::vector<std::string_view> expected = velmora::fuzz::SplitPieces(text);
+  velmora::LineReader reader(ends[0], blockSize);
+  std::size_t index = 0;
+  while (const auto piece = reader.Next()) {
+    Require(index < expected.size() && *piece == expected[index], "the reader cuts the run's pieces",
+            "piece " + std::to_string(index) + ": " + Printable(*piece));
+    ++index;
+  }
+  Require(index == expected.size(), "the reader hands on every piece");
+  Require(!reader.Failed() && reader.BytesRead() == text.size(), "the reader reads every byte");
+  sender.join();
+  ::close(ends[0]);
+}
+
+// Larger than two chunks of the parallel run, so chunks are cut inside the
+// text at line ends or, in a long line, at piece boundaries.
+void CheckParallelRun(const MemoryFile& input, std::string_view text, int linkState) {
+  constexpr std::size_t kLarge = 600 * 1024;
+  std::string large;
+  large.reserve(kLarge + text.size());
+  while (large.size() < kLarge) large += text;
+  Store(input, large);
+  const int fd = ::open(input.path.c_str(), O_RDONLY | O_CLOEXEC);
+  Require(fd >= 0, "open");
+
+  velmora::g_linkSetupPending = linkState;
+  std::string written;
+  velmora::ParallelRunResult result;
+  {
+    velmora::StringSink sink(written);
+    velmora::OutputWriter writer(sink);
+    result = velmora::TranslateInParallel(fd, writer, 2, false, nullptr);
+    writer.Flush();
+  }
+  ::close(fd);
+  const int linkAfter = velmora::g_linkSetupPending;
+
+  velmora::g_linkSetupPending = linkState;
+  bool anyFrameLine = false;
+  std::string expected;
+  {
+    velmora::StringSink sink(expected);
+    velmora::OutputWriter writer(sink);
+    velmora::g_outputFile = &writer;
+    for (const std::string_view piece : velmora::fuzz::SplitPieces(large)) {
+      velmora::TranslateTraceLine(piece);
+      anyFrameLine = anyFrameLine || velmora::IsFrameLine(piece);
+    }
+    writer.Flush();
+    velmora::g_outputFile = nullptr;
+  }
+  Require(velmora::g_linkSetupPending == linkAfter, "the parallel run leaves the link memory as the pieces do");
+  if (written != expected) {
+    std::size_t at = 0;
+    while (at < written.size() && at < expected.size() && written[at] == expected[at]) ++at;
+    velmora::fuzz::Violated("the parallel run writes what the pieces decoded in order write",
+                            "first difference at " + std::to_string(at) + " of " + std::to_string(expected.size()) +
+                                "\nwritten:  " + Printable(std::string_view(written).substr(at, 200)) +
+                                "\nexpected: " + Printable(std::string_view(expected).substr(at, 200)));
+  }
+  Require(result.frameFound == anyFrameLine, "the parallel run finds a frame exactly when a piece is one");
+  Require(result.readError == 0 && result.bytesRead == large.size(), "the parallel run reads every byte");
+}
+
+}  // namespace
+
+extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
+  static const MemoryFile input = MakeMemoryFile("velmora-fuzz-input");
+  static const MemoryFile output = MakeMemoryFile("velmora-fuzz-output");
+  if (size < 2) return 0;
+  const std::uint8_t control = data[0];
+  const std::size_t blockSize = static_cast<std::size_t>(data[1]) * 24;
+  const std::string_view text(reinterpret_cast<const char*>(data + 2), size - 2);
+
+  velmora::g_linkSetupPending = control & 1;
+  const bool refuseSameFile = (control & 2) != 0;
+  const std::size_t split = text.size() * (control >> 3) / 31;
+  CheckRun(input, output, text.substr(0, split), refuseSameFile);
+  CheckRun(input, output, text.substr(split), refuseSameFile);
+
+  CheckReaderInShortReads(text, blockSize, data + 2, size - 2 > 64 ? 64 : size - 2);
+  if ((control & 4) != 0 && !text.empty()) CheckParallelRun(input, text, control & 1);
+  return 0;
+}

@@ -1,0 +1,149 @@
+#!/usr/bin/env python3
+"""Writes the seed corpus of the fuzz targets into fuzz/corpus/<target>/.
+
+Seeds come from the sample trace (in small slices), the golden-test inputs,
+the frames in them (whole Q.931 messages, and each element with the index of
+its decoder) and a few hostile inputs made here. Files named regression-*
+are reproducers of faults found by fuzzing and are kept as they are.
+
+Run from anywhere: python3 fuzz/make_corpus.py
+"""
+import hashlib
+import pathlib
+import re
+
+ROOT = pathlib.Path(__file__).resolve().parent.parent
+CORPUS = ROOT / "fuzz" / "corpus"
+
+# Decoder indices of fuzz/decoder_table.h, by identifier.
+DECODER_INDEX = {
+    0x04: 0, 0x7C: 1, 0x7D: 2, 0x08: 3, 0x18: 4, 0x1E: 5, 0x27: 6, 0x34: 7, 0x20: 8, 0x78: 9,
+    0x7E: 10, 0x10: 11, 0x14: 12, 0x79: 13, 0x6C: 14, 0x6D: 15, 0x70: 16, 0x71: 17, 0x74: 18,
+    0xA0: 19, 0xA1: 20, 0x28: 23, 0x2C: 24, 0x29: 25, 0x40: 26, 0x42: 27, 0x43: 28, 0x44: 29,
+    0x45: 30, 0x46: 31, 0x47: 32, 0x4A: 33,
+}
+CONGESTION_INDEX, REPEAT_INDEX, UNKNOWN_INDEX, DECODER_COUNT = 21, 22, 34, 35
+
+
+def decoder_index(identifier):
+    if identifier in DECODER_INDEX:
+        return DECODER_INDEX[identifier]
+    if identifier & 0xF0 == 0xB0:
+        return CONGESTION_INDEX
+    if identifier & 0xF0 == 0xD0:
+        return REPEAT_INDEX
+    return UNKNOWN_INDEX
+
+
+def frame_octets(line):
+    """The frame of a frame line, the way the scanner reads well-formed cells."""
+    match = re.search(rb"HDLC.(\d+)....", line)
+    if len(line) < 80 or b"****" not in line or not match:
+        return None
+    count = min(int(match.group(1)), 300)
+    cells = line[match.end():]
+    octets = []
+    for k in range(count):
+        cell = cells[5 * k:5 * k + 5]
+        try:
+            octets.append(int(cell[2:4], 16))
+        except ValueError:
+            break
+    return bytes(octets)
+
+
+def q931_messages(texts):
+    for text in texts:
+        for line in text.split(b"\n"):
+            frame = frame_octets(line)
+            if frame and len(frame) >= 5 and frame[2] & 1 == 0 and frame[4] == 0x08:
+                yield frame[4:]
+
+
+def elements(message):
+    """Each element's octets, to the element's end or the frame's."""
+    if len(message) < 2 or message[1] + 2 >= len(message):
+        return
+    index = message[1] + 3
+    while index < len(message):
+        identifier = message[index]
+        size = 1 if identifier & 0x80 else (message[index + 1] + 2 if index + 1 < len(message) else 2)
+        yield message[index:index + size]
+        index += size
+
+
+def write(target, name, data):
+    directory = CORPUS / target
+    directory.mkdir(parents=True, exist_ok=True)
+    (directory / name).write_bytes(data)
+
+
+def seed_name(data):
+    return "seed-" + hashlib.sha1(data).hexdigest()[:16]
+
+
+def frame_line(octets, announced=None, tail=b"\n"):
+    count = len(octets) if announced is None else announced
+    cells = b"".join(b"0x%02x " % octet for octet in octets)
+    line = b"00001 2026-03-14 10:00:00.000 **** D-CH RX HDLC:%d  | " % count + cells
+    return line + b" " * max(0, 90 - len(line)) + tail
+
+
+def hostile_texts():
+    yield b""
+    yield b"\n\n\r\n"
+    yield frame_line(bytes([0x00, 0x81, 0x7F]), announced=99999999999999999999)
+    yield frame_line(bytes([0x00, 0x81, 0x00, 0x00, 0x08, 0x01, 0x05, 0x05, 0x04, 0x03]), announced=300)
+    yield frame_line(bytes([0x00, 0x81, 0x00, 0x00, 0x08, 0x01, 0x05, 0x05, 0xA1]), tail=b"")[:70]
+    yield frame_line(bytes([0x00, 0x81, 0x7F]), tail=b"\r\n") * 3
+    yield b"**** HDLC" + b"x" * 2040 + b"HDLC:3  | 0x00 0x81 0x7f" + b" " * 80 + b"\n"
+    yield b"y" * 2046 + b"\n" + b"z" * 2047 + b"**** HDLC:3  | 0x00 0x81 0x73" + b" " * 60
+    yield bytes(range(256)) + b"**** HDLC\x00:3\x00 | 0x00 0x81 0x7f" + bytes(60)
+    yield b"\x7fELF\x02\x01\x01\x00" + bytes(200) + b"\xff\xfe**** HDLC:7F | 0x7F 0xAB 0xff" + b"\x80" * 90
+
+
+def main():
+    golden = sorted((ROOT / "tests" / "data").glob("*.in.txt"))
+    sample = (ROOT / "samples" / "trace.txt").read_bytes()
+    for target in ("line_handler", "translation_run", "element_decoders", "q931_message"):
+        directory = CORPUS / target
+        if directory.exists():
+            for old in directory.glob("seed-*"):
+                old.unlink()
+
+    sample_lines = sample.splitlines(keepends=True)
+    texts = [b"".join(sample_lines[i:i + 8]) for i in range(0, len(sample_lines), 8)]
+    texts += [path.read_bytes() for path in golden]
+    texts += list(hostile_texts())
+
+    for text in texts:
+        write("line_handler", seed_name(text), text)
+        # Run control byte: bit 1 link memory, bit 2 same-file check, bit 3 the
+        # parallel run, bits 8-4 the second run's start; then the line
+        # reader's block size.
+        for control in (0x00, 0x83, 0x85, 0xFE):
+            data = bytes([control, 0x55]) + text
+            write("translation_run", seed_name(data), data)
+    whole = bytes([0x80, 0x00]) + sample
+    write("translation_run", seed_name(whole), whole)
+
+    messages = list(q931_messages(texts + [sample]))
+    for message in messages:
+        write("q931_message", seed_name(message), message)
+        for element in elements(message):
+            data = bytes([decoder_index(element[0])]) + element
+            write("element_decoders", seed_name(data), data)
+    # Every decoder gets a few seeds, whether the traces hold its element or not.
+    identifiers = {index: identifier for identifier, index in DECODER_INDEX.items()}
+    identifiers.update({CONGESTION_INDEX: 0xBF, REPEAT_INDEX: 0xD2, UNKNOWN_INDEX: 0x1C})
+    for index in range(DECODER_COUNT):
+        identifier = identifiers[index]
+        for contents in (b"", b"\x80", b"\x80\x90\xa3", b"\x00\x01\x02\x83\x84", b"\x91\x81" + bytes(range(40))):
+            data = bytes([index, identifier, len(contents)]) + contents
+            write("element_decoders", seed_name(data), data)
+        data = bytes([index, identifier, 0x20, 0x80])
+        write("element_decoders", seed_name(data), data)
+
+
+if __name__ == "__main__":
+    main()

@@ -10,6 +10,8 @@
 #include <sstream>
 #include <string>
 
+#include "scratch_directory.h"
+
 namespace {
 
 namespace fs = std::filesystem;
@@ -20,26 +22,8 @@ struct CommandResult {
   std::string err;
 };
 
-class Cli : public ::testing::Test {
+class Cli : public velmora::testing::ScratchDirectoryTest {
  protected:
-  void SetUp() override {
-    dir_ = fs::temp_directory_path() / ("velmora_cli_" + std::to_string(::getpid()) + "_" +
-                                         ::testing::UnitTest::GetInstance()->current_test_info()->name());
-    fs::remove_all(dir_);
-    fs::create_directories(dir_);
-  }
-  void TearDown() override { fs::remove_all(dir_); }
-
-  std::string Path(const std::string& name) const { return (dir_ / name).string(); }
-  void Write(const std::string& name, const std::string& text) const {
-    std::ofstream(Path(name), std::ios::binary) << text;
-  }
-  std::string Read(const std::string& name) const {
-    std::ifstream in(Path(name), std::ios::binary);
-    std::ostringstream text;
-    text << in.rdbuf();
-    return text.str();
-  }
   // Runs velmora through the shell; `args` is shell text.
   CommandResult Velmora(const std::string& args, const std::string& stdinText = "") const {
     Write("stdin", stdinText);
@@ -52,8 +36,6 @@ class Cli : public ::testing::Test {
     run.err = Read("stderr");
     return run;
   }
-
-  fs::path dir_;
 };
 
 std::string FrameLine(const char* control) {

@@ -9,35 +9,14 @@
 
 #include "core/globals.h"
 #include "core/translation.h"
+#include "scratch_directory.h"
 
 namespace velmora {
 namespace {
 
 namespace fs = std::filesystem;
 
-class TranslationRun : public ::testing::Test {
- protected:
-  void SetUp() override {
-    dir_ = fs::temp_directory_path() / ("velmora_run_" + std::to_string(::getpid()) + "_" +
-                                         ::testing::UnitTest::GetInstance()->current_test_info()->name());
-    fs::remove_all(dir_);
-    fs::create_directories(dir_);
-  }
-  void TearDown() override { fs::remove_all(dir_); }
-
-  std::string Path(const std::string& name) const { return (dir_ / name).string(); }
-  void Write(const std::string& name, const std::string& text) const {
-    std::ofstream(Path(name), std::ios::binary) << text;
-  }
-  std::string Read(const std::string& name) const {
-    std::ifstream in(Path(name), std::ios::binary);
-    std::ostringstream text;
-    text << in.rdbuf();
-    return text.str();
-  }
-
-  fs::path dir_;
-};
+using TranslationRun = testing::ScratchDirectoryTest;
 
 // A frame line carrying octets 0x00 0x81 and the given control octet.
 std::string ControlFrameLine(const char* control) {

@@ -6,73 +6,50 @@
 #include "test_support.h"
 
 namespace velmora {
-namespace {
 
-using testing::CaptureOutput;
-using testing::DecodeOctets;
+struct Case { ElementDecoder decoder; std::vector<Octet> octets; std::string text; int count; };
 
-constexpr const char* kItuCoding = "\t\tCoding standard=00  ITU-T standardized coding\n";
-constexpr const char* kActive = "\t\tCall state value=001010  U10-Active, N10-Active\n";
+const std::string kItuCoding = "\t\tCoding standard=00  ITU-T standardized coding\n";
+const std::string kActive = "\t\tCall state value=001010  U10-Active, N10-Active\n";
 
-TEST(CallIdentity, ShowsEveryContentsOctetUnsigned) {
-  const auto decoded = DecodeOctets(DecodeCallIdentity, {0x10, 0x02, 0x01, 0xA2});
-  EXPECT_EQ(decoded.text, "Call identity\n\t\tCall identity= 0x1 0xa2\n");
-  EXPECT_EQ(decoded.count, 4);
-}
-
-TEST(CallState, ActiveAsCarriedInStatus) {
-  const std::vector<Octet> status{0x7D, 0x14, 0x01, 0x0A, 0x28, 0x02, 0x41, 0x42};
-  EXPECT_EQ(CaptureOutput([&] { WalkStatus(status); }),
-            std::string("\tInformation element:Call state\n") + kItuCoding + kActive +
-                "\tInformation element:Display\n\t\tDisplay information(IA5)= 0x41 0x42\n");
-
-  // Octets after octet 3 are not looked at, but counted.
-  const auto longer = DecodeOctets(DecodeCallState, {0x14, 0x03, 0x0A, 0x55, 0x66});
-  EXPECT_EQ(longer.text, std::string("Call state\n") + kItuCoding + kActive);
-  EXPECT_EQ(longer.count, 5);
-}
-
-TEST(CallState, FieldNameFollowsTheStateItNames) {
-  EXPECT_EQ(DecodeOctets(DecodeCallState, {0x14, 0x01, 0xC0}).text,
-            "Call state\n"
-            "\t\tCoding standard=11  Standard defined for the network (either public or private) present on "
-            "the network side of the interface\n"
-            "\t\tCall state value / global interface state value=000000  U0-Null, N0-Null, REST0-Null\n");
-  EXPECT_EQ(DecodeOctets(DecodeCallState, {0x14, 0x01, 0x3D}).text,
-            std::string("Call state\n") + kItuCoding +
-                "\t\tGlobal interface state value=111101  REST1-Restart request\n");
-  // 000101 names no state: the coding standard line alone.
-  EXPECT_EQ(DecodeOctets(DecodeCallState, {0x14, 0x01, 0x85}).text,
-            "Call state\n\t\tCoding standard=10  National standard\n");
-}
-
-TEST(RestartIndicator, ClassAsCarriedInRestart) {
-  const std::vector<Octet> restart{0x46, 0x79, 0x01, 0x87};
-  EXPECT_EQ(CaptureOutput([&] { WalkRestart(restart); }),
-            "\tInformation element:Restart indicator\n\t\tClass=111  All interfaces\n");
-  const auto reserved = DecodeOctets(DecodeRestartIndicator, {0x79, 0x01, 0x83});
-  EXPECT_EQ(reserved.text, "Restart indicator\n");
-  EXPECT_EQ(reserved.count, 3);
-}
-
-TEST(CallIdentityStateRestart, EmptyOrCutOffContentsLeaveTheHeadingAlone) {
-  const struct {
-    ElementDecoder decoder;
-    Octet identifier;
-    const char* heading;
-  } cases[] = {{DecodeCallIdentity, 0x10, "Call identity\n"},
-               {DecodeCallState, 0x14, "Call state\n"},
-               {DecodeRestartIndicator, 0x79, "Restart indicator\n"}};
-  for (const auto& c : cases) {
-    const auto empty = DecodeOctets(c.decoder, {c.identifier, 0x00, 0x0A});
-    EXPECT_EQ(empty.text, c.heading);
-    EXPECT_EQ(empty.count, 2);
-    // The frame ends at the length octet: the count still covers the element.
-    const auto cutOff = DecodeOctets(c.decoder, {c.identifier, 0x02});
-    EXPECT_EQ(cutOff.text, c.heading);
-    EXPECT_EQ(cutOff.count, 4);
+TEST(CallIdentityStateRestart, DecodesEachElement) {
+  const Case cases[] = {
+      {DecodeCallIdentity, {0x10, 0x02, 0x01, 0xA2}, "Call identity\n\t\tCall identity= 0x1 0xa2\n", 4},
+      // Octets after octet 3 are not looked at, but counted.
+      {DecodeCallState, {0x14, 0x03, 0x0A, 0x55, 0x66}, "Call state\n" + kItuCoding + kActive, 5},
+      // The field name follows the state it names.
+      {DecodeCallState, {0x14, 0x01, 0xC0},
+       "Call state\n\t\tCoding standard=11  Standard defined for the network (either public or private) present on "
+       "the network side of the interface\n"
+       "\t\tCall state value / global interface state value=000000  U0-Null, N0-Null, REST0-Null\n", 3},
+      {DecodeCallState, {0x14, 0x01, 0x3D},
+       "Call state\n" + kItuCoding + "\t\tGlobal interface state value=111101  REST1-Restart request\n", 3},
+      // 000101 names no state: the coding standard line alone.
+      {DecodeCallState, {0x14, 0x01, 0x85}, "Call state\n\t\tCoding standard=10  National standard\n", 3},
+      {DecodeRestartIndicator, {0x79, 0x01, 0x83}, "Restart indicator\n", 3},
+      // L = 0, or a frame ending at the length octet: the heading alone, the count still L + 2.
+      {DecodeCallIdentity, {0x10, 0x00, 0x0A}, "Call identity\n", 2},
+      {DecodeCallState, {0x14, 0x00, 0x0A}, "Call state\n", 2},
+      {DecodeRestartIndicator, {0x79, 0x00, 0x0A}, "Restart indicator\n", 2},
+      {DecodeCallIdentity, {0x10, 0x02}, "Call identity\n", 4},
+      {DecodeCallState, {0x14, 0x02}, "Call state\n", 4},
+      {DecodeRestartIndicator, {0x79, 0x02}, "Restart indicator\n", 4},
+  };
+  for (const Case& c : cases) {
+    const auto decoded = testing::DecodeOctets(c.decoder, c.octets);
+    EXPECT_EQ(decoded.text, c.text);
+    EXPECT_EQ(decoded.count, c.count) << c.text;
   }
 }
 
-}  // namespace
+TEST(CallIdentityStateRestart, AsCarriedInStatusAndRestart) {
+  const std::vector<Octet> status{0x7D, 0x14, 0x01, 0x0A, 0x28, 0x02, 0x41, 0x42};
+  EXPECT_EQ(testing::CaptureOutput([&] { WalkStatus(status); }),
+            "\tInformation element:Call state\n" + kItuCoding + kActive +
+                "\tInformation element:Display\n\t\tDisplay information(IA5)= 0x41 0x42\n");
+  const std::vector<Octet> restart{0x46, 0x79, 0x01, 0x87};
+  EXPECT_EQ(testing::CaptureOutput([&] { WalkRestart(restart); }),
+            "\tInformation element:Restart indicator\n\t\tClass=111  All interfaces\n");
+}
+
 }  // namespace velmora

@@ -1,7 +1,7 @@
-// The Cause element: coding standard, location, recommendation, class and
-// value, as clearing messages carry them; lengths that cut the element short.
+// The Cause element's octets 3 to 4, and lengths and frames that cut it or its diagnostics short.
 #include <gtest/gtest.h>
 
+#include <string>
 #include <vector>
 
 #include "elements/element_decoders.h"
@@ -14,161 +14,92 @@ namespace {
 using testing::CaptureOutput;
 using testing::DecodeOctets;
 
-constexpr const char* kItuUser =
-    "Cause\n"
-    "\t\tCoding standard=00  ITU-T standardized coding\n"
-    "\t\tLocation=0000  user (U)\n";
-
-TEST(Cause, ClearingCausesWithoutDiagnostics) {
-  // Normal call clearing from the user, no octet 3a.
-  const auto normal = DecodeOctets(DecodeCause, {0x08, 0x02, 0x80, 0x90});
-  EXPECT_EQ(normal.text, std::string(kItuUser) +
-                             "\t\tCause Class=001  normal event\n"
-                             "\t\tCause Value=0000  Normal call clearing\n");
-  EXPECT_EQ(normal.count, 4);
-
-  // User busy from the local public network, with the recommendation octet.
-  const auto busy = DecodeOctets(DecodeCause, {0x08, 0x03, 0x02, 0x80, 0x91});
-  EXPECT_EQ(busy.text,
-            "Cause\n"
-            "\t\tCoding standard=00  ITU-T standardized coding\n"
-            "\t\tLocation=0010  public network serving the local user (LN)\n"
-            "\t\tRecommendation=0000000  Q.931\n"
-            "\t\tCause Class=001  normal event\n"
-            "\t\tCause Value=0001  User busy\n");
-  EXPECT_EQ(busy.count, 5);
-
-  // No route to destination from a transit network.
-  const auto noRoute = DecodeOctets(DecodeCause, {0x08, 0x02, 0x83, 0x83});
-  EXPECT_EQ(noRoute.text,
-            "Cause\n"
-            "\t\tCoding standard=00  ITU-T standardized coding\n"
-            "\t\tLocation=0011  transit network (TN)\n"
-            "\t\tCause Class=000  normal event\n"
-            "\t\tCause Value=0011  No route to destination\n");
-  EXPECT_EQ(noRoute.count, 4);
+const std::string kItu = "Cause\n\t\tCoding standard=00  ITU-T standardized coding\n";
+const std::string kItuUser = kItu + "\t\tLocation=0000  user (U)\n";
+const std::string kNormal = "\t\tCause Class=001  normal event\n";
+// A user-located ITU-T cause without octet 3a, up to its value line.
+std::string User(const std::string& causeClass, const std::string& value) {
+  return kItuUser + "\t\tCause Class=" + causeClass + "\n\t\tCause Value=" + value + "\n";
 }
+const std::string kClearing = User("001  normal event", "0000  Normal call clearing");
+const std::string kDiagnostics = "\t\tDiagnostics: Coding of ";
+const std::string kNotAuthorized =
+    User("011  service or option not available", "1001  Bearer capability not authorized") + kDiagnostics +
+    "Attribute identity\n\t\t\tAttribute number=0110001  Information transfer capability\n" +
+    "\t\t\tInformation transfer capability=01000  Unrestricted digital information\n";
+const std::string kQ931 = "\t\tRecommendation=0000000  Q.931\n";
+const std::string kBusy = kItu + "\t\tLocation=0010  public network serving the local user (LN)\n" + kQ931 + kNormal +
+                          "\t\tCause Value=0001  User busy\n";
 
-TEST(Cause, CodingStandardLocationAndRecommendationLines) {
-  // Coding standard 11, international network; recommendation X.25.
-  EXPECT_EQ(DecodeOctets(DecodeCause, {0x08, 0x03, 0x67, 0x04, 0xAA}).text,
-            "Cause\n"
-            "\t\tCoding standard=11  Standard specific to identified location\n"
-            "\t\tLocation=0111  international network (INTL)\n"
-            "\t\tRecommendation=0000100  X.25\n"
-            "\t\tCause Class=010  resource unavailable\n"
-            "\t\tCause Value=1010  Switching equipment congestion\n");
-
-  // Coding standard 10, beyond the interworking point, interworking unspecified.
-  EXPECT_EQ(DecodeOctets(DecodeCause, {0x08, 0x02, 0xCA, 0xFF}).text,
-            "Cause\n"
-            "\t\tCoding standard=10  National standard\n"
-            "\t\tLocation=1010  network beyond interworking point (BI)\n"
-            "\t\tCause Class=111  interworking\n"
-            "\t\tCause Value=1111  Interworking, unspecified\n");
-
-  // Location 1011 has no line; 1101 is national and shown in hexadecimal. An
-  // unlisted recommendation prints nothing; octet 3a's own extension bit is
-  // not looked at, octet 4 follows it all the same.
-  EXPECT_EQ(DecodeOctets(DecodeCause, {0x08, 0x02, 0xAB, 0xB1}).text,
-            "Cause\n"
-            "\t\tCoding standard=01  ISO/IEC Standard\n"
-            "\t\tCause Class=011  service or option not available\n"
-            "\t\tCause Value=0001  Quality of service not available\n");
-  EXPECT_EQ(DecodeOctets(DecodeCause, {0x08, 0x03, 0x0D, 0x7F, 0xC5}).text,
-            "Cause\n"
-            "\t\tCoding standard=00  ITU-T standardized coding\n"
-            "\t\tLocation= 0xd  reserved for national use\n"
-            "\t\tCause Class=100  service or option not implemented\n"
-            "\t\tCause Value=0101  Requested facility not implemented\n");
-}
-
-TEST(Cause, ValuesWithoutRowOrWithoutCodingShowNoDiagnostics) {
-  // Class 111 below 1111: only the class line, diagnostic octets ignored.
-  EXPECT_EQ(DecodeOctets(DecodeCause, {0x08, 0x03, 0x80, 0xF0, 0x8A}).text,
-            std::string(kItuUser) + "\t\tCause Class=111  interworking\n");
-  // Class 001 has no value 1000.
-  EXPECT_EQ(DecodeOctets(DecodeCause, {0x08, 0x03, 0x80, 0x98, 0x8A}).text,
-            std::string(kItuUser) + "\t\tCause Class=001  normal event\n");
-  // Normal, unspecified names no diagnostic coding.
-  const auto unspecified = DecodeOctets(DecodeCause, {0x08, 0x04, 0x80, 0x9F, 0x8A, 0x01});
-  EXPECT_EQ(unspecified.text, std::string(kItuUser) +
-                                  "\t\tCause Class=001  normal event\n"
-                                  "\t\tCause Value=1111  Normal, unspecified\n");
-  EXPECT_EQ(unspecified.count, 6);
-  // Bit 8 of octet 4 is not part of the class.
-  EXPECT_EQ(DecodeOctets(DecodeCause, {0x08, 0x02, 0x80, 0x6F}).text,
-            std::string(kItuUser) +
-                "\t\tCause Class=110  protocol error\n"
-                "\t\tCause Value=1111  Protocol error, unspecified\n");
-}
-
-TEST(Cause, ElementCutShortByItsLength) {
-  const auto empty = DecodeOctets(DecodeCause, {0x08, 0x00});
-  EXPECT_EQ(empty.text, "Cause\n");
-  EXPECT_EQ(empty.count, 2);
-
-  // L = 1: octet 4 belongs to the next element and is not decoded.
-  const auto onlyOctet3 = DecodeOctets(DecodeCause, {0x08, 0x01, 0x80, 0x90});
-  EXPECT_EQ(onlyOctet3.text, kItuUser);
-  EXPECT_EQ(onlyOctet3.count, 3);
-
-  // L = 2 with octet 3a announced: the element ends before octet 4.
-  const auto noOctet4 = DecodeOctets(DecodeCause, {0x08, 0x02, 0x00, 0x80, 0x91});
-  EXPECT_EQ(noOctet4.text, std::string(kItuUser) + "\t\tRecommendation=0000000  Q.931\n");
-  EXPECT_EQ(noOctet4.count, 4);
-
-  // An octet behind the element is never taken for a diagnostic.
-  const auto followed = DecodeOctets(DecodeCause, {0x08, 0x02, 0x80, 0x90, 0x8A});
-  EXPECT_EQ(followed.text, std::string(kItuUser) +
-                               "\t\tCause Class=001  normal event\n"
-                               "\t\tCause Value=0000  Normal call clearing\n");
-  EXPECT_EQ(followed.count, 4);
-}
-
-TEST(Cause, ElementCutShortByTheFrame) {
-  // The frame ends behind octet 3: the count still comes from the length.
-  const auto afterOctet3 = DecodeOctets(DecodeCause, {0x08, 0x02, 0x80});
-  EXPECT_EQ(afterOctet3.text, kItuUser);
-  EXPECT_EQ(afterOctet3.count, 4);
-
-  // The frame ends where the diagnostics would start: no heading for them.
-  const auto beforeDiagnostics = DecodeOctets(DecodeCause, {0x08, 0x05, 0x80, 0x90});
-  EXPECT_EQ(beforeDiagnostics.text, std::string(kItuUser) +
-                                        "\t\tCause Class=001  normal event\n"
-                                        "\t\tCause Value=0000  Normal call clearing\n");
-  EXPECT_EQ(beforeDiagnostics.count, 7);
-
-  // A length of 0x80 or more is unsigned.
-  const auto longLength = DecodeOctets(DecodeCause, {0x08, 0xFE, 0x80});
-  EXPECT_EQ(longLength.text, kItuUser);
-  EXPECT_EQ(longLength.count, 256);
+TEST(Cause, DecodesOctets3To4UpToTheElementsAndTheFramesEnd) {
+  const struct { std::vector<Octet> octets; std::string text; int count; } cases[] = {
+      {{0x08, 0x02, 0x80, 0x90}, kClearing, 4},
+      {{0x08, 0x03, 0x02, 0x80, 0x91}, kBusy, 5},
+      {{0x08, 0x03, 0x67, 0x04, 0xAA},
+       "Cause\n\t\tCoding standard=11  Standard specific to identified location\n"
+       "\t\tLocation=0111  international network (INTL)\n\t\tRecommendation=0000100  X.25\n"
+       "\t\tCause Class=010  resource unavailable\n\t\tCause Value=1010  Switching equipment congestion\n", 5},
+      {{0x08, 0x02, 0xCA, 0xFF},
+       "Cause\n\t\tCoding standard=10  National standard\n\t\tLocation=1010  network beyond interworking point (BI)\n"
+       "\t\tCause Class=111  interworking\n\t\tCause Value=1111  Interworking, unspecified\n", 4},
+      // Location 1011 has no line; 1101 is national, in hexadecimal. An unlisted recommendation prints
+      // nothing; octet 3a's own extension bit is not looked at, octet 4 follows it all the same.
+      {{0x08, 0x02, 0xAB, 0xB1},
+       "Cause\n\t\tCoding standard=01  ISO/IEC Standard\n\t\tCause Class=011  service or option not available\n"
+       "\t\tCause Value=0001  Quality of service not available\n", 4},
+      {{0x08, 0x03, 0x0D, 0x7F, 0xC5},
+       kItu + "\t\tLocation= 0xd  reserved for national use\n\t\tCause Class=100  service or option not implemented\n"
+              "\t\tCause Value=0101  Requested facility not implemented\n", 5},
+      // Class 111 below 1111: only the class line, diagnostic octets ignored.
+      {{0x08, 0x03, 0x80, 0xF0, 0x8A}, kItuUser + "\t\tCause Class=111  interworking\n", 5},
+      {{0x08, 0x03, 0x80, 0x98, 0x8A}, kItuUser + kNormal, 5},  // class 001 has no value 1000
+      // Normal, unspecified names no diagnostic coding.
+      {{0x08, 0x04, 0x80, 0x9F, 0x8A, 0x01}, User("001  normal event", "1111  Normal, unspecified"), 6},
+      // Bit 8 of octet 4 is not part of the class.
+      {{0x08, 0x02, 0x80, 0x6F}, User("110  protocol error", "1111  Protocol error, unspecified"), 4},
+      {{0x08, 0x00}, "Cause\n", 2},
+      {{0x08, 0x01, 0x80, 0x90}, kItuUser, 3},  // L = 1: octet 4 is the next element's, not decoded
+      {{0x08, 0x02, 0x00, 0x80, 0x91}, kItuUser + kQ931, 4},  // L = 2 with octet 3a: no octet 4
+      // An octet behind the element is never taken for a diagnostic.
+      {{0x08, 0x02, 0x80, 0x90, 0x8A}, kClearing, 4},
+      // The frame ends where diagnostics would start, or behind octet 3: the count comes from L,
+      // and a length of 0x80 or more is unsigned.
+      {{0x08, 0x05, 0x80, 0x90}, kClearing, 7},
+      {{0x08, 0xFE, 0x80}, kItuUser, 256},
+      // Diagnostics up to the element's end, and no further.
+      {{0x08, 0x05, 0x80, 0xE1, 0x05, 0x99, 0x4D},
+       User("110  protocol error", "0001  Message type non-existent or not implemented") + kDiagnostics +
+           "Message type\n\t\t\tMessage type=00000101  SETUP\n\t\t\tMessage type=01001101  RELEASE\n", 7},
+      {{0x08, 0x05, 0x80, 0xB9, 0x31, 0x08, 0x80},
+       kNotAuthorized + "\t\t\tInformation transfer capability=00000  Speech\n", 7},
+      {{0x08, 0x04, 0x80, 0xB9, 0x31, 0x08, 0x80}, kNotAuthorized, 6},
+      {{0x08, 0x04, 0x80, 0xD8, 0x01, 0x02, 0x08, 0x02},
+       User("101  invalid message", "1000  Incompatible destination") + kDiagnostics +
+           "Incompatible parameter\n\t\t\tDiagnostic field= 0x1 0x2\n", 6},
+      // The frame ends inside the diagnostics: what it holds is shown.
+      {{0x08, 0x06, 0x80, 0xE7, 0x01, 0x02},
+       User("110  protocol error", "0111  Parameter non-existent or not implemented, passed on") + kDiagnostics +
+           "parameter name\n\t\t\tDiagnostic field= 0x1 0x2\n", 8},
+  };
+  for (const auto& c : cases) {
+    SCOPED_TRACE(&c - cases);
+    const auto decoded = DecodeOctets(DecodeCause, c.octets);
+    EXPECT_EQ(decoded.text, c.text);
+    EXPECT_EQ(decoded.count, c.count);
+  }
 }
 
 TEST(Cause, ReleaseCompleteWalksPastEachCause) {
   // Two Cause elements: the walk moves on by each one's count.
-  const std::vector<Octet> message{0x08, 0x01, 0x81, 0x5A,                    // header
-                                   0x08, 0x03, 0x80, 0x90, 0x8A,              // normal call clearing
-                                   0x08, 0x04, 0x02, 0x80, 0x91, 0x02};       // user busy
+  const std::vector<Octet> message{0x08, 0x01, 0x81, 0x5A,               // header
+                                   0x08, 0x03, 0x80, 0x90, 0x8A,         // normal call clearing
+                                   0x08, 0x04, 0x02, 0x80, 0x91, 0x02};  // user busy
   EXPECT_EQ(CaptureOutput([&] { DecodeQ931Message(OctetSpan(message)); }),
-            "Message type:RELEASE COMPLETE\n"
-            "\tInformation element:Cause\n"
-            "\t\tCoding standard=00  ITU-T standardized coding\n"
-            "\t\tLocation=0000  user (U)\n"
-            "\t\tCause Class=001  normal event\n"
-            "\t\tCause Value=0000  Normal call clearing\n"
-            "\t\tDiagnostics: Coding of condition\n"
-            "\t\t\tBit 4=1  Network service - User\n"
-            "\t\t\tBit 3=0  Normal\n"
-            "\t\t\tBits 2-1=10  Transient\n"
-            "\tInformation element:Cause\n"
-            "\t\tCoding standard=00  ITU-T standardized coding\n"
-            "\t\tLocation=0010  public network serving the local user (LN)\n"
-            "\t\tRecommendation=0000000  Q.931\n"
-            "\t\tCause Class=001  normal event\n"
-            "\t\tCause Value=0001  User busy\n"
-            "\t\tDiagnostics: Coding of CCBS indicator\n"
-            "\t\t\tBits 8-1=00000010  CCBS not possible\n");
+            "Message type:RELEASE COMPLETE\n\tInformation element:" + kClearing +
+                "\t\tDiagnostics: Coding of condition\n\t\t\tBit 4=1  Network service - User\n"
+                "\t\t\tBit 3=0  Normal\n\t\t\tBits 2-1=10  Transient\n"
+                "\tInformation element:" + kBusy +
+                "\t\tDiagnostics: Coding of CCBS indicator\n\t\t\tBits 8-1=00000010  CCBS not possible\n");
 }
 
 }  // namespace

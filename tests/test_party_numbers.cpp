@@ -1,128 +1,79 @@
 // Calling, called and redirecting numbers and the two subaddresses.
 #include <gtest/gtest.h>
 
-#include <string>
-
 #include "elements/element_decoders.h"
 #include "test_support.h"
 
 namespace velmora {
-namespace {
 
-using testing::DecodeOctets;
+struct Case { ElementDecoder decoder; std::vector<Octet> octets; std::string text; int count; };
 
-constexpr const char* kE164 =
+const std::string kE164 =
     "\t\tNumbering plan identification=0001  ISDN/telephony numbering plan (Recommendation E.164 [19])\n";
-constexpr const char* kUnknownType = "\t\tType of number=000  Unknown\n";
-constexpr const char* kNationalType = "\t\tType of number=010  National number\n";
+const std::string kUnknown = "\t\tType of number=000  Unknown\n" + kE164;
+const std::string kNational = "\t\tType of number=010  National number\n" + kE164;
 
-TEST(CalledPartyNumber, DigitsFollowOctet3WhateverItsExtensionBit) {
-  const auto national = DecodeOctets(DecodeCalledPartyNumber, {0x70, 0x05, 0xA1, 0x30, 0x33, 0x30, 0x31});
-  EXPECT_EQ(national.text, std::string("Called party number\n") + kNationalType + kE164 +
-                               "\t\tNumber digits (IA5)= 0x30 0x33 0x30 0x31\n");
-  EXPECT_EQ(national.count, 7);
-
-  // Bit 8 of octet 3 is 0, yet 0x83 is a digit octet, not octet 3a.
-  EXPECT_EQ(DecodeOctets(DecodeCalledPartyNumber, {0x70, 0x03, 0x21, 0x83, 0x35}).text,
-            std::string("Called party number\n") + kNationalType + kE164 + "\t\tNumber digits (IA5)= 0x3 0x35\n");
-  // No digit: the label still stands.
-  EXPECT_EQ(DecodeOctets(DecodeCalledPartyNumber, {0x70, 0x01, 0xA1}).text,
-            std::string("Called party number\n") + kNationalType + kE164 + "\t\tNumber digits (IA5)=\n");
-}
-
-TEST(CallingPartyNumber, Octet3aGivesPresentationAndScreening) {
-  const auto restricted =
-      DecodeOctets(DecodeCallingPartyNumber, {0x6C, 0x07, 0x11, 0xA1, 0x34, 0x39, 0x33, 0x30, 0x31});
-  EXPECT_EQ(restricted.text, std::string("Calling party number\n") +
-                                 "\t\tType of number=001  International number\n" + kE164 +
-                                 "\t\tPresentation indicator=01  Presentation restricted\n"
-                                 "\t\tScreening indicator=01  User-provided, verified and passed\n"
-                                 "\t\tNumber digits (IA5)= 0x34 0x39 0x33 0x30 0x31\n");
-  EXPECT_EQ(restricted.count, 9);
-
-  EXPECT_EQ(DecodeOctets(DecodeCallingPartyNumber, {0x6C, 0x04, 0x21, 0x83, 0x35, 0x36}).text,
-            std::string("Calling party number\n") + kNationalType + kE164 +
-                "\t\tPresentation indicator=00  Presentation allowed\n"
-                "\t\tScreening indicator=11  Network provided\n"
-                "\t\tNumber digits (IA5)= 0x35 0x36\n");
-}
-
-TEST(CallingPartyNumber, NoDigitOctetsMeansNoDigitsLine) {
-  EXPECT_EQ(DecodeOctets(DecodeCallingPartyNumber, {0x6C, 0x02, 0x01, 0xA0}).text,
-            std::string("Calling party number\n") + kUnknownType + kE164 +
-                "\t\tPresentation indicator=01  Presentation restricted\n"
-                "\t\tScreening indicator=00  User-provided, not screened\n");
-  // Type 101 has no row; no octet 3a is announced.
-  const auto decoded = DecodeOctets(DecodeCallingPartyNumber, {0x6C, 0x01, 0xD1});
-  EXPECT_EQ(decoded.text, std::string("Calling party number\n") + kE164);
-  EXPECT_EQ(decoded.count, 3);
-}
-
-TEST(CallingPartyNumber, AnnouncedOctet3aIsReadBehindTheElementButNotBehindTheFrame) {
-  const auto behind = DecodeOctets(DecodeCallingPartyNumber, {0x6C, 0x01, 0x21, 0x83});
-  EXPECT_EQ(behind.text, std::string("Calling party number\n") + kNationalType + kE164 +
-                             "\t\tPresentation indicator=00  Presentation allowed\n"
-                             "\t\tScreening indicator=11  Network provided\n");
-  EXPECT_EQ(behind.count, 3);
-  EXPECT_EQ(DecodeOctets(DecodeCallingPartyNumber, {0x6C, 0x01, 0x21}).text,
-            std::string("Calling party number\n") + kNationalType + kE164);
-}
-
-TEST(RedirectingNumber, Octet3bGivesTheReasonAndTheLabelHasNoBlank) {
-  const auto decoded = DecodeOctets(DecodeRedirectingNumber, {0x74, 0x05, 0x01, 0x02, 0x8F, 0x37, 0x38});
-  EXPECT_EQ(decoded.text,
-            std::string("Redirecting number\n") + kUnknownType + kE164 +
-                "\t\tPresentation indicator=00  Presentation allowed\n"
-                "\t\tScreening indicator=10  User-provided, verified and failed\n"
-                "\t\tReason for redirection=1111  Call forwarding unconditional or systematic call redirection\n"
-                "\t\tNumber digits(IA5)= 0x37 0x38\n");
-  EXPECT_EQ(decoded.count, 7);
-
-  // No octet 3a: the digits start at octet 4, bit 8 dropped.
-  EXPECT_EQ(DecodeOctets(DecodeRedirectingNumber, {0x74, 0x02, 0x81, 0xB9}).text,
-            std::string("Redirecting number\n") + kUnknownType + kE164 + "\t\tNumber digits(IA5)= 0x39\n");
-
-  // Octet 3b would lie behind the frame: no reason line, the empty digits line stays.
-  const auto cutOff = DecodeOctets(DecodeRedirectingNumber, {0x74, 0x02, 0x01, 0x02});
-  EXPECT_EQ(cutOff.text, std::string("Redirecting number\n") + kUnknownType + kE164 +
-                             "\t\tPresentation indicator=00  Presentation allowed\n"
-                             "\t\tScreening indicator=10  User-provided, verified and failed\n"
-                             "\t\tNumber digits(IA5)=\n");
-  EXPECT_EQ(cutOff.count, 4);
-}
-
-TEST(Subaddress, TypeOddEvenAndAllEightBitsOfTheInformation) {
-  const auto called = DecodeOctets(DecodeCalledPartySubaddress, {0x71, 0x03, 0xA8, 0x50, 0xF1});
-  EXPECT_EQ(called.text,
-            "Called party subaddress\n"
-            "\t\tType of subaddress=010  User specified\n"
-            "\t\tOdd/even indicator=1  Odd number of address signals\n"
-            "\t\tSubaddress information= 0x50 0xf1\n");
-  EXPECT_EQ(called.count, 5);
-
-  // Type 100 has no row; the information label stands even when empty.
-  EXPECT_EQ(DecodeOctets(DecodeCallingPartySubaddress, {0x6D, 0x01, 0xC0}).text,
-            "Calling party subaddress\n"
-            "\t\tOdd/even indicator=0  Even number of address signals\n"
-            "\t\tSubaddress information=\n");
-}
-
-TEST(PartyNumbers, LengthZeroLeavesTheHeadingAlone) {
-  const struct {
-    ElementDecoder decoder;
-    Octet identifier;
-    const char* heading;
-  } cases[] = {{DecodeCallingPartyNumber, 0x6C, "Calling party number\n"},
-               {DecodeCallingPartySubaddress, 0x6D, "Calling party subaddress\n"},
-               {DecodeCalledPartyNumber, 0x70, "Called party number\n"},
-               {DecodeCalledPartySubaddress, 0x71, "Called party subaddress\n"},
-               {DecodeRedirectingNumber, 0x74, "Redirecting number\n"}};
-  for (const auto& c : cases) {
-    const auto decoded = DecodeOctets(c.decoder, {c.identifier, 0x00, 0x21});
-    EXPECT_EQ(decoded.text, c.heading);
-    EXPECT_EQ(decoded.count, 2);
+TEST(PartyNumbers, DecodesEachElement) {
+  const Case cases[] = {
+      {DecodeCalledPartyNumber, {0x70, 0x05, 0xA1, 0x30, 0x33, 0x30, 0x31},
+       "Called party number\n" + kNational + "\t\tNumber digits (IA5)= 0x30 0x33 0x30 0x31\n", 7},
+      // Bit 8 of octet 3 is 0, yet 0x83 is a digit octet, not octet 3a.
+      {DecodeCalledPartyNumber, {0x70, 0x03, 0x21, 0x83, 0x35},
+       "Called party number\n" + kNational + "\t\tNumber digits (IA5)= 0x3 0x35\n", 5},
+      // No digit: the label still stands.
+      {DecodeCalledPartyNumber, {0x70, 0x01, 0xA1},
+       "Called party number\n" + kNational + "\t\tNumber digits (IA5)=\n", 3},
+      {DecodeCallingPartyNumber, {0x6C, 0x07, 0x11, 0xA1, 0x34, 0x39, 0x33, 0x30, 0x31},
+       "Calling party number\n\t\tType of number=001  International number\n" + kE164 +
+           "\t\tPresentation indicator=01  Presentation restricted\n"
+           "\t\tScreening indicator=01  User-provided, verified and passed\n"
+           "\t\tNumber digits (IA5)= 0x34 0x39 0x33 0x30 0x31\n", 9},
+      {DecodeCallingPartyNumber, {0x6C, 0x04, 0x21, 0x83, 0x35, 0x36},
+       "Calling party number\n" + kNational + "\t\tPresentation indicator=00  Presentation allowed\n"
+           "\t\tScreening indicator=11  Network provided\n\t\tNumber digits (IA5)= 0x35 0x36\n", 6},
+      // No digit octets: no digits line.
+      {DecodeCallingPartyNumber, {0x6C, 0x02, 0x01, 0xA0},
+       "Calling party number\n" + kUnknown + "\t\tPresentation indicator=01  Presentation restricted\n"
+           "\t\tScreening indicator=00  User-provided, not screened\n", 4},
+      // Type 101 has no row; no octet 3a is announced.
+      {DecodeCallingPartyNumber, {0x6C, 0x01, 0xD1}, "Calling party number\n" + kE164, 3},
+      // An announced octet 3a is read behind the element, but not behind the frame.
+      {DecodeCallingPartyNumber, {0x6C, 0x01, 0x21, 0x83},
+       "Calling party number\n" + kNational +
+           "\t\tPresentation indicator=00  Presentation allowed\n\t\tScreening indicator=11  Network provided\n", 3},
+      {DecodeCallingPartyNumber, {0x6C, 0x01, 0x21}, "Calling party number\n" + kNational, 3},
+      // Octet 3b gives the reason; the digits label has no blank.
+      {DecodeRedirectingNumber, {0x74, 0x05, 0x01, 0x02, 0x8F, 0x37, 0x38},
+       "Redirecting number\n" + kUnknown + "\t\tPresentation indicator=00  Presentation allowed\n"
+           "\t\tScreening indicator=10  User-provided, verified and failed\n"
+           "\t\tReason for redirection=1111  Call forwarding unconditional or systematic call redirection\n"
+           "\t\tNumber digits(IA5)= 0x37 0x38\n", 7},
+      // No octet 3a: the digits start at octet 4, bit 8 dropped.
+      {DecodeRedirectingNumber, {0x74, 0x02, 0x81, 0xB9},
+       "Redirecting number\n" + kUnknown + "\t\tNumber digits(IA5)= 0x39\n", 4},
+      // Octet 3b would lie behind the frame: no reason line, the empty digits line stays.
+      {DecodeRedirectingNumber, {0x74, 0x02, 0x01, 0x02},
+       "Redirecting number\n" + kUnknown + "\t\tPresentation indicator=00  Presentation allowed\n"
+           "\t\tScreening indicator=10  User-provided, verified and failed\n\t\tNumber digits(IA5)=\n", 4},
+      {DecodeCalledPartySubaddress, {0x71, 0x03, 0xA8, 0x50, 0xF1},
+       "Called party subaddress\n\t\tType of subaddress=010  User specified\n"
+       "\t\tOdd/even indicator=1  Odd number of address signals\n\t\tSubaddress information= 0x50 0xf1\n", 5},
+      // Type 100 has no row; the information label stands even when empty.
+      {DecodeCallingPartySubaddress, {0x6D, 0x01, 0xC0},
+       "Calling party subaddress\n\t\tOdd/even indicator=0  Even number of address signals\n"
+       "\t\tSubaddress information=\n", 3},
+      // L = 0 leaves the heading alone.
+      {DecodeCallingPartyNumber, {0x6C, 0x00, 0x21}, "Calling party number\n", 2},
+      {DecodeCallingPartySubaddress, {0x6D, 0x00, 0x21}, "Calling party subaddress\n", 2},
+      {DecodeCalledPartyNumber, {0x70, 0x00, 0x21}, "Called party number\n", 2},
+      {DecodeCalledPartySubaddress, {0x71, 0x00, 0x21}, "Called party subaddress\n", 2},
+      {DecodeRedirectingNumber, {0x74, 0x00, 0x21}, "Redirecting number\n", 2},
+  };
+  for (const Case& c : cases) {
+    const auto decoded = testing::DecodeOctets(c.decoder, c.octets);
+    EXPECT_EQ(decoded.text, c.text);
+    EXPECT_EQ(decoded.count, c.count) << c.text;
   }
 }
 
-}  // namespace
 }  // namespace velmora

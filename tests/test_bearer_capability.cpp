@@ -51,7 +51,7 @@ const std::string k7a7b = "\t\tAdditional layer 3 protocol information:7a=1100, 
 const std::string kIp = kTr9577 + k7a7b + "1100  Internet Protocol (RFC 791) (ISO/IEC TR 9577[82])\n";
 
 TEST(BearerCapability, DecodesEachOctetGroupUpToTheElementsAndTheFramesEnd) {
-  const struct { std::vector<Octet> octets; std::string text; int count; } cases[] = {
+  const testing::ElementCase cases[] = {
       {{0x04, 0x00}, kHeading, 2},
       {{0x04, 0x03, 0x80, 0x90, 0xA2}, kSpeech + kMuLaw, 5},
       {{0x04, 0x02, 0xE8, 0x90}, kHeading + "\t\tCoding standard=11  Standard defined for the network (either public "
@@ -104,12 +104,7 @@ TEST(BearerCapability, DecodesEachOctetGroupUpToTheElementsAndTheFramesEnd) {
       {{0x04, 0x05, 0x88, 0x90, 0x21, 0x48}, kData + kV110 + k5a48, 7},
       {{0x04, 0xFF}, kHeading, 257},
   };
-  for (const auto& c : cases) {
-    SCOPED_TRACE(&c - cases);
-    const auto decoded = DecodeOctets(DecodeBearerCapability, c.octets);
-    EXPECT_EQ(decoded.text, c.text);
-    EXPECT_EQ(decoded.count, c.count);
-  }
+  testing::ExpectDecodes(DecodeBearerCapability, cases);
 }
 
 }  // namespace

@@ -7,13 +7,12 @@
 
 namespace velmora {
 
-struct Case { ElementDecoder decoder; std::vector<Octet> octets; std::string text; int count; };
 
 const std::string kItuCoding = "\t\tCoding standard=00  ITU-T standardized coding\n";
 const std::string kActive = "\t\tCall state value=001010  U10-Active, N10-Active\n";
 
 TEST(CallIdentityStateRestart, DecodesEachElement) {
-  const Case cases[] = {
+  const testing::DecoderCase cases[] = {
       {DecodeCallIdentity, {0x10, 0x02, 0x01, 0xA2}, "Call identity\n\t\tCall identity= 0x1 0xa2\n", 4},
       // Octets after octet 3 are not looked at, but counted.
       {DecodeCallState, {0x14, 0x03, 0x0A, 0x55, 0x66}, "Call state\n" + kItuCoding + kActive, 5},
@@ -35,11 +34,7 @@ TEST(CallIdentityStateRestart, DecodesEachElement) {
       {DecodeCallState, {0x14, 0x02}, "Call state\n", 4},
       {DecodeRestartIndicator, {0x79, 0x02}, "Restart indicator\n", 4},
   };
-  for (const Case& c : cases) {
-    const auto decoded = testing::DecodeOctets(c.decoder, c.octets);
-    EXPECT_EQ(decoded.text, c.text);
-    EXPECT_EQ(decoded.count, c.count) << c.text;
-  }
+  testing::ExpectDecodes(cases);
 }
 
 TEST(CallIdentityStateRestart, AsCarriedInStatusAndRestart) {

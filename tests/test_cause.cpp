@@ -32,7 +32,7 @@ const std::string kBusy = kItu + "\t\tLocation=0010  public network serving the 
                           "\t\tCause Value=0001  User busy\n";
 
 TEST(Cause, DecodesOctets3To4UpToTheElementsAndTheFramesEnd) {
-  const struct { std::vector<Octet> octets; std::string text; int count; } cases[] = {
+  const testing::ElementCase cases[] = {
       {{0x08, 0x02, 0x80, 0x90}, kClearing, 4},
       {{0x08, 0x03, 0x02, 0x80, 0x91}, kBusy, 5},
       {{0x08, 0x03, 0x67, 0x04, 0xAA},
@@ -81,12 +81,7 @@ TEST(Cause, DecodesOctets3To4UpToTheElementsAndTheFramesEnd) {
        User("110  protocol error", "0111  Parameter non-existent or not implemented, passed on") + kDiagnostics +
            "parameter name\n\t\t\tDiagnostic field= 0x1 0x2\n", 8},
   };
-  for (const auto& c : cases) {
-    SCOPED_TRACE(&c - cases);
-    const auto decoded = DecodeOctets(DecodeCause, c.octets);
-    EXPECT_EQ(decoded.text, c.text);
-    EXPECT_EQ(decoded.count, c.count);
-  }
+  testing::ExpectDecodes(DecodeCause, cases);
 }
 
 TEST(Cause, ReleaseCompleteWalksPastEachCause) {

@@ -6,7 +6,6 @@
 
 namespace velmora {
 
-struct Case { std::vector<Octet> octets; std::string text; int count; };
 
 const std::string kHeading = "Channel identification\n";
 const std::string kImplicit = "\t\tInterface identifier present=0  Interface implicitly identified\n";
@@ -27,7 +26,7 @@ const std::string kPrimaryRate = kHeading + kImplicit + kOther + kExclusive + kN
 const std::string kNumbers = kPrimaryRate + kItu + kBUnits + kByNumber;
 
 TEST(ChannelIdentification, DecodesAsFarAsTheElementAndTheFrameGo) {
-  const Case cases[] = {
+  const testing::ElementCase cases[] = {
       {{0x18, 0x01, 0x89}, kHeading + kImplicit + kBasic + kExclusive + kNotD + kB1, 3},
       // Interface identifiers run to bit 8 set; a basic interface decodes no octet after them.
       {{0x18, 0x04, 0xC9, 0x01, 0x85, 0x83}, kHeading + kExplicit + kBasic + kExclusive + kNotD + kB1 +
@@ -54,11 +53,7 @@ TEST(ChannelIdentification, DecodesAsFarAsTheElementAndTheFrameGo) {
       // The frame ends before the announced octets: decoding ends with it.
       {{0x18, 0x05, 0xA9, 0x83, 0x01}, kNumbers + "\t\tChannel number= 1\n", 7},
   };
-  for (const Case& c : cases) {
-    const auto decoded = testing::DecodeOctets(DecodeChannelIdentification, c.octets);
-    EXPECT_EQ(decoded.text, c.text);
-    EXPECT_EQ(decoded.count, c.count) << c.text;
-  }
+  testing::ExpectDecodes(DecodeChannelIdentification, cases);
 }
 
 }  // namespace velmora

@@ -6,10 +6,9 @@
 
 namespace velmora {
 
-struct Case { ElementDecoder decoder; std::vector<Octet> octets; std::string text; int count; };
 
 TEST(DisplayKeypadDateTime, DecodesEachElement) {
-  const Case cases[] = {
+  const testing::DecoderCase cases[] = {
       // IA5 codes without bit 8, up to the element or the frame end.
       {DecodeDisplay, {0x28, 0x03, 0x41, 0x42, 0x43}, "Display\n\t\tDisplay information(IA5)= 0x41 0x42 0x43\n", 5},
       {DecodeDisplay, {0x28, 0x01, 0xC1}, "Display\n\t\tDisplay information(IA5)= 0x41\n", 3},
@@ -30,11 +29,7 @@ TEST(DisplayKeypadDateTime, DecodesEachElement) {
       // No range check, and no sign: an octet of 0xC8 is 200.
       {DecodeDateTime, {0x29, 0x03, 0xC8, 0x0D, 0x00}, "Date/time\n\t\tYear=200\n\t\tMonth=13\n\t\tDay=0\n", 5},
   };
-  for (const Case& c : cases) {
-    const auto decoded = testing::DecodeOctets(c.decoder, c.octets);
-    EXPECT_EQ(decoded.text, c.text);
-    EXPECT_EQ(decoded.count, c.count) << c.text;
-  }
+  testing::ExpectDecodes(cases);
 }
 
 }  // namespace velmora

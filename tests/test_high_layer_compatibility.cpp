@@ -25,7 +25,7 @@ const std::string kVideotelephony = "\t\tHigh layer characteristics identificati
                                     "(Recommendations F.720 [91] and F.721 [79]) and F.731 profile 1a)\n";
 
 TEST(HighLayerCompatibility, DecodesOctets3To4aUpToTheElementsAndTheFramesEnd) {
-  const struct { std::vector<Octet> octets; std::string text; int count; } cases[] = {
+  const testing::ElementCase cases[] = {
       {{0x7D, 0x00}, kHeading, 2},
       {{0x7D, 0x02, 0x91, 0x81}, kOctet3 + kTelephony, 4},
       // Octet 3 fields without rows print nothing.
@@ -55,12 +55,7 @@ TEST(HighLayerCompatibility, DecodesOctets3To4aUpToTheElementsAndTheFramesEnd) {
       // Octets after octet 4 are not decoded.
       {{0x7D, 0x05, 0x91, 0xE0, 0xAA, 0xBB, 0xCC}, kOctet3 + kVideotelephony, 7},
   };
-  for (const auto& c : cases) {
-    SCOPED_TRACE(&c - cases);
-    const auto decoded = DecodeOctets(DecodeHighLayerCompatibility, c.octets);
-    EXPECT_EQ(decoded.text, c.text);
-    EXPECT_EQ(decoded.count, c.count);
-  }
+  testing::ExpectDecodes(DecodeHighLayerCompatibility, cases);
 }
 
 TEST(HighLayerCompatibility, ReservedAudiovisualCodesAreTwoRanges) {

@@ -30,7 +30,7 @@ const std::string kX25 =
     "\t\tMode of operation=10  Extended packet sequence numbering\n\t\tDefault packet size=0111  128 octets\n";
 
 TEST(LowLayerCompatibility, DecodesWhatDiffersFromBearerCapability) {
-  const struct { std::vector<Octet> octets; std::string text; int count; } cases[] = {
+  const testing::ElementCase cases[] = {
       {{0x7C, 0x00}, "Low layer compatibility\n", 2},
       {{0x7C, 0x03, 0x08, 0xC0, 0xC0}, kOctet3 + kOutBand + kPacketMode, 5},
       // No octet 3a: the second 0xC0 is a layer 2 octet whose protocol has no row.
@@ -70,12 +70,7 @@ TEST(LowLayerCompatibility, DecodesWhatDiffersFromBearerCapability) {
        kData + "\t\tUser information layer 2 protocol=00010  Recommendation Q.921/I.441[3]\n"
                "\t\tUser information layer 3 protocol=00010  Recommendation Q.931\n" + kMuLaw, 7},
   };
-  for (const auto& c : cases) {
-    SCOPED_TRACE(&c - cases);
-    const auto decoded = DecodeOctets(DecodeLowLayerCompatibility, c.octets);
-    EXPECT_EQ(decoded.text, c.text);
-    EXPECT_EQ(decoded.count, c.count);
-  }
+  testing::ExpectDecodes(DecodeLowLayerCompatibility, cases);
 }
 
 }  // namespace

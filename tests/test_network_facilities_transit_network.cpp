@@ -6,7 +6,6 @@
 
 namespace velmora {
 
-struct Case { ElementDecoder decoder; std::vector<Octet> octets; std::string text; int count; };
 
 const std::string kTransit = "Transit network selection\n";
 const std::string kFacilities = "Network-specific facilities\n";
@@ -16,7 +15,7 @@ const std::string kFacility0B = "\t\tNetwork-specific facilities= 0xb\n";
 const std::string kUnknownPlan = "\t\tNetwork identification plan=0000  Unknown\n";
 
 TEST(NetworkFacilitiesTransitNetwork, DecodesEachElement) {
-  const Case cases[] = {
+  const testing::DecoderCase cases[] = {
       {DecodeTransitNetworkSelection, {0x78, 0x05, 0x21, 0x31, 0x32, 0x33, 0x34},
        kTransit + kNational + kCarrierCode + "\t\tNetwork identification(IA5)= 0x31 0x32 0x33 0x34\n", 7},
       // The data network plan carries its X.121 reference here; bit 8 of a character is dropped.
@@ -48,11 +47,7 @@ TEST(NetworkFacilitiesTransitNetwork, DecodesEachElement) {
       {DecodeNetworkSpecificFacilities, {0x20, 0x06, 0x04, 0x21, 0x31},
        kFacilities + kNational + kCarrierCode + "\t\tNetwork identification(IA5)= 0x31\n", 8},
   };
-  for (const Case& c : cases) {
-    const auto decoded = testing::DecodeOctets(c.decoder, c.octets);
-    EXPECT_EQ(decoded.text, c.text);
-    EXPECT_EQ(decoded.count, c.count) << c.text;
-  }
+  testing::ExpectDecodes(cases);
 }
 
 }  // namespace velmora

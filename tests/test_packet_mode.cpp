@@ -6,10 +6,9 @@
 
 namespace velmora {
 
-struct Case { ElementDecoder decoder; std::vector<Octet> octets; std::string text; int count; };
 
 TEST(PacketMode, DecodesEachElement) {
-  const Case cases[] = {
+  const testing::DecoderCase cases[] = {
       {DecodeInformationRate, {0x40, 0x04, 0x8B, 0x8B, 0x88, 0x88},
        "Information rate\n"
        "\t\tIncoming information rate=01011  19200 bit/s\n\t\tOutgoing information rate=01011  19200 bit/s\n"
@@ -67,11 +66,7 @@ TEST(PacketMode, DecodesEachElement) {
       {DecodeClosedUserGroup, {0x47, 0x00, 0x0B, 0x0B, 0x0B, 0x0B}, "Closed user group\n", 2},
       {DecodeReverseChargingIndication, {0x4A, 0x00, 0x0B, 0x0B, 0x0B, 0x0B}, "Reverse charging indication\n", 2},
   };
-  for (const Case& c : cases) {
-    const auto decoded = testing::DecodeOctets(c.decoder, c.octets);
-    EXPECT_EQ(decoded.text, c.text);
-    EXPECT_EQ(decoded.count, c.count) << c.text;
-  }
+  testing::ExpectDecodes(cases);
 }
 
 }  // namespace velmora

@@ -6,7 +6,6 @@
 
 namespace velmora {
 
-struct Case { ElementDecoder decoder; std::vector<Octet> octets; std::string text; int count; };
 
 const std::string kE164 =
     "\t\tNumbering plan identification=0001  ISDN/telephony numbering plan (Recommendation E.164 [19])\n";
@@ -14,7 +13,7 @@ const std::string kUnknown = "\t\tType of number=000  Unknown\n" + kE164;
 const std::string kNational = "\t\tType of number=010  National number\n" + kE164;
 
 TEST(PartyNumbers, DecodesEachElement) {
-  const Case cases[] = {
+  const testing::DecoderCase cases[] = {
       {DecodeCalledPartyNumber, {0x70, 0x05, 0xA1, 0x30, 0x33, 0x30, 0x31},
        "Called party number\n" + kNational + "\t\tNumber digits (IA5)= 0x30 0x33 0x30 0x31\n", 7},
       // Bit 8 of octet 3 is 0, yet 0x83 is a digit octet, not octet 3a.
@@ -69,11 +68,7 @@ TEST(PartyNumbers, DecodesEachElement) {
       {DecodeCalledPartySubaddress, {0x71, 0x00, 0x21}, "Called party subaddress\n", 2},
       {DecodeRedirectingNumber, {0x74, 0x00, 0x21}, "Redirecting number\n", 2},
   };
-  for (const Case& c : cases) {
-    const auto decoded = testing::DecodeOctets(c.decoder, c.octets);
-    EXPECT_EQ(decoded.text, c.text);
-    EXPECT_EQ(decoded.count, c.count) << c.text;
-  }
+  testing::ExpectDecodes(cases);
 }
 
 }  // namespace velmora

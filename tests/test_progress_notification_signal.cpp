@@ -7,14 +7,13 @@
 
 namespace velmora {
 
-struct Case { ElementDecoder decoder; std::vector<Octet> octets; std::string text; int count; };
 
 const std::string kProgress = "Progress indicator\n\t\tCoding standard=00  ITU-T standardized coding\n";
 const std::string kInBand =
     "\t\tProgress description=0001000  In-band information or an appropriate pattern is now available\n";
 
 TEST(ProgressNotificationSignal, DecodesEachElement) {
-  const Case cases[] = {
+  const testing::DecoderCase cases[] = {
       {DecodeProgressIndicator, {0x1E, 0x02, 0x81, 0x88},
        kProgress + "\t\tLocation=0001  Private network serving the local user\n" + kInBand, 4},
       // Location 0111 has no row.
@@ -35,11 +34,7 @@ TEST(ProgressNotificationSignal, DecodesEachElement) {
       {DecodeNotificationIndicator, {0x27, 0x00, 0x01}, "Notification indicator\n", 2},
       {DecodeSignal, {0x34, 0x00, 0x01}, "Signal\n", 2},
   };
-  for (const Case& c : cases) {
-    const auto decoded = testing::DecodeOctets(c.decoder, c.octets);
-    EXPECT_EQ(decoded.text, c.text);
-    EXPECT_EQ(decoded.count, c.count) << c.text;
-  }
+  testing::ExpectDecodes(cases);
 }
 
 TEST(ProgressNotificationSignal, AlertingWithRingbackFromTheNetwork) {

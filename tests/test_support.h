@@ -1,7 +1,10 @@
 #pragma once
 // Runs a piece of decoding with g_outputFile pointed at a string, so a test
 // can compare the exact text that was printed.
+#include <gtest/gtest.h>
+
 #include <initializer_list>
+#include <span>
 #include <string>
 #include <utility>
 #include <vector>
@@ -36,6 +39,37 @@ inline Decoded DecodeOctets(ElementDecoder decoder, std::vector<Octet> octets) {
   Decoded result;
   result.text = CaptureOutput([&] { result.count = decoder(ElementOctets(OctetSpan(octets))); });
   return result;
+}
+
+// One row of a decoder table: octets at the frame's end, the exact text
+// and the count the decoder must give for them.
+struct ElementCase {
+  std::vector<Octet> octets;
+  std::string text;
+  int count;
+};
+// The same, for tables that mix several decoders.
+struct DecoderCase {
+  ElementDecoder decoder;
+  std::vector<Octet> octets;
+  std::string text;
+  int count;
+};
+
+inline void ExpectDecodes(ElementDecoder decoder, const std::vector<Octet>& octets, const std::string& text,
+                          int count, std::size_t row) {
+  SCOPED_TRACE("table row " + std::to_string(row));
+  const Decoded decoded = DecodeOctets(decoder, octets);
+  EXPECT_EQ(decoded.text, text);
+  EXPECT_EQ(decoded.count, count);
+}
+inline void ExpectDecodes(ElementDecoder decoder, std::span<const ElementCase> cases) {
+  for (std::size_t row = 0; row < cases.size(); ++row)
+    ExpectDecodes(decoder, cases[row].octets, cases[row].text, cases[row].count, row);
+}
+inline void ExpectDecodes(std::span<const DecoderCase> cases) {
+  for (std::size_t row = 0; row < cases.size(); ++row)
+    ExpectDecodes(cases[row].decoder, cases[row].octets, cases[row].text, cases[row].count, row);
 }
 
 }  // namespace velmora::testing

@@ -7,13 +7,12 @@
 
 namespace velmora {
 
-struct Case { std::vector<Octet> octets; std::string text; int count; };
 
 const std::string kX25 = "  Reserved for other network layer or layer 3 protocols, including Recommendation X.25\n";
 const std::string kIa5 = "User-user\n\t\tProtocol discriminator=00000100  IA5 characters\n";
 
 TEST(UserUser, DiscriminatorThenTheUserInformationInHexadecimal) {
-  const Case cases[] = {
+  const testing::ElementCase cases[] = {
       {{0x7E, 0x04, 0x04, 0x48, 0x49, 0x21}, kIa5 + "\t\tUser information= 0x48 0x49 0x21\n", 6},
       // Discriminator ranges print the octet in hexadecimal.
       {{0x7E, 0x02, 0x45, 0xFF},
@@ -27,11 +26,7 @@ TEST(UserUser, DiscriminatorThenTheUserInformationInHexadecimal) {
       {{0x7E, 0x05, 0x04, 0x41}, kIa5 + "\t\tUser information= 0x41\n", 7},
       {{0x7E, 0x00, 0x04}, "User-user\n", 2},
   };
-  for (const Case& c : cases) {
-    const auto decoded = testing::DecodeOctets(DecodeUserUser, c.octets);
-    EXPECT_EQ(decoded.text, c.text);
-    EXPECT_EQ(decoded.count, c.count) << c.text;
-  }
+  testing::ExpectDecodes(DecodeUserUser, cases);
 }
 
 TEST(UserUser, DumpCoversExactlyTheElement) {

@@ -14,10 +14,18 @@ constexpr unsigned HexValue(unsigned char c) { return c >= 'a' ? c - 87U : c - 4
 
 }  // namespace
 
-bool IsFrameLine(std::string_view line) {
-  return line.size() >= kMinimumFrameLine && line.find("****") != std::string_view::npos &&
-         line.find("HDLC") != std::string_view::npos;
+namespace {
+
+// The position of the first "HDLC" of a frame line, which anchors its length
+// field; npos for a line that is not a frame line.
+std::size_t FrameAnchor(std::string_view line) {
+  if (line.size() < kMinimumFrameLine || line.find("****") == std::string_view::npos) return std::string_view::npos;
+  return line.find("HDLC");
 }
+
+}  // namespace
+
+bool IsFrameLine(std::string_view line) { return FrameAnchor(line) != std::string_view::npos; }
 
 void HexFieldsToOctets(const char* cells, long octetCount, Octet* octets) {
   for (long k = 0; k < octetCount; ++k) {
@@ -37,8 +45,8 @@ struct CellRun {
   std::size_t count;
 };
 
-CellRun LocateCells(std::string_view line) {
-  std::size_t position = line.find("HDLC") + 5;  // "HDLC" and one skipped character
+CellRun LocateCells(std::string_view line, std::size_t anchor) {
+  std::size_t position = anchor + 5;  // "HDLC" and one skipped character
   std::size_t announced = 0;
   while (position < line.size() && line[position] >= '0' && line[position] <= '9') {
     if (announced <= kFrameCapacity) announced = announced * 10 + static_cast<std::size_t>(line[position] - '0');
@@ -54,20 +62,27 @@ CellRun LocateCells(std::string_view line) {
   return {cellsStart, count};
 }
 
-}  // namespace
-
-std::size_t ReadFrameOctets(std::string_view line, Octet (&frame)[kFrameCapacity]) {
-  const CellRun cells = LocateCells(line);
+std::size_t ReadCells(std::string_view line, std::size_t anchor, Octet (&frame)[kFrameCapacity]) {
+  const CellRun cells = LocateCells(line, anchor);
   HexFieldsToOctets(line.data() + cells.start, static_cast<long>(cells.count), frame);
   return cells.count;
 }
 
+}  // namespace
+
+std::size_t ReadFrameOctets(std::string_view line, Octet (&frame)[kFrameCapacity]) {
+  return ReadCells(line, line.find("HDLC"), frame);
+}
+
+// The line is searched for its markers once: the anchor found by the
+// frame-line test also locates the length field.
 void TranslateTraceLine(std::string_view line) {
   Out().Put(line);
-  if (!IsFrameLine(line)) return;
+  const std::size_t anchor = FrameAnchor(line);
+  if (anchor == std::string_view::npos) return;
   g_frameFound = true;
   Octet frame[kFrameCapacity];
-  const std::size_t count = ReadFrameOctets(line, frame);
+  const std::size_t count = ReadCells(line, anchor, frame);
   DecodeLapdFrame(OctetSpan(frame, count));
 }
 

@@ -1,15 +1,15 @@
 // velmora INPUT OUTPUT [INPUT OUTPUT ...]: the translation run on the command
 // line. Exit status follows sysexits.h.
-#include <csignal>
 #include <unistd.h>
 
 #include <chrono>
+#include <csignal>
 #include <cstdio>
 #include <cstring>
 #include <iostream>
-#include <thread>
 #include <string>
 #include <string_view>
+#include <thread>
 #include <vector>
 
 #include "core/translation.h"
@@ -18,10 +18,10 @@ namespace {
 
 constexpr int kExitOk = 0;
 constexpr int kExitNoFrame = 1;
-constexpr int kExitUsage = 64;     // EX_USAGE
-constexpr int kExitNoInput = 66;   // EX_NOINPUT
+constexpr int kExitUsage = 64;       // EX_USAGE
+constexpr int kExitNoInput = 66;     // EX_NOINPUT
 constexpr int kExitCantCreate = 73;  // EX_CANTCREAT
-constexpr int kExitIoError = 74;   // EX_IOERR
+constexpr int kExitIoError = 74;     // EX_IOERR
 
 constexpr std::string_view kUsage =
     "Usage: velmora [-q] [--jobs N] INPUT OUTPUT [INPUT OUTPUT ...]\n"
@@ -79,7 +79,8 @@ class ProgressBar {
     lastDrawn_ = now;
     const double seconds = std::chrono::duration<double>(now - start_).count();
     const double megabytesPerSecond = seconds > 0 ? static_cast<double>(bytesRead) / 1e6 / seconds : 0.0;
-    const double left = megabytesPerSecond > 0 ? static_cast<double>(inputSize - bytesRead) / 1e6 / megabytesPerSecond : 0.0;
+    const double left =
+        megabytesPerSecond > 0 ? static_cast<double>(inputSize - bytesRead) / 1e6 / megabytesPerSecond : 0.0;
     const int percent = static_cast<int>(100.0 * static_cast<double>(bytesRead) / static_cast<double>(inputSize));
     const int filled = percent * kWidth / 100;
     std::fprintf(stderr, "\r[%.*s%*s] %3d%%  %7.1f MB/s  %4.0f s left ", filled,

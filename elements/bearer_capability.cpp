@@ -64,18 +64,18 @@ constexpr OctetField kOctet5bRateAdaption[] = {
     {"Flow control on reception (Rx)", 2, 2, kFlowControlOnReception},
 };
 
-constexpr ValueText kRateAdaptionHeader[] = {
-    {0, "Rate adaption header not included"}, {1, "Rate adaption header included"}};
+constexpr ValueText kRateAdaptionHeader[] = {{0, "Rate adaption header not included"},
+                                             {1, "Rate adaption header included"}};
 constexpr ValueText kMultipleFrameEstablishment[] = {
     {0, "Multiple frame establishment not supported. Only UI frames allowed"},
     {1, "Multiple frame establishment supported"},
 };
-constexpr ValueText kV120ModeOfOperation[] = {
-    {0, "Bit transparent mode of operation"}, {1, "Protocol sensitive mode of operation"}};
-constexpr ValueText kLogicalLinkIdentifierNegotiation[] = {
-    {0, "Default, LLI = 256 only"}, {1, "Full protocol negotiation"}};
-constexpr ValueText kAssignorAssignee[] = {
-    {0, "Message originator is Default assignee"}, {1, "Message originator is Assignor only"}};
+constexpr ValueText kV120ModeOfOperation[] = {{0, "Bit transparent mode of operation"},
+                                              {1, "Protocol sensitive mode of operation"}};
+constexpr ValueText kLogicalLinkIdentifierNegotiation[] = {{0, "Default, LLI = 256 only"},
+                                                           {1, "Full protocol negotiation"}};
+constexpr ValueText kAssignorAssignee[] = {{0, "Message originator is Default assignee"},
+                                           {1, "Message originator is Assignor only"}};
 constexpr ValueText kInBandOutBandNegotiation[] = {
     {0, "Negotiation is done with USER INFORMATION messages on a temporary signalling connection"},
     {1, "Negotiation is done in-band using logical link zero"},
@@ -110,12 +110,10 @@ constexpr RangeText kModemTypeRanges[] = {
     {48, 63, "User specified"},
 };
 constexpr ValueText kModemType[] = {
-    {0b010001, "Recommendation V.21"},     {0b010010, "Recommendation V.22"},
-    {0b010011, "Recommendation V.22 bis"}, {0b010100, "Recommendation V.23"},
-    {0b010101, "Recommendation V.26"},     {0b010110, "Recommendation V.26 bis"},
-    {0b010111, "Recommendation V.26 ter"}, {0b011000, "Recommendation V.27"},
-    {0b011001, "Recommendation V.27 bis"}, {0b011010, "Recommendation V.27 ter"},
-    {0b011011, "Recommendation V.29"},     {0b011101, "Recommendation V.32"},
+    {0b010001, "Recommendation V.21"},     {0b010010, "Recommendation V.22"}, {0b010011, "Recommendation V.22 bis"},
+    {0b010100, "Recommendation V.23"},     {0b010101, "Recommendation V.26"}, {0b010110, "Recommendation V.26 bis"},
+    {0b010111, "Recommendation V.26 ter"}, {0b011000, "Recommendation V.27"}, {0b011001, "Recommendation V.27 bis"},
+    {0b011010, "Recommendation V.27 ter"}, {0b011011, "Recommendation V.29"}, {0b011101, "Recommendation V.32"},
     {0b011110, "Recommendation V.34[90]"},
 };
 

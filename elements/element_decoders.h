@@ -38,14 +38,16 @@ int DecodeCallIdentity(const ElementOctets& element);
 int DecodeCallState(const ElementOctets& element);
 int DecodeRestartIndicator(const ElementOctets& element);
 
-// Calling/called party numbers and subaddresses (0x6C, 0x6D, 0x70, 0x71), Redirecting number (0x74): elements/party_numbers.cpp
+// Calling/called party numbers and subaddresses (0x6C, 0x6D, 0x70, 0x71), Redirecting number (0x74):
+// elements/party_numbers.cpp
 int DecodeCallingPartyNumber(const ElementOctets& element);
 int DecodeCallingPartySubaddress(const ElementOctets& element);
 int DecodeCalledPartyNumber(const ElementOctets& element);
 int DecodeCalledPartySubaddress(const ElementOctets& element);
 int DecodeRedirectingNumber(const ElementOctets& element);
 
-// Single-octet elements: More data (0xA0), Sending complete (0xA1), Congestion level (0xBx), Repeat indicator (0xDx): elements/single_octet.cpp
+// Single-octet elements: More data (0xA0), Sending complete (0xA1), Congestion level (0xBx), Repeat indicator (0xDx):
+// elements/single_octet.cpp
 int DecodeMoreData(const ElementOctets& element);
 int DecodeSendingComplete(const ElementOctets& element);
 int DecodeCongestionLevel(const ElementOctets& element);

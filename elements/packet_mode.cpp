@@ -13,8 +13,8 @@ namespace velmora {
 namespace {
 
 constexpr ValueText kInformationRate[] = {
-    {0b00011, "75 bit/s"},    {0b00100, "150 bit/s"},   {0b00101, "300 bit/s"},  {0b00110, "600 bit/s"},
-    {0b00111, "1200 bit/s"},  {0b01000, "2400 bit/s"},  {0b01001, "4800 bit/s"}, {0b01010, "9600 bit/s"},
+    {0b00011, "75 bit/s"},    {0b00100, "150 bit/s"},   {0b00101, "300 bit/s"},   {0b00110, "600 bit/s"},
+    {0b00111, "1200 bit/s"},  {0b01000, "2400 bit/s"},  {0b01001, "4800 bit/s"},  {0b01010, "9600 bit/s"},
     {0b01011, "19200 bit/s"}, {0b01100, "48000 bit/s"}, {0b01101, "64000 bit/s"},
 };
 

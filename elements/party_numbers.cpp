@@ -66,10 +66,10 @@ constexpr ValueText kOddEvenIndicator[] = {
 // How one number element departs from the common octet 3 / digits shape.
 struct NumberLayout {
   std::string_view heading;
-  bool readsOctet3a;         // presentation and screening, when bit 8 of octet 3 is 0
-  bool readsOctet3b;         // reason for redirection, when bit 8 of octet 3a is 0
+  bool readsOctet3a;  // presentation and screening, when bit 8 of octet 3 is 0
+  bool readsOctet3b;  // reason for redirection, when bit 8 of octet 3a is 0
   std::string_view digitsLabel;
-  bool showsEmptyDigits;     // the label and line end even with no digit octet
+  bool showsEmptyDigits;  // the label and line end even with no digit octet
 };
 
 constexpr NumberLayout kCallingPartyNumber{"Calling party number", true, false, "Number digits (IA5)", false};

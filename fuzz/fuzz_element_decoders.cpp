@@ -32,13 +32,12 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
   const std::size_t octetCount = size - 1;
 
   const Result first = Decode(entry.decoder, octets, octetCount);
-  const std::string where = std::string(entry.name) + " on " +
-                            Printable(std::string_view(reinterpret_cast<const char*>(octets), octetCount));
+  const std::string where =
+      std::string(entry.name) + " on " + Printable(std::string_view(reinterpret_cast<const char*>(octets), octetCount));
 
   // The count the walk moves on by.
   const int expected = velmora::fuzz::ExpectedCount(entry.form, octets, octetCount);
-  Require(first.count == expected,
-          "a decoder returns 1 for a single octet, L + 2 otherwise",
+  Require(first.count == expected, "a decoder returns 1 for a single octet, L + 2 otherwise",
           where + "\nreturned " + std::to_string(first.count) + ", expected " + std::to_string(expected));
 
   // Whole lines: a heading, then field lines of two or three tabs.
@@ -59,8 +58,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
         static_cast<std::size_t>(expected) < octetCount ? static_cast<std::size_t>(expected) : octetCount;
     const Result alone = Decode(entry.decoder, octets, elementSize);
     Require(alone.text == first.text, "a decoder reads nothing behind its element's last octet",
-            where + "\nwith the rest of the frame:\n" + Printable(first.text) + "\nalone:\n" +
-                Printable(alone.text));
+            where + "\nwith the rest of the frame:\n" + Printable(first.text) + "\nalone:\n" + Printable(alone.text));
   }
   return 0;
 }

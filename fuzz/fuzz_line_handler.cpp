@@ -11,8 +11,8 @@
 #include <vector>
 
 #include "core/globals.h"
-#include "core/line_scanner.h"
 #include "core/lapd.h"
+#include "core/line_scanner.h"
 #include "fuzz/fuzz_support.h"
 
 namespace {
@@ -78,8 +78,7 @@ void CheckPiece(std::string_view piece) {
           "piece: " + Printable(line) + "\noutput: " + Printable(out));
   const std::string_view rest = std::string_view(out).substr(line.size());
   const bool frameLine = velmora::IsFrameLine(line);
-  Require(velmora::g_frameFound == frameLine, "a frame line, and only a frame line, counts as found",
-          Printable(line));
+  Require(velmora::g_frameFound == frameLine, "a frame line, and only a frame line, counts as found", Printable(line));
   if (!frameLine) {
     Require(rest.empty(), "a line that is not a frame line is only copied", Printable(out));
     return;

@@ -55,8 +55,8 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     while (at < text.size() && at < expected.size() && text[at] == expected[at]) ++at;
     velmora::fuzz::Violated("the walk shows each element where the previous one's count ends",
                             "octets: " + Printable(std::string_view(reinterpret_cast<const char*>(data), size)) +
-                                "\nfirst difference at " + std::to_string(at) + "\nprinted:  " +
-                                Printable(std::string_view(text).substr(at, 200)) +
+                                "\nfirst difference at " + std::to_string(at) +
+                                "\nprinted:  " + Printable(std::string_view(text).substr(at, 200)) +
                                 "\nexpected: " + Printable(std::string_view(expected).substr(at, 200)));
   }
   return 0;

@@ -107,9 +107,9 @@ void CheckRun(const MemoryFile& input, const MemoryFile& output, std::string_vie
     std::size_t at = 0;
     while (at < written.size() && at < expected.size() && written[at] == expected[at]) ++at;
     velmora::fuzz::Violated("the run writes exactly the pieces' copies and decodings",
-                            "first difference at " + std::to_string(at) + "\nwritten:  " +
-                                Printable(std::string_view(written).substr(at, 200)) + "\nexpected: " +
-                                Printable(std::string_view(expected).substr(at, 200)));
+                            "first difference at " + std::to_string(at) +
+                                "\nwritten:  " + Printable(std::string_view(written).substr(at, 200)) +
+                                "\nexpected: " + Printable(std::string_view(expected).substr(at, 200)));
   }
   const auto wanted =
       anyFrameLine ? velmora::TranslationOutcome::TranslationDone : velmora::TranslationOutcome::NoFrameFound;

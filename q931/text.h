@@ -99,13 +99,11 @@ void PrintSpacedHexField(std::string_view name, std::uint32_t value, Indent inde
 void PrintDecimalField(std::string_view name, std::uint32_t value, Indent indent = Indent::Field);
 
 // "<indent><name>=" then " 0x%x" for each octet, then "\n".
-void PrintOctetString(std::string_view name, std::span<const std::uint8_t> octets,
-                      Indent indent = Indent::Field);
+void PrintOctetString(std::string_view name, std::span<const std::uint8_t> octets, Indent indent = Indent::Field);
 
 // "<indent><name>=" then " 0x%x" of bits 7-1 of each octet, then "\n": IA5
 // characters shown as their codes, never as text, so a control character
 // cannot break the line. Bit 8 of each octet is spare.
-void PrintIa5String(std::string_view name, std::span<const std::uint8_t> octets,
-                    Indent indent = Indent::Field);
+void PrintIa5String(std::string_view name, std::span<const std::uint8_t> octets, Indent indent = Indent::Field);
 
 }  // namespace velmora

@@ -15,20 +15,23 @@ constexpr ElementMatch Low7(Octet identifier, ElementDecoder decoder) {
 }
 
 constexpr ElementMatch kAlerting[] = {
-    Whole(0x04, DecodeBearerCapability), Whole(0x18, DecodeChannelIdentification),
-    Whole(0x1E, DecodeProgressIndicator), Whole(0x28, DecodeDisplay),
-    Whole(0x34, DecodeSignal),           Whole(0x7D, DecodeHighLayerCompatibility),
+    Whole(0x04, DecodeBearerCapability),
+    Whole(0x18, DecodeChannelIdentification),
+    Whole(0x1E, DecodeProgressIndicator),
+    Whole(0x28, DecodeDisplay),
+    Whole(0x34, DecodeSignal),
+    Whole(0x7D, DecodeHighLayerCompatibility),
 };
 
 constexpr ElementMatch kCallProceeding[] = {
-    Whole(0x04, DecodeBearerCapability), Whole(0x18, DecodeChannelIdentification),
-    Whole(0x1E, DecodeProgressIndicator), Whole(0x28, DecodeDisplay),
+    Whole(0x04, DecodeBearerCapability),       Whole(0x18, DecodeChannelIdentification),
+    Whole(0x1E, DecodeProgressIndicator),      Whole(0x28, DecodeDisplay),
     Whole(0x7D, DecodeHighLayerCompatibility),
 };
 
 constexpr ElementMatch kProgress[] = {
-    Whole(0x04, DecodeBearerCapability), Whole(0x08, DecodeCause),
-    Whole(0x1E, DecodeProgressIndicator), Whole(0x28, DecodeDisplay),
+    Whole(0x04, DecodeBearerCapability),       Whole(0x08, DecodeCause),
+    Whole(0x1E, DecodeProgressIndicator),      Whole(0x28, DecodeDisplay),
     Whole(0x7D, DecodeHighLayerCompatibility),
 };
 
@@ -65,15 +68,21 @@ constexpr ElementMatch kSetup[] = {
 };
 
 constexpr ElementMatch kConnect[] = {
-    Whole(0x04, DecodeBearerCapability),      Whole(0x18, DecodeChannelIdentification),
-    Whole(0x1E, DecodeProgressIndicator),     Whole(0x28, DecodeDisplay),
-    Whole(0x29, DecodeDateTime),              Whole(0x34, DecodeSignal),
-    Whole(0x7C, DecodeLowLayerCompatibility), Whole(0x7D, DecodeHighLayerCompatibility),
+    Whole(0x04, DecodeBearerCapability),
+    Whole(0x18, DecodeChannelIdentification),
+    Whole(0x1E, DecodeProgressIndicator),
+    Whole(0x28, DecodeDisplay),
+    Whole(0x29, DecodeDateTime),
+    Whole(0x34, DecodeSignal),
+    Whole(0x7C, DecodeLowLayerCompatibility),
+    Whole(0x7D, DecodeHighLayerCompatibility),
 };
 
 constexpr ElementMatch kSetupAcknowledge[] = {
-    Whole(0x18, DecodeChannelIdentification), Whole(0x1E, DecodeProgressIndicator),
-    Whole(0x28, DecodeDisplay), Whole(0x34, DecodeSignal),
+    Whole(0x18, DecodeChannelIdentification),
+    Whole(0x1E, DecodeProgressIndicator),
+    Whole(0x28, DecodeDisplay),
+    Whole(0x34, DecodeSignal),
 };
 
 constexpr ElementMatch kConnectAcknowledge[] = {Whole(0x28, DecodeDisplay), Whole(0x34, DecodeSignal)};
@@ -89,28 +98,31 @@ constexpr ElementMatch kSuspendResume[] = {Whole(0x10, DecodeCallIdentity)};
 // SUSPEND ACKNOWLEDGE and STATUS ENQUIRY.
 constexpr ElementMatch kDisplayOnly[] = {Whole(0x28, DecodeDisplay)};
 
-constexpr ElementMatch kResumeAcknowledge[] = {Whole(0x18, DecodeChannelIdentification),
-                                               Whole(0x28, DecodeDisplay)};
+constexpr ElementMatch kResumeAcknowledge[] = {Whole(0x18, DecodeChannelIdentification), Whole(0x28, DecodeDisplay)};
 
 constexpr ElementMatch kDisconnect[] = {
-    Whole(0x08, DecodeCause), Whole(0x1E, DecodeProgressIndicator), Whole(0x28, DecodeDisplay),
+    Whole(0x08, DecodeCause),  Whole(0x1E, DecodeProgressIndicator), Whole(0x28, DecodeDisplay),
     Whole(0x34, DecodeSignal), Whole(0x7E, DecodeUserUser),
 };
 
 // RESTART and RESTART ACKNOWLEDGE.
 constexpr ElementMatch kRestart[] = {
-    Whole(0x18, DecodeChannelIdentification), Whole(0x28, DecodeDisplay),
+    Whole(0x18, DecodeChannelIdentification),
+    Whole(0x28, DecodeDisplay),
     Whole(0x79, DecodeRestartIndicator),
 };
 
 // RELEASE and RELEASE COMPLETE.
 constexpr ElementMatch kRelease[] = {
-    Whole(0x08, DecodeCause), Whole(0x28, DecodeDisplay), Whole(0x34, DecodeSignal),
+    Whole(0x08, DecodeCause),
+    Whole(0x28, DecodeDisplay),
+    Whole(0x34, DecodeSignal),
     Whole(0x7E, DecodeUserUser),
 };
 
 constexpr ElementMatch kNotify[] = {
-    Whole(0x04, DecodeBearerCapability), Whole(0x27, DecodeNotificationIndicator),
+    Whole(0x04, DecodeBearerCapability),
+    Whole(0x27, DecodeNotificationIndicator),
     Whole(0x28, DecodeDisplay),
 };
 
@@ -123,12 +135,14 @@ constexpr ElementMatch kCongestionControl[] = {
 };
 
 constexpr ElementMatch kInformation[] = {
-    Low7(0x08, DecodeCause),   Low7(0xA1, DecodeSendingComplete), Low7(0x28, DecodeDisplay),
-    Low7(0x2C, DecodeKeypadFacility), Low7(0x34, DecodeSignal),   Low7(0x70, DecodeCalledPartyNumber),
+    Low7(0x08, DecodeCause),          Low7(0xA1, DecodeSendingComplete), Low7(0x28, DecodeDisplay),
+    Low7(0x2C, DecodeKeypadFacility), Low7(0x34, DecodeSignal),          Low7(0x70, DecodeCalledPartyNumber),
 };
 
 constexpr ElementMatch kStatus[] = {
-    Whole(0x08, DecodeCause), Whole(0x14, DecodeCallState), Whole(0x28, DecodeDisplay),
+    Whole(0x08, DecodeCause),
+    Whole(0x14, DecodeCallState),
+    Whole(0x28, DecodeDisplay),
 };
 
 }  // namespace

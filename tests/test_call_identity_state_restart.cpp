@@ -7,7 +7,6 @@
 
 namespace velmora {
 
-
 const std::string kItuCoding = "\t\tCoding standard=00  ITU-T standardized coding\n";
 const std::string kActive = "\t\tCall state value=001010  U10-Active, N10-Active\n";
 
@@ -17,12 +16,16 @@ TEST(CallIdentityStateRestart, DecodesEachElement) {
       // Octets after octet 3 are not looked at, but counted.
       {DecodeCallState, {0x14, 0x03, 0x0A, 0x55, 0x66}, "Call state\n" + kItuCoding + kActive, 5},
       // The field name follows the state it names.
-      {DecodeCallState, {0x14, 0x01, 0xC0},
+      {DecodeCallState,
+       {0x14, 0x01, 0xC0},
        "Call state\n\t\tCoding standard=11  Standard defined for the network (either public or private) present on "
        "the network side of the interface\n"
-       "\t\tCall state value / global interface state value=000000  U0-Null, N0-Null, REST0-Null\n", 3},
-      {DecodeCallState, {0x14, 0x01, 0x3D},
-       "Call state\n" + kItuCoding + "\t\tGlobal interface state value=111101  REST1-Restart request\n", 3},
+       "\t\tCall state value / global interface state value=000000  U0-Null, N0-Null, REST0-Null\n",
+       3},
+      {DecodeCallState,
+       {0x14, 0x01, 0x3D},
+       "Call state\n" + kItuCoding + "\t\tGlobal interface state value=111101  REST1-Restart request\n",
+       3},
       // 000101 names no state: the coding standard line alone.
       {DecodeCallState, {0x14, 0x01, 0x85}, "Call state\n\t\tCoding standard=10  National standard\n", 3},
       {DecodeRestartIndicator, {0x79, 0x01, 0x83}, "Restart indicator\n", 3},

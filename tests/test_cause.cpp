@@ -38,18 +38,22 @@ TEST(Cause, DecodesOctets3To4UpToTheElementsAndTheFramesEnd) {
       {{0x08, 0x03, 0x67, 0x04, 0xAA},
        "Cause\n\t\tCoding standard=11  Standard specific to identified location\n"
        "\t\tLocation=0111  international network (INTL)\n\t\tRecommendation=0000100  X.25\n"
-       "\t\tCause Class=010  resource unavailable\n\t\tCause Value=1010  Switching equipment congestion\n", 5},
+       "\t\tCause Class=010  resource unavailable\n\t\tCause Value=1010  Switching equipment congestion\n",
+       5},
       {{0x08, 0x02, 0xCA, 0xFF},
        "Cause\n\t\tCoding standard=10  National standard\n\t\tLocation=1010  network beyond interworking point (BI)\n"
-       "\t\tCause Class=111  interworking\n\t\tCause Value=1111  Interworking, unspecified\n", 4},
+       "\t\tCause Class=111  interworking\n\t\tCause Value=1111  Interworking, unspecified\n",
+       4},
       // Location 1011 has no line; 1101 is national, in hexadecimal. An unlisted recommendation prints
       // nothing; octet 3a's own extension bit is not looked at, octet 4 follows it all the same.
       {{0x08, 0x02, 0xAB, 0xB1},
        "Cause\n\t\tCoding standard=01  ISO/IEC Standard\n\t\tCause Class=011  service or option not available\n"
-       "\t\tCause Value=0001  Quality of service not available\n", 4},
+       "\t\tCause Value=0001  Quality of service not available\n",
+       4},
       {{0x08, 0x03, 0x0D, 0x7F, 0xC5},
        kItu + "\t\tLocation= 0xd  reserved for national use\n\t\tCause Class=100  service or option not implemented\n"
-              "\t\tCause Value=0101  Requested facility not implemented\n", 5},
+              "\t\tCause Value=0101  Requested facility not implemented\n",
+       5},
       // Class 111 below 1111: only the class line, diagnostic octets ignored.
       {{0x08, 0x03, 0x80, 0xF0, 0x8A}, kItuUser + "\t\tCause Class=111  interworking\n", 5},
       {{0x08, 0x03, 0x80, 0x98, 0x8A}, kItuUser + kNormal, 5},  // class 001 has no value 1000
@@ -58,7 +62,7 @@ TEST(Cause, DecodesOctets3To4UpToTheElementsAndTheFramesEnd) {
       // Bit 8 of octet 4 is not part of the class.
       {{0x08, 0x02, 0x80, 0x6F}, User("110  protocol error", "1111  Protocol error, unspecified"), 4},
       {{0x08, 0x00}, "Cause\n", 2},
-      {{0x08, 0x01, 0x80, 0x90}, kItuUser, 3},  // L = 1: octet 4 is the next element's, not decoded
+      {{0x08, 0x01, 0x80, 0x90}, kItuUser, 3},                // L = 1: octet 4 is the next element's, not decoded
       {{0x08, 0x02, 0x00, 0x80, 0x91}, kItuUser + kQ931, 4},  // L = 2 with octet 3a: no octet 4
       // An octet behind the element is never taken for a diagnostic.
       {{0x08, 0x02, 0x80, 0x90, 0x8A}, kClearing, 4},
@@ -69,17 +73,21 @@ TEST(Cause, DecodesOctets3To4UpToTheElementsAndTheFramesEnd) {
       // Diagnostics up to the element's end, and no further.
       {{0x08, 0x05, 0x80, 0xE1, 0x05, 0x99, 0x4D},
        User("110  protocol error", "0001  Message type non-existent or not implemented") + kDiagnostics +
-           "Message type\n\t\t\tMessage type=00000101  SETUP\n\t\t\tMessage type=01001101  RELEASE\n", 7},
+           "Message type\n\t\t\tMessage type=00000101  SETUP\n\t\t\tMessage type=01001101  RELEASE\n",
+       7},
       {{0x08, 0x05, 0x80, 0xB9, 0x31, 0x08, 0x80},
-       kNotAuthorized + "\t\t\tInformation transfer capability=00000  Speech\n", 7},
+       kNotAuthorized + "\t\t\tInformation transfer capability=00000  Speech\n",
+       7},
       {{0x08, 0x04, 0x80, 0xB9, 0x31, 0x08, 0x80}, kNotAuthorized, 6},
       {{0x08, 0x04, 0x80, 0xD8, 0x01, 0x02, 0x08, 0x02},
        User("101  invalid message", "1000  Incompatible destination") + kDiagnostics +
-           "Incompatible parameter\n\t\t\tDiagnostic field= 0x1 0x2\n", 6},
+           "Incompatible parameter\n\t\t\tDiagnostic field= 0x1 0x2\n",
+       6},
       // The frame ends inside the diagnostics: what it holds is shown.
       {{0x08, 0x06, 0x80, 0xE7, 0x01, 0x02},
        User("110  protocol error", "0111  Parameter non-existent or not implemented, passed on") + kDiagnostics +
-           "parameter name\n\t\t\tDiagnostic field= 0x1 0x2\n", 8},
+           "parameter name\n\t\t\tDiagnostic field= 0x1 0x2\n",
+       8},
   };
   testing::ExpectDecodes(DecodeCause, cases);
 }
@@ -93,8 +101,8 @@ TEST(Cause, ReleaseCompleteWalksPastEachCause) {
             "Message type:RELEASE COMPLETE\n\tInformation element:" + kClearing +
                 "\t\tDiagnostics: Coding of condition\n\t\t\tBit 4=1  Network service - User\n"
                 "\t\t\tBit 3=0  Normal\n\t\t\tBits 2-1=10  Transient\n"
-                "\tInformation element:" + kBusy +
-                "\t\tDiagnostics: Coding of CCBS indicator\n\t\t\tBits 8-1=00000010  CCBS not possible\n");
+                "\tInformation element:" +
+                kBusy + "\t\tDiagnostics: Coding of CCBS indicator\n\t\t\tBits 8-1=00000010  CCBS not possible\n");
 }
 
 }  // namespace

@@ -25,8 +25,8 @@ TEST_F(Cli, ReaderThatGoesAwayIsAWriteFailureNotASilentDeath) {
   std::string big;
   while (big.size() < 4 * 1024 * 1024) big += FrameLine("01");
   Write("big.txt", big);
-  const std::string command = std::string("set -o pipefail; ") + VELMORA_CLI_PATH + " " + Path("big.txt") +
-                              " - 2>" + Path("stderr") + " | head -c 10 >/dev/null";
+  const std::string command = std::string("set -o pipefail; ") + VELMORA_CLI_PATH + " " + Path("big.txt") + " - 2>" +
+                              Path("stderr") + " | head -c 10 >/dev/null";
   const int raw = std::system(("bash -c '" + command + "'").c_str());
   EXPECT_TRUE(WIFEXITED(raw));
   EXPECT_EQ(WEXITSTATUS(raw), 74);
@@ -36,8 +36,9 @@ TEST_F(Cli, ReaderThatGoesAwayIsAWriteFailureNotASilentDeath) {
 // In a pipeline the decoded text of a line comes out while the writer of
 // the input still holds the pipe open: nothing waits for the end of input.
 TEST_F(Cli, FilterAnswersEachLineBeforeTheInputEnds) {
-  FILE* input = ::popen(("bash -c 'set -o pipefail; " + std::string(VELMORA_CLI_PATH) + " -q - - | cat >" +
-                         Path("stdout") + "'").c_str(), "w");
+  FILE* input = ::popen(
+      ("bash -c 'set -o pipefail; " + std::string(VELMORA_CLI_PATH) + " -q - - | cat >" + Path("stdout") + "'").c_str(),
+      "w");
   ASSERT_NE(input, nullptr);
   const std::string wanted = FrameLine("7f") + kSabme;
   std::fputs(FrameLine("7f").c_str(), input);

@@ -37,15 +37,18 @@ std::string FrameLine(const char* control = "7f") {
   return line + std::string(89 - line.size(), ' ') + "\n";
 }
 
-struct Finished { int status = -1; std::string out, err; };  // status -1: ended by a signal
+struct Finished {
+  int status = -1;
+  std::string out, err;
+};  // status -1: ended by a signal
 
 class ErrorPaths : public velmora::testing::ScratchDirectoryTest {
  protected:
   // Runs velmora in the test's directory behind `wrapper` (such as setpriv);
   // `args` is shell text whose own redirections win over the default ones.
   Finished Velmora(const std::string& args, const std::string& wrapper = "") const {
-    const std::string command = "cd " + dir_.string() + " && " + wrapper + " " + VELMORA_CLI_PATH +
-                                " </dev/null >stdout 2>stderr " + args;
+    const std::string command =
+        "cd " + dir_.string() + " && " + wrapper + " " + VELMORA_CLI_PATH + " </dev/null >stdout 2>stderr " + args;
     const int raw = std::system(command.c_str());
     return {WIFEXITED(raw) ? WEXITSTATUS(raw) : -1, Read("stdout"), Read("stderr")};
   }
@@ -54,7 +57,11 @@ class ErrorPaths : public velmora::testing::ScratchDirectoryTest {
 TEST_F(ErrorPaths, UsageAndOutcomes) {
   Write("frames.txt", FrameLine());
   Write("ua.txt", FrameLine("73"));
-  struct Case { std::string args; int status; const char* err; };  // err nullptr: not checked
+  struct Case {
+    std::string args;
+    int status;
+    const char* err;
+  };  // err nullptr: not checked
   const Case cases[] = {
       {"--help", 0, nullptr},
       {"--version", 0, nullptr},
@@ -65,14 +72,17 @@ TEST_F(ErrorPaths, UsageAndOutcomes) {
       {"-q frames.txt out.txt", 0, ""},
       {"frames.txt out.txt", 0, "Translation is done!\n"},
       // Several pairs: the second sees the SABME of the first.
-      {"frames.txt o1.txt ua.txt o2.txt", 0, "frames.txt: Translation is done!\n"
-                                             "ua.txt: Translation is done!\n"},
+      {"frames.txt o1.txt ua.txt o2.txt", 0,
+       "frames.txt: Translation is done!\n"
+       "ua.txt: Translation is done!\n"},
   };
   for (const Case& c : cases) {
     SCOPED_TRACE(c.args);
     const Finished run = Velmora(c.args);
     EXPECT_EQ(run.status, c.status);
-    if (c.err) { EXPECT_EQ(run.err, c.err); }
+    if (c.err) {
+      EXPECT_EQ(run.err, c.err);
+    }
   }
   EXPECT_EQ(Read("out.txt"), FrameLine() + kSabme);
   EXPECT_EQ(Read("o2.txt"), FrameLine("73") + kUaEstablished);
@@ -92,11 +102,15 @@ TEST_F(ErrorPaths, OpenFailures) {
   ASSERT_LT(Path("socket").size(), sizeof address.sun_path);
   std::strncpy(address.sun_path, Path("socket").c_str(), sizeof address.sun_path - 1);
   ASSERT_EQ(::bind(socketFd, reinterpret_cast<sockaddr*>(&address), sizeof address), 0) << std::strerror(errno);
-  struct Case { std::string args; int status; std::string err; };
+  struct Case {
+    std::string args;
+    int status;
+    std::string err;
+  };
   const Case cases[] = {
       {"missing.txt out.txt", 66, kCannotOpenInput},
-      {"folder out.txt", 66, kCannotOpenInput},  // a directory opens but is no log
-      {"frames.txt/inner out.txt", 66, kCannotOpenInput},  // ENOTDIR, for root too
+      {"folder out.txt", 66, kCannotOpenInput},                    // a directory opens but is no log
+      {"frames.txt/inner out.txt", 66, kCannotOpenInput},          // ENOTDIR, for root too
       {std::string(300, 'n') + " out.txt", 66, kCannotOpenInput},  // ENAMETOOLONG
       {"socket out.txt", 66, kCannotOpenInput},
       {"- out.txt <folder", 66, kCannotOpenInput},  // a directory on standard input
@@ -158,7 +172,8 @@ TEST_F(ErrorPaths, ReadAndWriteFailuresNeverClaimSuccess) {
     const Finished run = Velmora(quiet + "/proc/self/mem out.txt");
     EXPECT_EQ(run.status, 74);
     EXPECT_NE(run.err.find("reading /proc/self/mem failed part-way: " + std::string(std::strerror(EIO))),
-              std::string::npos) << run.err;
+              std::string::npos)
+        << run.err;
     EXPECT_EQ(run.err.find(kDoneText), std::string::npos);
     EXPECT_EQ(run.err.find(kNothingUseful), std::string::npos) << "a read failure is not an empty log";
   }
@@ -183,7 +198,10 @@ TEST_F(ErrorPaths, FullDeviceIsAnIoErrorWhateverTheSizeOrStream) {
   while (many.size() < 6 * 1024 * 1024) many += FrameLine();
   Write("one.txt", FrameLine());
   Write("many.txt", many);
-  struct Case { std::string args; std::string err; };
+  struct Case {
+    std::string args;
+    std::string err;
+  };
   const Case cases[] = {
       {"-q --jobs 1 one.txt /dev/full", "velmora: writing /dev/full" + incomplete},
       {"-q --jobs 1 many.txt /dev/full", "velmora: writing /dev/full" + incomplete},
@@ -223,9 +241,13 @@ TEST_F(ErrorPaths, EmptyCutOffAndOddInputByFileAndThroughStandardInput) {
   for (int value = 0; value < 4 * 256; ++value) binary += static_cast<char>(value % 256);
   binary += std::string(5000, '\x80') + std::string(3, '\0');
   // A length field of 20 digits reads the three cells the line holds.
-  const std::string absurd =
-      "00001 2026-03-14 10:00:00.000 **** D-CH TX HDLC:99999999999999999999  | 0x00 0x81 0x7f\n";
-  struct Case { std::string name; std::string input; int status; std::string output; };
+  const std::string absurd = "00001 2026-03-14 10:00:00.000 **** D-CH TX HDLC:99999999999999999999  | 0x00 0x81 0x7f\n";
+  struct Case {
+    std::string name;
+    std::string input;
+    int status;
+    std::string output;
+  };
   const Case cases[] = {
       {"cut", cut, 0, cut + setup},
       {"plain", "first\nsecond % line\nthird without end", 1, "first\nsecond % line\nthird without end"},
@@ -263,7 +285,9 @@ TEST_F(ErrorPaths, GigabyteLineThroughAPipeInConstantMemory) {
   const std::uint64_t periods = kTotal / kPiece * period.size();
   FILE* source = ::popen(("yes '" + unit + "' | tr -d '\\n' | head -c " + std::to_string(kTotal)).c_str(), "r");
   FILE* check = ::popen(("bash -c \"cmp - <({ yes '" + period.substr(0, period.size() - 1) + "' | head -c " +
-                         std::to_string(periods) + "; printf %s '" + tail + "'; })\"").c_str(), "w");
+                         std::to_string(periods) + "; printf %s '" + tail + "'; })\"")
+                            .c_str(),
+                        "w");
   ASSERT_TRUE(source && check);
   const pid_t pid = ::fork();
   if (pid == 0) {

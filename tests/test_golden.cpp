@@ -54,19 +54,20 @@ TEST_P(Golden, OutputMatchesTheHandWrittenExpectation) {
     const auto [a, w] = std::mismatch(actual.begin(), actual.end(), wanted.begin(), wanted.end());
     const std::size_t at = static_cast<std::size_t>(a - actual.begin());
     const std::size_t lineStart = actual.rfind('\n', at == 0 ? 0 : at - 1);
-    ADD_FAILURE() << stem << ": first difference at byte " << at << "\n  actual:   "
-                  << actual.substr(lineStart + 1, 160) << "\n  expected: " << wanted.substr(lineStart + 1, 160);
+    ADD_FAILURE() << stem << ": first difference at byte " << at
+                  << "\n  actual:   " << actual.substr(lineStart + 1, 160)
+                  << "\n  expected: " << wanted.substr(lineStart + 1, 160);
   }
   fs::remove(output);
 }
 
-INSTANTIATE_TEST_SUITE_P(Traces, Golden, ::testing::ValuesIn(GoldenInputs()),
-                         [](const auto& info) {
-                           std::string name = info.param.filename().string();
-                           name.resize(name.size() - 7);
-                           std::replace_if(name.begin(), name.end(), [](char c) { return !std::isalnum(static_cast<unsigned char>(c)); }, '_');
-                           return name;
-                         });
+INSTANTIATE_TEST_SUITE_P(Traces, Golden, ::testing::ValuesIn(GoldenInputs()), [](const auto& info) {
+  std::string name = info.param.filename().string();
+  name.resize(name.size() - 7);
+  std::replace_if(
+      name.begin(), name.end(), [](char c) { return !std::isalnum(static_cast<unsigned char>(c)); }, '_');
+  return name;
+});
 
 }  // namespace
 }  // namespace velmora

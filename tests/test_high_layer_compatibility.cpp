@@ -14,15 +14,18 @@ using testing::DecodeOctets;
 
 const std::string kHeading = "High layer compatibility\n";
 const std::string kCoding = "\t\tCoding standard=00  ITU-T standardized coding\n";
-const std::string kInterpretation = "\t\tInterpretation=100  First (primary or only) high layer characteristics "
-                                    "identification to be used in the call\n";
-const std::string kPresentation = "\t\tPresentation method of protocol profile=01  High layer protocol profile "
-                                  "(without specification of attributes)\n";
+const std::string kInterpretation =
+    "\t\tInterpretation=100  First (primary or only) high layer characteristics "
+    "identification to be used in the call\n";
+const std::string kPresentation =
+    "\t\tPresentation method of protocol profile=01  High layer protocol profile "
+    "(without specification of attributes)\n";
 const std::string kOctet3 = kHeading + kCoding + kInterpretation + kPresentation;  // octet 3 = 0x91
 const std::string kMaintenance = "\t\tHigh layer characteristics identification=1011110  Reserved for maintenance\n";
 const std::string kTelephony = "\t\tHigh layer characteristics identification=0000001  Telephony\n";
-const std::string kVideotelephony = "\t\tHigh layer characteristics identification=1100000  Videotelephony "
-                                    "(Recommendations F.720 [91] and F.721 [79]) and F.731 profile 1a)\n";
+const std::string kVideotelephony =
+    "\t\tHigh layer characteristics identification=1100000  Videotelephony "
+    "(Recommendations F.720 [91] and F.721 [79]) and F.731 profile 1a)\n";
 
 TEST(HighLayerCompatibility, DecodesOctets3To4aUpToTheElementsAndTheFramesEnd) {
   const testing::ElementCase cases[] = {
@@ -30,17 +33,23 @@ TEST(HighLayerCompatibility, DecodesOctets3To4aUpToTheElementsAndTheFramesEnd) {
       {{0x7D, 0x02, 0x91, 0x81}, kOctet3 + kTelephony, 4},
       // Octet 3 fields without rows print nothing.
       {{0x7D, 0x02, 0x92, 0x81}, kHeading + kCoding + kInterpretation + kTelephony, 4},
-      {{0x7D, 0x02, 0x81, 0x84}, kHeading + kCoding + kPresentation + "\t\tHigh layer characteristics "
-                                 "identification=0000100  Facsimile Group 2/3 (Recommendation F.182 [68])\n", 4},
+      {{0x7D, 0x02, 0x81, 0x84},
+       kHeading + kCoding + kPresentation +
+           "\t\tHigh layer characteristics "
+           "identification=0000100  Facsimile Group 2/3 (Recommendation F.182 [68])\n",
+       4},
       {{0x7D, 0x03, 0x91, 0x5E, 0x81},
-       kOctet3 + kMaintenance + "\t\tExtended high layer characteristics identification=0000001  Telephony\n", 5},
+       kOctet3 + kMaintenance + "\t\tExtended high layer characteristics identification=0000001  Telephony\n",
+       5},
       {{0x7D, 0x03, 0x91, 0x5F, 0xDE},
        kOctet3 + "\t\tHigh layer characteristics identification=1011111  Reserved for management\n"
-                 "\t\tExtended high layer characteristics identification=1011110  Not available for assignment\n", 5},
+                 "\t\tExtended high layer characteristics identification=1011110  Not available for assignment\n",
+       5},
       {{0x7D, 0x03, 0x91, 0x63, 0x81},
        kOctet3 + "\t\tHigh layer characteristics identification=0x63  Reserved for audiovisual services "
                  "(F.700-series Recommendations [80])\n\t\tExtended audiovisual characteristics "
-                 "identification=0000001  Capability set of initial channel of H.221\n", 5},
+                 "identification=0000001  Capability set of initial channel of H.221\n",
+       5},
       // The reserved-code line belongs to octet 4 only.
       {{0x7D, 0x03, 0x91, 0x5E, 0xE3}, kOctet3 + kMaintenance, 5},
       // Videotelephony gives octet 4a no meaning: it is not shown.

@@ -47,7 +47,8 @@ TEST_F(LinkMemory, OtherFramesLeaveTheMemoryAlone) {
 }
 
 TEST(Lapd, PollFinalBitDoesNotChangeTheUnnumberedKind) {
-  const std::pair<Octet, Octet> pairs[] = {{0x03, 0x13}, {0x0F, 0x1F}, {0x87, 0x97}, {0xAF, 0xBF}, {0x6F, 0x7F}, {0x43, 0x53}};
+  const std::pair<Octet, Octet> pairs[] = {{0x03, 0x13}, {0x0F, 0x1F}, {0x87, 0x97},
+                                           {0xAF, 0xBF}, {0x6F, 0x7F}, {0x43, 0x53}};
   for (const auto& [withoutP, withP] : pairs) EXPECT_EQ(Control(withoutP), Control(withP)) << int(withoutP);
 }
 
@@ -67,7 +68,8 @@ TEST(Lapd, UiFrameIsNeverHandedToLayerThree) {
 TEST(Lapd, InformationFrameHandsOnlyQ931ToLayerThree) {
   const std::string head =
       "ISDN Layer 2: Information transfer\nISDN Layer 3: Q.931 protocol message\nMessage type:DISCONNECT\n";
-  EXPECT_EQ(Frame({0x00, 0x01, 0x00, 0x02, 0x08, 0x01, 0x81, 0x45, 0x08, 0x02, 0x80, 0x90}).substr(0, head.size()), head);
+  EXPECT_EQ(Frame({0x00, 0x01, 0x00, 0x02, 0x08, 0x01, 0x81, 0x45, 0x08, 0x02, 0x80, 0x90}).substr(0, head.size()),
+            head);
   EXPECT_EQ(Frame({0x00, 0x01, 0x00, 0x02, 0x09, 0x01, 0x81, 0x45}),
             "ISDN Layer 2: Information transfer\nISDN Layer 3: Unknown protocol message\n");
 }

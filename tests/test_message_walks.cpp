@@ -41,8 +41,8 @@ TEST(Dispatch, CallReferenceLengthLocatesTheMessageType) {
 
 TEST(Dispatch, SetupWalkVisitsElementsByTheirCounts) {
   // Sending complete, bearer capability (5 octets), called party number (6).
-  const std::vector<Octet> setup{0x08, 0x01, 0x05, 0x05, 0xA1, 0x04, 0x03, 0x80, 0x90,
-                                 0xA2, 0x70, 0x04, 0x81, 0x31, 0x32, 0x33};
+  const std::vector<Octet> setup{0x08, 0x01, 0x05, 0x05, 0xA1, 0x04, 0x03, 0x80,
+                                 0x90, 0xA2, 0x70, 0x04, 0x81, 0x31, 0x32, 0x33};
   const std::string text = CaptureOutput([&] { DecodeQ931Message(setup); });
   EXPECT_EQ(text.rfind("Message type:SETUP\n\tInformation element:Sending complete\n", 0), 0U);
   std::size_t prefixes = 0;
@@ -65,7 +65,8 @@ TEST(WalkRules, WholeOctetSendsSingleOctetsAndStrangersToTheDump) {
 }
 
 TEST(WalkRules, SetupTakesRepeatIndicatorAndSendingCompleteOnly) {
-  for (int octet = 0xD0; octet <= 0xDF; ++octet) EXPECT_EQ(Chosen(0x05, static_cast<Octet>(octet)), &DecodeRepeatIndicator);
+  for (int octet = 0xD0; octet <= 0xDF; ++octet)
+    EXPECT_EQ(Chosen(0x05, static_cast<Octet>(octet)), &DecodeRepeatIndicator);
   EXPECT_EQ(Chosen(0x05, 0xA1), &DecodeSendingComplete);
   EXPECT_EQ(Chosen(0x05, 0xA0), &DecodeUnknownElement);
   EXPECT_EQ(Chosen(0x05, 0x21), &DecodeUnknownElement);

@@ -6,7 +6,6 @@
 
 namespace velmora {
 
-
 const std::string kTransit = "Transit network selection\n";
 const std::string kFacilities = "Network-specific facilities\n";
 const std::string kNational = "\t\tType of network identification=010  National network identification\n";
@@ -16,36 +15,52 @@ const std::string kUnknownPlan = "\t\tNetwork identification plan=0000  Unknown\
 
 TEST(NetworkFacilitiesTransitNetwork, DecodesEachElement) {
   const testing::DecoderCase cases[] = {
-      {DecodeTransitNetworkSelection, {0x78, 0x05, 0x21, 0x31, 0x32, 0x33, 0x34},
-       kTransit + kNational + kCarrierCode + "\t\tNetwork identification(IA5)= 0x31 0x32 0x33 0x34\n", 7},
+      {DecodeTransitNetworkSelection,
+       {0x78, 0x05, 0x21, 0x31, 0x32, 0x33, 0x34},
+       kTransit + kNational + kCarrierCode + "\t\tNetwork identification(IA5)= 0x31 0x32 0x33 0x34\n",
+       7},
       // The data network plan carries its X.121 reference here; bit 8 of a character is dropped.
-      {DecodeTransitNetworkSelection, {0x78, 0x02, 0xA3, 0xB1},
+      {DecodeTransitNetworkSelection,
+       {0x78, 0x02, 0xA3, 0xB1},
        kTransit + kNational +
            "\t\tNetwork identification plan=0011  Data network identification code (Recommendation X.121 [21])\n"
-           "\t\tNetwork identification(IA5)= 0x31\n", 4},
+           "\t\tNetwork identification(IA5)= 0x31\n",
+       4},
       // No characters: the dump line is empty. Unnamed type 001 prints no line.
-      {DecodeTransitNetworkSelection, {0x78, 0x01, 0x10, 0x31},
-       kTransit + kUnknownPlan + "\t\tNetwork identification(IA5)=\n", 3},
+      {DecodeTransitNetworkSelection,
+       {0x78, 0x01, 0x10, 0x31},
+       kTransit + kUnknownPlan + "\t\tNetwork identification(IA5)=\n",
+       3},
       {DecodeTransitNetworkSelection, {0x78, 0x00, 0x21}, kTransit, 2},
-      {DecodeTransitNetworkSelection, {0x78, 0x05, 0x30, 0x31},
+      {DecodeTransitNetworkSelection,
+       {0x78, 0x05, 0x30, 0x31},
        kTransit + "\t\tType of network identification=011  International network identification\n" + kUnknownPlan +
-           "\t\tNetwork identification(IA5)= 0x31\n", 7},
-      {DecodeNetworkSpecificFacilities, {0x20, 0x06, 0x04, 0x21, 0x31, 0x32, 0x33, 0x0B},
-       kFacilities + kNational + kCarrierCode +
-           "\t\tNetwork identification(IA5)= 0x31 0x32 0x33\n" + kFacility0B, 8},
+           "\t\tNetwork identification(IA5)= 0x31\n",
+       7},
+      {DecodeNetworkSpecificFacilities,
+       {0x20, 0x06, 0x04, 0x21, 0x31, 0x32, 0x33, 0x0B},
+       kFacilities + kNational + kCarrierCode + "\t\tNetwork identification(IA5)= 0x31 0x32 0x33\n" + kFacility0B,
+       8},
       // N = 1: octet 3.1 alone, no characters; the plan has no X.121 reference here.
-      {DecodeNetworkSpecificFacilities, {0x20, 0x03, 0x01, 0x23, 0x8B},
-       kFacilities + kNational + "\t\tNetwork identification plan=0011  Data network identification code\n"
-           "\t\tNetwork identification(IA5)=\n\t\tNetwork-specific facilities= 0x8b\n", 5},
+      {DecodeNetworkSpecificFacilities,
+       {0x20, 0x03, 0x01, 0x23, 0x8B},
+       kFacilities + kNational +
+           "\t\tNetwork identification plan=0011  Data network identification code\n"
+           "\t\tNetwork identification(IA5)=\n\t\tNetwork-specific facilities= 0x8b\n",
+       5},
       // No identification when octet 3 is zero or above 0x7F.
       {DecodeNetworkSpecificFacilities, {0x20, 0x02, 0x00, 0x0B}, kFacilities + kFacility0B, 4},
       {DecodeNetworkSpecificFacilities, {0x20, 0x02, 0x80, 0x0B}, kFacilities + kFacility0B, 4},
       // N announces three characters, the element holds one: the octet behind it is neither.
-      {DecodeNetworkSpecificFacilities, {0x20, 0x03, 0x04, 0x21, 0x31, 0x0B},
-       kFacilities + kNational + kCarrierCode + "\t\tNetwork identification(IA5)= 0x31\n", 5},
+      {DecodeNetworkSpecificFacilities,
+       {0x20, 0x03, 0x04, 0x21, 0x31, 0x0B},
+       kFacilities + kNational + kCarrierCode + "\t\tNetwork identification(IA5)= 0x31\n",
+       5},
       {DecodeNetworkSpecificFacilities, {0x20, 0x01, 0x00, 0x0B}, kFacilities, 3},
-      {DecodeNetworkSpecificFacilities, {0x20, 0x06, 0x04, 0x21, 0x31},
-       kFacilities + kNational + kCarrierCode + "\t\tNetwork identification(IA5)= 0x31\n", 8},
+      {DecodeNetworkSpecificFacilities,
+       {0x20, 0x06, 0x04, 0x21, 0x31},
+       kFacilities + kNational + kCarrierCode + "\t\tNetwork identification(IA5)= 0x31\n",
+       8},
   };
   testing::ExpectDecodes(cases);
 }

@@ -102,8 +102,8 @@ TEST(ParallelRun, OutputAndLinkMemoryMatchTheSingleThreadedRun) {
           std::size_t at = 0;
           while (at < actual.size() && at < expected.size() && actual[at] == expected[at]) ++at;
           ADD_FAILURE() << "seed " << seed << " jobs " << jobs << " start " << startState
-                        << ": outputs differ from byte " << at << " (sizes " << actual.size() << ", "
-                        << expected.size() << ")";
+                        << ": outputs differ from byte " << at << " (sizes " << actual.size() << ", " << expected.size()
+                        << ")";
         }
       }
     }

@@ -7,24 +7,31 @@
 
 namespace velmora {
 
-
 const std::string kProgress = "Progress indicator\n\t\tCoding standard=00  ITU-T standardized coding\n";
 const std::string kInBand =
     "\t\tProgress description=0001000  In-band information or an appropriate pattern is now available\n";
 
 TEST(ProgressNotificationSignal, DecodesEachElement) {
   const testing::DecoderCase cases[] = {
-      {DecodeProgressIndicator, {0x1E, 0x02, 0x81, 0x88},
-       kProgress + "\t\tLocation=0001  Private network serving the local user\n" + kInBand, 4},
+      {DecodeProgressIndicator,
+       {0x1E, 0x02, 0x81, 0x88},
+       kProgress + "\t\tLocation=0001  Private network serving the local user\n" + kInBand,
+       4},
       // Location 0111 has no row.
-      {DecodeProgressIndicator, {0x1E, 0x02, 0x87, 0x82},
-       kProgress + "\t\tProgress description=0000010  Destination address is non-ISDN\n", 4},
+      {DecodeProgressIndicator,
+       {0x1E, 0x02, 0x87, 0x82},
+       kProgress + "\t\tProgress description=0000010  Destination address is non-ISDN\n",
+       4},
       // L = 1: the octet behind the element is not its progress description.
-      {DecodeProgressIndicator, {0x1E, 0x01, 0x8A, 0x88},
-       kProgress + "\t\tLocation=1010  Network beyond the interworking point\n", 3},
+      {DecodeProgressIndicator,
+       {0x1E, 0x01, 0x8A, 0x88},
+       kProgress + "\t\tLocation=1010  Network beyond the interworking point\n",
+       3},
       {DecodeProgressIndicator, {0x1E, 0x02, 0x80}, kProgress + "\t\tLocation=0000  User\n", 4},
-      {DecodeNotificationIndicator, {0x27, 0x01, 0x80},
-       "Notification indicator\n\t\tNotification description=0000000  User suspended\n", 3},
+      {DecodeNotificationIndicator,
+       {0x27, 0x01, 0x80},
+       "Notification indicator\n\t\tNotification description=0000000  User suspended\n",
+       3},
       {DecodeNotificationIndicator, {0x27, 0x01, 0x83}, "Notification indicator\n", 3},
       // The signal value is the whole octet: 0xBF is not Tones off.
       {DecodeSignal, {0x34, 0x01, 0x3F}, "Signal\n\t\tSignal value=00111111  Tones off\n", 3},
@@ -48,8 +55,8 @@ TEST(ProgressNotificationSignal, AlertingWithRingbackFromTheNetwork) {
             "\t\tD-channel indicator=0  The channel identified is not the D-channel\n"
             "\t\tInformation channel selection=01  B1 channel\n\tInformation element:Progress indicator\n"
             "\t\tCoding standard=00  ITU-T standardized coding\n"
-            "\t\tLocation=0010  Public network serving the local user\n" + kInBand +
-            "\tInformation element:Signal\n\t\tSignal value=00000001  Ring back tone on\n");
+            "\t\tLocation=0010  Public network serving the local user\n" +
+                kInBand + "\tInformation element:Signal\n\t\tSignal value=00000001  Ring back tone on\n");
 }
 
 }  // namespace velmora

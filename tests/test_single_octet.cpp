@@ -7,11 +7,16 @@
 
 namespace velmora {
 
-struct Case { ElementDecoder decoder; std::vector<Octet> octets; std::string text; };
+struct Case {
+  ElementDecoder decoder;
+  std::vector<Octet> octets;
+  std::string text;
+};
 
 TEST(SingleOctet, OnlyNamedValuesGetAFieldLineAndTheCountIsOne) {
   const Case cases[] = {
-      {DecodeRepeatIndicator, {0xD2, 0x04, 0x01},
+      {DecodeRepeatIndicator,
+       {0xD2, 0x04, 0x01},
        "Repeat indicator\n\t\tRepeat indication=0010  Prioritized list for selecting one possibility\n"},
       {DecodeRepeatIndicator, {0xD1}, "Repeat indicator\n"},
       {DecodeCongestionLevel, {0xBF}, "Congestion level\n\t\tCongestion level=1111  Receiver not ready\n"},

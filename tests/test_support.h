@@ -56,8 +56,8 @@ struct DecoderCase {
   int count;
 };
 
-inline void ExpectDecodes(ElementDecoder decoder, const std::vector<Octet>& octets, const std::string& text,
-                          int count, std::size_t row) {
+inline void ExpectDecodes(ElementDecoder decoder, const std::vector<Octet>& octets, const std::string& text, int count,
+                          std::size_t row) {
   SCOPED_TRACE("table row " + std::to_string(row));
   const Decoded decoded = DecodeOctets(decoder, octets);
   EXPECT_EQ(decoded.text, text);

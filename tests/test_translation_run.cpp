@@ -24,7 +24,12 @@ std::string ControlFrameLine(const char* control) {
 }
 
 TEST(Outcomes, CarryTheExactTextsCaptionsAndIcons) {
-  struct Case { TranslationOutcome outcome; std::string text; std::string caption; int icon; };
+  struct Case {
+    TranslationOutcome outcome;
+    std::string text;
+    std::string caption;
+    int icon;
+  };
   const Case cases[] = {
       {TranslationOutcome::InputNotSelected, "Please select input log file!", "Error", 16},
       {TranslationOutcome::OutputNotSelected, "Please select output message file!", "Error", 16},
@@ -65,7 +70,8 @@ TEST_F(TranslationRun, LongLinesArriveInPiecesOf2047Characters) {
   Write("in.txt", longLine + "\n");
   g_linkSetupPending = 0;
   EXPECT_EQ(TranslateTraceFile(Path("in.txt"), Path("out.txt")), TranslationOutcome::TranslationDone);
-  const std::string decoded = "ISDN Layer 2: SABME(set asynchronous balanced mode extended), Request to establish link\n";
+  const std::string decoded =
+      "ISDN Layer 2: SABME(set asynchronous balanced mode extended), Request to establish link\n";
   EXPECT_EQ(Read("out.txt"), longLine + "\n" + decoded);
 
   // A line of exactly 2047 characters plus its line end: the "\n" is a piece of its own.

@@ -7,7 +7,6 @@
 
 namespace velmora {
 
-
 const std::string kX25 = "  Reserved for other network layer or layer 3 protocols, including Recommendation X.25\n";
 const std::string kIa5 = "User-user\n\t\tProtocol discriminator=00000100  IA5 characters\n";
 
@@ -16,7 +15,8 @@ TEST(UserUser, DiscriminatorThenTheUserInformationInHexadecimal) {
       {{0x7E, 0x04, 0x04, 0x48, 0x49, 0x21}, kIa5 + "\t\tUser information= 0x48 0x49 0x21\n", 6},
       // Discriminator ranges print the octet in hexadecimal.
       {{0x7E, 0x02, 0x45, 0xFF},
-       "User-user\n\t\tProtocol discriminator=0x45  National use\n\t\tUser information= 0xff\n", 4},
+       "User-user\n\t\tProtocol discriminator=0x45  National use\n\t\tUser information= 0xff\n",
+       4},
       {{0x7E, 0x01, 0x10}, "User-user\n\t\tProtocol discriminator=0x10" + kX25 + "\t\tUser information=\n", 3},
       {{0x7E, 0x01, 0xA0}, "User-user\n\t\tProtocol discriminator=0xa0" + kX25 + "\t\tUser information=\n", 3},
       // Unnamed discriminators print no line; the user information still does.
@@ -35,8 +35,9 @@ TEST(UserUser, DumpCoversExactlyTheElement) {
   for (int value = 0x80; value <= 0xFF; ++value) octets.push_back(static_cast<Octet>(value));
   octets.push_back(0x55);  // behind the element
   const auto decoded = testing::DecodeOctets(DecodeUserUser, octets);
-  EXPECT_TRUE(decoded.text.starts_with("User-user\n\t\tProtocol discriminator=00000000  User-specific protocol\n"
-                                       "\t\tUser information= 0x80 0x81 0x82 "));
+  EXPECT_TRUE(
+      decoded.text.starts_with("User-user\n\t\tProtocol discriminator=00000000  User-specific protocol\n"
+                               "\t\tUser information= 0x80 0x81 0x82 "));
   EXPECT_TRUE(decoded.text.ends_with(" 0xfd 0xfe 0xff\n"));
   EXPECT_EQ(decoded.text.size(), 87U + 128U * 5U + 1U);
   EXPECT_EQ(decoded.count, 131);

@@ -33,10 +33,10 @@ constexpr QRgb kWhite = kPalette[15];
 // Where the parts of the picture lie for one icon size, in pixels.
 struct IconLayout {
   int size;
-  QRect page;        // the trace sheet, outline included
-  int fold;          // edge of the folded corner
+  QRect page;                                // the trace sheet, outline included
+  int fold;                                  // edge of the folded corner
   int firstLine, lineStep, lineCount, cell;  // rows of hex cells
-  double badgeX, badgeY, badgeRadius, rim;  // the round "translate" badge
+  double badgeX, badgeY, badgeRadius, rim;   // the round "translate" badge
   QPolygon arrow;
 };
 
@@ -113,7 +113,8 @@ QByteArray IconBitmap(const QImage& image) {
   const int maskRow = ((size + 31) / 32) * 4;
   out << quint32(40) << qint32(size) << qint32(size * 2) << quint16(1) << quint16(4) << quint32(0)
       << quint32((colourRow + maskRow) * size) << qint32(0) << qint32(0) << quint32(16) << quint32(0);
-  for (QRgb colour : kPalette) out << quint8(qBlue(colour)) << quint8(qGreen(colour)) << quint8(qRed(colour)) << quint8(0);
+  for (QRgb colour : kPalette)
+    out << quint8(qBlue(colour)) << quint8(qGreen(colour)) << quint8(qRed(colour)) << quint8(0);
   for (int y = size - 1; y >= 0; --y) {  // bottom-up rows
     std::vector<quint8> row(colourRow, 0);
     for (int x = 0; x < size; ++x) {

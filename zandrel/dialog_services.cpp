@@ -6,8 +6,7 @@
 namespace zandrel {
 namespace {
 
-std::optional<QString> RunFileDialog(QWidget* owner, const FileChooserRequest& request,
-                                     QFileDialog::AcceptMode mode) {
+std::optional<QString> RunFileDialog(QWidget* owner, const FileChooserRequest& request, QFileDialog::AcceptMode mode) {
   QFileDialog dialog(owner, request.title);
   dialog.setAcceptMode(mode);
   // Like the Windows chooser without "file must exist": a typed name is

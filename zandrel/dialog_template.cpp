@@ -95,8 +95,8 @@ QFont DialogFont() {
 void ApplyDialogTemplate(QDialog& dialog, const DialogTemplate& dialogTemplate) {
   dialog.setFont(DialogFont());
   dialog.setWindowTitle(QString::fromLatin1(dialogTemplate.caption));
-  Qt::WindowFlags flags = Qt::Dialog | Qt::CustomizeWindowHint | Qt::WindowTitleHint |
-                          Qt::WindowSystemMenuHint | Qt::WindowCloseButtonHint;
+  Qt::WindowFlags flags =
+      Qt::Dialog | Qt::CustomizeWindowHint | Qt::WindowTitleHint | Qt::WindowSystemMenuHint | Qt::WindowCloseButtonHint;
   if (dialogTemplate.minimizeBox) flags |= Qt::WindowMinimizeButtonHint;
   dialog.setWindowFlags(flags);
 

@@ -20,9 +20,7 @@ class DialogUnits {
   explicit DialogUnits(const QFontMetrics& metrics);
   int X(int units) const { return Scale(units, m_baseX, 4); }
   int Y(int units) const { return Scale(units, m_baseY, 8); }
-  QRect Rect(int x, int y, int width, int height) const {
-    return QRect(X(x), Y(y), X(width), Y(height));
-  }
+  QRect Rect(int x, int y, int width, int height) const { return QRect(X(x), Y(y), X(width), Y(height)); }
 
  private:
   static int Scale(int units, int base, int divisor) { return (units * base + divisor / 2) / divisor; }

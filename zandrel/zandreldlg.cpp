@@ -60,9 +60,7 @@ std::string_view View(const QByteArray& bytes) {
   return std::string_view(bytes.constData(), static_cast<std::size_t>(bytes.size()));
 }
 
-QString FromView(std::string_view text) {
-  return QString::fromUtf8(text.data(), static_cast<qsizetype>(text.size()));
-}
+QString FromView(std::string_view text) { return QString::fromUtf8(text.data(), static_cast<qsizetype>(text.size())); }
 
 // The first local file of a drag, with the platform's separators.
 QString DroppedFilePath(const QMimeData* mime) {
@@ -77,8 +75,7 @@ QString DroppedFilePath(const QMimeData* mime) {
 
 CAboutDlg::CAboutDlg(QWidget* parent) : QDialog(parent) {
   zandrel::ApplyDialogTemplate(*this, kAboutTemplate);
-  connect(qobject_cast<QPushButton*>(zandrel::FindControl(*this, IDOK)), &QPushButton::clicked, this,
-          &QDialog::accept);
+  connect(qobject_cast<QPushButton*>(zandrel::FindControl(*this, IDOK)), &QPushButton::clicked, this, &QDialog::accept);
 }
 
 CZandrelDlg::CZandrelDlg(QWidget* parent, zandrel::DialogServices* services)
@@ -213,9 +210,9 @@ void CZandrelDlg::dropEvent(QDropEvent* event) {
 }
 
 void CZandrelDlg::OnBrowseInput() {
-  const zandrel::FileChooserRequest request{
-      QStringLiteral("Open"), zandrel::NameFiltersFromFilterString(QString::fromLatin1(kLogFilter)),
-      QStringLiteral("txt"), QString(), false};
+  const zandrel::FileChooserRequest request{QStringLiteral("Open"),
+                                            zandrel::NameFiltersFromFilterString(QString::fromLatin1(kLogFilter)),
+                                            QStringLiteral("txt"), QString(), false};
   if (const auto chosen = m_services.ChooseFileToOpen(this, request)) {
     m_strInputPath = *chosen;
     UpdateData(false);
@@ -223,9 +220,9 @@ void CZandrelDlg::OnBrowseInput() {
 }
 
 void CZandrelDlg::OnBrowseOutput() {
-  const zandrel::FileChooserRequest request{
-      QStringLiteral("Save As"), zandrel::NameFiltersFromFilterString(QString::fromLatin1(kMessageFilter)),
-      QStringLiteral("txt"), QStringLiteral("message"), true};
+  const zandrel::FileChooserRequest request{QStringLiteral("Save As"),
+                                            zandrel::NameFiltersFromFilterString(QString::fromLatin1(kMessageFilter)),
+                                            QStringLiteral("txt"), QStringLiteral("message"), true};
   if (const auto chosen = m_services.ChooseFileToSave(this, request)) {
     m_strOutputPath = *chosen;
     UpdateData(false);

@@ -20,8 +20,10 @@ namespace {
 template <class T>
 void OnNextModal(std::function<void(T*)> action, int attemptsLeft = 200) {
   QTimer::singleShot(10, [action, attemptsLeft] {
-    if (auto* modal = qobject_cast<T*>(QApplication::activeModalWidget())) action(modal);
-    else if (attemptsLeft > 0) OnNextModal<T>(action, attemptsLeft - 1);
+    if (auto* modal = qobject_cast<T*>(QApplication::activeModalWidget()))
+      action(modal);
+    else if (attemptsLeft > 0)
+      OnNextModal<T>(action, attemptsLeft - 1);
   });
 }
 

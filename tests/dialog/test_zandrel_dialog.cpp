@@ -17,10 +17,18 @@ namespace {
 const QByteArray kPlain = "first line\nsecond line\nthird line\n";
 const QByteArray kStale = "stale text that a run must drop\n";
 // An 83-character frame line: "****" at 21, "HDLC" at 43, three octets.
-const QByteArray kFrame = "....................." "****" ".................." "HDLC 3 ..." "0x02 0x01 0x7f "
-                          "..............\n";
+const QByteArray kFrame =
+    "....................."
+    "****"
+    ".................."
+    "HDLC 3 ..."
+    "0x02 0x01 0x7f "
+    "..............\n";
 
-QByteArray ReadAll(const QString& p) { QFile f(p); return f.open(QIODevice::ReadOnly) ? f.readAll() : "<missing>"; }
+QByteArray ReadAll(const QString& p) {
+  QFile f(p);
+  return f.open(QIODevice::ReadOnly) ? f.readAll() : "<missing>";
+}
 
 bool WriteAll(const QString& path, const QByteArray& bytes) {
   QFile file(path);
@@ -61,8 +69,8 @@ class ZandrelDialogTest : public QObject {
     QCOMPARE(texts, QStringList({"Input Log File:", "Output Log File:", "E&xit", "...", "...", "&Translate"}));
 
     // Exit has the focus first; Tab walks the template order and wraps.
-    for (int id : {IDCANCEL, IDC_INPUT_PATH, IDC_OUTPUT_PATH, IDC_BROWSE_INPUT, IDC_BROWSE_OUTPUT, IDC_TRANSLATE,
-                   IDCANCEL}) {
+    for (int id :
+         {IDCANCEL, IDC_INPUT_PATH, IDC_OUTPUT_PATH, IDC_BROWSE_INPUT, IDC_BROWSE_OUTPUT, IDC_TRANSLATE, IDCANCEL}) {
       QCOMPARE(dlg.focusWidget(), dlg.GetDlgItem(id));
       QTest::keyClick(dlg.focusWidget(), Qt::Key_Tab);
     }
@@ -95,15 +103,28 @@ class ZandrelDialogTest : public QObject {
     QTest::addColumn<QString>("input");
     QTest::addColumn<QString>("output");
     QTest::addColumn<QString>("text");  // of an error, but for the last row
-    QTest::newRow("both empty") << "" << "" << "Please select input log file!";
-    QTest::newRow("no output") << "plain.txt" << "" << "Please select output message file!";
-    QTest::newRow("same path") << "plain.txt" << "plain.txt"
+    QTest::newRow("both empty") << ""
+                                << ""
+                                << "Please select input log file!";
+    QTest::newRow("no output") << "plain.txt"
+                               << ""
+                               << "Please select output message file!";
+    QTest::newRow("same path") << "plain.txt"
+                               << "plain.txt"
                                << "The output message file is as same as the input log file.\n"
                                   "Please select them again!";
-    QTest::newRow("missing input") << "missing.txt" << "out.txt" << "Cannot open Input log file!";
-    QTest::newRow("output folder missing") << "plain.txt" << "nowhere/out.txt" << "Cannot open output message file!";
-    QTest::newRow("no frame line") << "plain.txt" << "out.txt" << "The input log file contains no useful information!";
-    QTest::newRow("frame line") << "trace.txt" << "out.txt" << "Translation is done!";
+    QTest::newRow("missing input") << "missing.txt"
+                                   << "out.txt"
+                                   << "Cannot open Input log file!";
+    QTest::newRow("output folder missing") << "plain.txt"
+                                           << "nowhere/out.txt"
+                                           << "Cannot open output message file!";
+    QTest::newRow("no frame line") << "plain.txt"
+                                   << "out.txt"
+                                   << "The input log file contains no useful information!";
+    QTest::newRow("frame line") << "trace.txt"
+                                << "out.txt"
+                                << "Translation is done!";
   }
 
   void everyOutcomeShowsItsMessageBox() {  // twice: the second run ends the same way

@@ -5,7 +5,6 @@
 #include <string>
 #include <vector>
 
-#include "core/globals.h"
 #include "core/line_scanner.h"
 #include "q931/message.h"
 
@@ -16,8 +15,9 @@ using velmora::Octet;
 // Output into a reused string, cleared between iterations.
 class DiscardingOutput {
  public:
-  DiscardingOutput() : sink_(text_), writer_(sink_, 64 * 1024) { velmora::g_outputFile = &writer_; }
-  ~DiscardingOutput() { velmora::g_outputFile = nullptr; }
+  DiscardingOutput() : sink_(text_), writer_(sink_, 64 * 1024) {}
+  velmora::OutputWriter& Writer() { return writer_; }
+  velmora::DecodeContext& Context() { return context_; }
   void Reset() {
     writer_.Flush();
     text_.clear();
@@ -27,13 +27,14 @@ class DiscardingOutput {
   std::string text_;
   velmora::StringSink sink_;
   velmora::OutputWriter writer_;
+  velmora::DecodeContext context_{writer_};
 };
 
 void ScanPlainLine(benchmark::State& state) {
   DiscardingOutput output;
   const std::string line = "12:00:01.234 CC: call state change U0 -> U1, B-channel 1 connected to port 3, all fine\n";
   for (auto _ : state) {
-    velmora::TranslateTraceLine(line);
+    velmora::TranslateTraceLine(output.Context(), line);
     output.Reset();
   }
   state.SetBytesProcessed(static_cast<int64_t>(state.iterations() * line.size()));
@@ -44,7 +45,7 @@ void ScanReceiveReadyLine(benchmark::State& state) {
   DiscardingOutput output;
   const std::string line = "00006 2026-03-14 09:15:02.318 **** D-CH RX HDLC:4  | 0x00 0x81 0x01 0x02              \n";
   for (auto _ : state) {
-    velmora::TranslateTraceLine(line);
+    velmora::TranslateTraceLine(output.Context(), line);
     output.Reset();
   }
   state.SetBytesProcessed(static_cast<int64_t>(state.iterations() * line.size()));
@@ -54,7 +55,7 @@ BENCHMARK(ScanReceiveReadyLine);
 void DecodeMessage(benchmark::State& state, std::vector<Octet> message) {
   DiscardingOutput output;
   for (auto _ : state) {
-    velmora::DecodeQ931Message(message);
+    velmora::DecodeQ931Message(output.Writer(), message);
     output.Reset();
   }
 }

@@ -104,7 +104,8 @@ class ProgressBar {
 };
 
 // Runs one pair; prints its outcome (or the I/O failure) on standard error.
-int TranslatePair(const std::string& input, const std::string& output, bool quiet, bool labelled, unsigned jobs) {
+int TranslatePair(const std::string& input, const std::string& output, velmora::LinkMemory& link, bool quiet,
+                  bool labelled, unsigned jobs) {
   velmora::TranslationReport report;
   velmora::TranslationOptions options;
   options.dashMeansStandardStream = true;
@@ -115,7 +116,7 @@ int TranslatePair(const std::string& input, const std::string& output, bool quie
   ProgressBar progress;
   if (::isatty(STDERR_FILENO))
     options.progress = [&progress](std::uint64_t done, std::uint64_t size) { progress.Update(done, size); };
-  const velmora::TranslationOutcome outcome = velmora::TranslateTraceFile(input, output, options);
+  const velmora::TranslationOutcome outcome = velmora::TranslateTraceFile(input, output, link, options);
   progress.Finish();
   const std::string label = labelled ? input + ": " : std::string();
   if (report.readError != 0 || report.writeError != 0) {
@@ -178,8 +179,10 @@ int main(int argc, char** argv) {
   std::signal(SIGPIPE, SIG_IGN);
   int status = kExitOk;
   const bool labelled = paths.size() > 2;
+  // A SABME of one pair is still pending for the UA of the next.
+  velmora::LinkMemory link;
   for (std::size_t i = 0; i < paths.size(); i += 2) {
-    const int pairStatus = TranslatePair(paths[i], paths[i + 1], quiet, labelled, jobs == 0 ? 1 : jobs);
+    const int pairStatus = TranslatePair(paths[i], paths[i + 1], link, quiet, labelled, jobs == 0 ? 1 : jobs);
     if (status == kExitOk) status = pairStatus;
   }
   return status;

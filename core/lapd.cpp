@@ -2,13 +2,9 @@
 
 #include <string_view>
 
-#include "core/globals.h"
 #include "q931/message.h"
 
 namespace velmora {
-
-thread_local std::vector<std::uint64_t>* g_pendingUaWordings = nullptr;
-
 namespace {
 
 // Supervisory frames: control octet AND 0x0C. 0x0C names no frame and
@@ -42,24 +38,24 @@ constexpr UnnumberedFrame kUnnumbered[] = {
 
 constexpr Octet UnnumberedKind(Octet control) { return static_cast<Octet>((control & 0xEC) >> 2); }
 
-void DecodeUnnumbered(Octet control) {
+void DecodeUnnumbered(DecodeContext& context, Octet control) {
   const Octet m = UnnumberedKind(control);
   for (const UnnumberedFrame& frame : kUnnumbered) {
     if (frame.m != m) continue;
-    Out().Put(frame.text);
+    context.out.Put(frame.text);
     switch (frame.use) {
       case LinkUse::None:
         break;
       case LinkUse::Set:
-        g_linkSetupPending = 1;
+        context.linkSetup = LinkSetup::Pending;
         break;
       case LinkUse::Clear:
-        g_linkSetupPending = 0;
+        context.linkSetup = LinkSetup::NotPending;
         break;
       case LinkUse::ReadForUa:
-        if (g_linkSetupPending == kLinkMemoryUnknown && g_pendingUaWordings != nullptr)
-          g_pendingUaWordings->push_back(Out().BytesWritten());
-        Out().Put(g_linkSetupPending == 1 ? kUaAfterSabme : kUaAfterDisc);
+        if (context.linkSetup == LinkSetup::Unknown && context.pendingUaWordings != nullptr)
+          context.pendingUaWordings->push_back(context.out.BytesWritten());
+        context.out.Put(context.linkSetup == LinkSetup::Pending ? kUaAfterSabme : kUaAfterDisc);
         break;
     }
     return;
@@ -69,8 +65,8 @@ void DecodeUnnumbered(Octet control) {
 
 }  // namespace
 
-void DecodeLapdFrame(OctetSpan frame) {
-  OutputWriter& out = Out();
+void DecodeLapdFrame(DecodeContext& context, OctetSpan frame) {
+  OutputWriter& out = context.out;
   out.Put("ISDN Layer 2: ");
   // Octets 1 and 2 are the address; without octet 3 there is no control field.
   if (frame.size() < 3) {
@@ -85,7 +81,7 @@ void DecodeLapdFrame(OctetSpan frame) {
       out.Put("Truncated frame\n");
     } else if (IsQ931Discriminator(frame[4])) {
       out.Put("Q.931 protocol message\n");
-      DecodeQ931Message(frame.subspan(4));
+      DecodeQ931Message(out, frame.subspan(4));
     } else {
       out.Put("Unknown protocol message\n");
     }
@@ -93,7 +89,7 @@ void DecodeLapdFrame(OctetSpan frame) {
     out.Put("Supervisory  ");
     out.Put(kSupervisory[(control & 0x0C) >> 2]);
   } else {
-    DecodeUnnumbered(control);
+    DecodeUnnumbered(context, control);
   }
 }
 

@@ -1,9 +1,8 @@
 #pragma once
 // Q.921 (LAPD) frame kinds, told by the control field.
-#include <cstdint>
 #include <string_view>
-#include <vector>
 
+#include "core/decode_context.h"
 #include "core/octet.h"
 
 namespace velmora {
@@ -13,7 +12,8 @@ constexpr bool IsQ931Discriminator(Octet octet) { return octet == 0x08; }
 
 // Prints the "ISDN Layer 2: " line, and for an information frame the
 // "ISDN Layer 3: " line and the Q.931 message. `frame` is octets 1 to N.
-void DecodeLapdFrame(OctetSpan frame);
+// SABME and DISC change the context's link memory, UA reads it.
+void DecodeLapdFrame(DecodeContext& context, OctetSpan frame);
 
 // The two wordings of the UA line. They are of equal length, so a parallel
 // run can decode a chunk before it knows the link memory at the chunk's start
@@ -21,11 +21,5 @@ void DecodeLapdFrame(OctetSpan frame);
 inline constexpr std::string_view kUaAfterSabme = "Acknowledge to SABME, link established\n";
 inline constexpr std::string_view kUaAfterDisc = "Acknowledge to DISC, link disconnected\n";
 static_assert(kUaAfterSabme.size() == kUaAfterDisc.size());
-
-// g_linkSetupPending while a chunk is decoded whose start state is not known
-// yet: UA then writes kUaAfterDisc and notes where, in g_pendingUaWordings,
-// until a SABME or DISC of the chunk itself decides the memory.
-inline constexpr int kLinkMemoryUnknown = -1;
-extern thread_local std::vector<std::uint64_t>* g_pendingUaWordings;
 
 }  // namespace velmora

@@ -1,6 +1,5 @@
 #include "core/line_scanner.h"
 
-#include "core/globals.h"
 #include "core/lapd.h"
 
 namespace velmora {
@@ -76,14 +75,14 @@ std::size_t ReadFrameOctets(std::string_view line, Octet (&frame)[kFrameCapacity
 
 // The line is searched for its markers once: the anchor found by the
 // frame-line test also locates the length field.
-void TranslateTraceLine(std::string_view line) {
-  Out().Put(line);
+void TranslateTraceLine(DecodeContext& context, std::string_view line) {
+  context.out.Put(line);
   const std::size_t anchor = FrameAnchor(line);
   if (anchor == std::string_view::npos) return;
-  g_frameFound = true;
+  context.frameFound = true;
   Octet frame[kFrameCapacity];
   const std::size_t count = ReadCells(line, anchor, frame);
-  DecodeLapdFrame(OctetSpan(frame, count));
+  DecodeLapdFrame(context, OctetSpan(frame, count));
 }
 
 }  // namespace velmora

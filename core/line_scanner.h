@@ -5,13 +5,15 @@
 #include <cstddef>
 #include <string_view>
 
+#include "core/decode_context.h"
 #include "core/octet.h"
 
 namespace velmora {
 
-// Copies one line (or piece of a line) to g_outputFile and, for a frame
-// line, decodes its frame behind the copy. The line may hold any byte.
-void TranslateTraceLine(std::string_view line);
+// Copies one line (or piece of a line) to the context's writer and, for a
+// frame line, notes it as found and decodes its frame behind the copy. The
+// line may hold any byte.
+void TranslateTraceLine(DecodeContext& context, std::string_view line);
 
 // True when the line meets the three frame-line conditions.
 bool IsFrameLine(std::string_view line);

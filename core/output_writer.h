@@ -1,5 +1,5 @@
 #pragma once
-// The one buffered writer behind g_outputFile: an append-only buffer with fast
+// The one buffered writer the decoders print to: an append-only buffer with fast
 // paths for constant text and small numbers, handed to its sink in large blocks.
 #include <cstddef>
 #include <cstdint>

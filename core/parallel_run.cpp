@@ -12,7 +12,7 @@
 #include <thread>
 #include <vector>
 
-#include "core/globals.h"
+#include "core/decode_context.h"
 #include "core/lapd.h"
 #include "core/line_scanner.h"
 #include "core/pieces.h"
@@ -34,7 +34,7 @@ struct Chunk {
   // Where the chunk's UA lines wrote their wording before a SABME or DISC of
   // the chunk itself decided the link memory.
   std::vector<std::uint64_t> pendingUaWordings;
-  int linkMemoryAtEnd = kLinkMemoryUnknown;  // unknown: no SABME or DISC in the chunk
+  LinkSetup linkSetupAtEnd = LinkSetup::Unknown;  // unknown: no SABME or DISC in the chunk
   bool frameFound = false;
   bool decoded = false;
 };
@@ -50,8 +50,8 @@ class ParallelRun {
     for (unsigned i = 0; i < jobs; ++i) workers_.emplace_back([this] { Work(); });
   }
 
-  ParallelRunResult Run() {
-    int linkMemory = g_linkSetupPending;
+  ParallelRunResult Run(LinkMemory& link) {
+    bool setupPending = link.setupPending;
     std::uint64_t filled = 0;
     std::uint64_t written = 0;
     bool atEnd = false;
@@ -73,10 +73,10 @@ class ParallelRun {
         std::unique_lock lock(mutex_);
         changed_.wait(lock, [&] { return chunk.decoded; });
       }
-      if (linkMemory == 1)
+      if (setupPending)
         for (const std::uint64_t at : chunk.pendingUaWordings)
           chunk.output.replace(at, kUaAfterSabme.size(), kUaAfterSabme);
-      if (chunk.linkMemoryAtEnd != kLinkMemoryUnknown) linkMemory = chunk.linkMemoryAtEnd;
+      if (chunk.linkSetupAtEnd != LinkSetup::Unknown) setupPending = chunk.linkSetupAtEnd == LinkSetup::Pending;
       writer_.Put(chunk.output);
       result_.frameFound = result_.frameFound || chunk.frameFound;
       if (onRead_) onRead_(chunk.endOffset);
@@ -88,7 +88,7 @@ class ParallelRun {
       changed_.notify_all();
     }
     for (std::thread& worker : workers_) worker.join();
-    g_linkSetupPending = linkMemory;
+    link.setupPending = setupPending;
     return result_;
   }
 
@@ -147,16 +147,12 @@ class ParallelRun {
     chunk.pendingUaWordings.clear();
     StringSink sink(chunk.output);
     OutputWriter writer(sink, 64 * 1024);
-    g_outputFile = &writer;
-    g_frameFound = false;
-    g_linkSetupPending = kLinkMemoryUnknown;
-    g_pendingUaWordings = &chunk.pendingUaWordings;
-    ForEachPiece({chunk.input.get(), chunk.size}, [](std::string_view piece) { TranslateTraceLine(piece); });
+    DecodeContext context{writer, LinkSetup::Unknown, false, &chunk.pendingUaWordings};
+    ForEachPiece({chunk.input.get(), chunk.size},
+                 [&context](std::string_view piece) { TranslateTraceLine(context, piece); });
     writer.Flush();
-    chunk.frameFound = g_frameFound;
-    chunk.linkMemoryAtEnd = g_linkSetupPending;
-    g_pendingUaWordings = nullptr;
-    g_outputFile = nullptr;
+    chunk.frameFound = context.frameFound;
+    chunk.linkSetupAtEnd = context.linkSetup;
   }
 
   int inputFd_;
@@ -177,10 +173,10 @@ class ParallelRun {
 
 }  // namespace
 
-ParallelRunResult TranslateInParallel(int inputFd, OutputWriter& writer, unsigned jobs, bool stopOnWriteError,
-                                      const std::function<void(std::uint64_t)>& onRead) {
+ParallelRunResult TranslateInParallel(int inputFd, OutputWriter& writer, LinkMemory& link, unsigned jobs,
+                                      bool stopOnWriteError, const std::function<void(std::uint64_t)>& onRead) {
   ParallelRun run(inputFd, writer, jobs == 0 ? 1 : jobs, stopOnWriteError, onRead);
-  return run.Run();
+  return run.Run(link);
 }
 
 }  // namespace velmora

@@ -5,6 +5,7 @@
 #include <functional>
 
 #include "core/output_writer.h"
+#include "core/translation.h"
 
 namespace velmora {
 
@@ -18,10 +19,10 @@ struct ParallelRunResult {
 // chunks on `jobs` threads and hands their output to `writer` in input
 // order. A chunk is decoded without knowing the link memory at its start;
 // the UA lines before its own first SABME or DISC get their wording when
-// the chunks before it are written, so no chunk is decoded twice. Leaves the
-// calling thread's g_linkSetupPending as a single-threaded run would.
-// With `stopOnWriteError`, no chunk is read after `writer` has failed.
-ParallelRunResult TranslateInParallel(int inputFd, OutputWriter& writer, unsigned jobs, bool stopOnWriteError,
-                                      const std::function<void(std::uint64_t)>& onRead);
+// the chunks before it are written, so no chunk is decoded twice. Leaves
+// `link` as a single-threaded run would. With `stopOnWriteError`, no chunk
+// is read after `writer` has failed.
+ParallelRunResult TranslateInParallel(int inputFd, OutputWriter& writer, LinkMemory& link, unsigned jobs,
+                                      bool stopOnWriteError, const std::function<void(std::uint64_t)>& onRead);
 
 }  // namespace velmora

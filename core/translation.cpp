@@ -7,7 +7,7 @@
 #include <cerrno>
 #include <string>
 
-#include "core/globals.h"
+#include "core/decode_context.h"
 #include "core/line_reader.h"
 #include "core/line_scanner.h"
 #include "core/parallel_run.h"
@@ -70,7 +70,7 @@ const OutcomeMessage& DescribeOutcome(TranslationOutcome outcome) {
   return kOutcomeMessages[static_cast<int>(outcome)];
 }
 
-TranslationOutcome TranslateTraceFile(std::string_view inputPath, std::string_view outputPath,
+TranslationOutcome TranslateTraceFile(std::string_view inputPath, std::string_view outputPath, LinkMemory& link,
                                       const TranslationOptions& options) {
   if (inputPath.empty()) return TranslationOutcome::InputNotSelected;
   if (outputPath.empty()) return TranslationOutcome::OutputNotSelected;
@@ -101,18 +101,18 @@ TranslationOutcome TranslateTraceFile(std::string_view inputPath, std::string_vi
   const auto reportProgress = [&options, inputSize](std::uint64_t bytesRead) {
     if (options.progress) options.progress(bytesRead, inputSize);
   };
+  bool frameFound = false;
   int readError = 0;
   std::uint64_t bytesRead = 0;
   if (options.jobs > 1 && !inputIsStandard && inputSize >= kParallelMinimum) {
     const ParallelRunResult result =
-        TranslateInParallel(inputFd, writer, options.jobs, options.stopOnWriteError, reportProgress);
+        TranslateInParallel(inputFd, writer, link, options.jobs, options.stopOnWriteError, reportProgress);
     writer.Flush();
-    g_frameFound = result.frameFound;
+    frameFound = result.frameFound;
     readError = result.readError;
     bytesRead = result.bytesRead;
   } else {
-    g_outputFile = &writer;
-    g_frameFound = false;
+    DecodeContext context{writer, link.setupPending ? LinkSetup::Pending : LinkSetup::NotPending};
     LineReader reader(inputFd);
     // Output produced so far reaches its reader before the run may wait
     // for more input: `velmora - -` works as a filter.
@@ -121,14 +121,15 @@ TranslationOutcome TranslateTraceFile(std::string_view inputPath, std::string_vi
       reportProgress(reader.BytesRead());
     });
     while (const auto line = reader.Next()) {
-      TranslateTraceLine(*line);
+      TranslateTraceLine(context, *line);
       if (options.stopOnWriteError && writer.Failed()) break;
     }
     writer.Flush();
+    link.setupPending = context.linkSetup == LinkSetup::Pending;
+    frameFound = context.frameFound;
     readError = reader.Error();
     bytesRead = reader.BytesRead();
   }
-  g_outputFile = nullptr;
   int closeError = 0;
   if (!outputIsStandard && ::close(outputFd) != 0) closeError = errno;
   closeInput();
@@ -138,7 +139,7 @@ TranslationOutcome TranslateTraceFile(std::string_view inputPath, std::string_vi
     options.report->writeError = writer.Failed() ? writer.Error() : closeError;
     options.report->bytesWritten = writer.BytesWritten();
   }
-  return g_frameFound ? TranslationOutcome::TranslationDone : TranslationOutcome::NoFrameFound;
+  return frameFound ? TranslationOutcome::TranslationDone : TranslationOutcome::NoFrameFound;
 }
 
 }  // namespace velmora

@@ -29,6 +29,14 @@ struct OutcomeMessage {
 // The exact text, caption and icon that tell the user how a run ended.
 const OutcomeMessage& DescribeOutcome(TranslationOutcome outcome);
 
+// What one run leaves for the next: whether a SABME awaits its UA (no DISC
+// since), which decides the wording of the next UA line. The caller keeps
+// one across runs: the command line across its INPUT OUTPUT pairs, the
+// dialog across presses of Translate. A run never resets it.
+struct LinkMemory {
+  bool setupPending = false;
+};
+
 // What the run saw of its two files, beyond the outcome.
 struct TranslationReport {
   int readError = 0;   // errno of a read that failed part-way, or 0
@@ -60,8 +68,10 @@ struct TranslationOptions {
 };
 
 // Checks the paths, opens both files, copies and decodes every line of the
-// input into the output, closes both files and returns the outcome.
-TranslationOutcome TranslateTraceFile(std::string_view inputPath, std::string_view outputPath,
+// input into the output, closes both files and returns the outcome. The
+// link memory is read at the start and left as the last SABME or DISC of
+// the input sets it.
+TranslationOutcome TranslateTraceFile(std::string_view inputPath, std::string_view outputPath, LinkMemory& link,
                                       const TranslationOptions& options = {});
 
 }  // namespace velmora

@@ -145,24 +145,23 @@ std::span<const OctetField> Octet5bFields(unsigned layer1Protocol) {
   return {};
 }
 
-void PrintModemType(unsigned modemType) {
+void PrintModemType(OutputWriter& out, unsigned modemType) {
   if (const RangeText* range = FindRange(kModemTypeRanges, modemType)) {
-    OutputWriter& out = Out();
-    PrintFieldName("Modem type");
+    PrintFieldName(out, "Modem type");
     out.Decimal(modemType);
     out.Put("  ");
     out.Put(range->text);
     out.Put('\n');
     return;
   }
-  PrintField("Modem type", modemType, 6, kModemType);
+  PrintField(out, "Modem type", modemType, 6, kModemType);
 }
 
 // Octet 5 and whichever of 5a to 5d follow it. An octet that a step does not
 // take is left for the next step, and in the end for the layer-octet walk.
-void DecodeLayer1Group(Octet octet5, unsigned capability, ValueTable userRate, OctetReader& octets) {
+void DecodeLayer1Group(OutputWriter& out, Octet octet5, unsigned capability, ValueTable userRate, OctetReader& octets) {
   const unsigned protocol = FieldBits(octet5, 5, 1);
-  PrintField("User information layer 1 protocol", protocol, 5, kLayer1Protocol);
+  PrintField(out, "User information layer 1 protocol", protocol, 5, kLayer1Protocol);
   const bool rateAdaption = RateAdaptionHolds(capability, protocol);
   bool more = AnnouncesMore(octet5);
 
@@ -174,40 +173,40 @@ void DecodeLayer1Group(Octet octet5, unsigned capability, ValueTable userRate, O
         {"Negotiation", 6, 6, kNegotiation},
         {"User rate", 5, 1, userRate},
     };
-    PrintOctetFields(*octet5a, fields);
+    PrintOctetFields(out, *octet5a, fields);
     more = AnnouncesMore(*octet5a);
   }
   // Octet 5b depends on the layer 1 protocol alone.
   if (const auto fields5b = Octet5bFields(protocol); more && !fields5b.empty()) {
     const auto octet5b = octets.Take();
     if (!octet5b) return;
-    PrintOctetFields(*octet5b, fields5b);
+    PrintOctetFields(out, *octet5b, fields5b);
     more = AnnouncesMore(*octet5b);
   }
   if (more && rateAdaption) {
     const auto octet5c = octets.Take();
     if (!octet5c) return;
-    PrintOctetFields(*octet5c, kOctet5c);
+    PrintOctetFields(out, *octet5c, kOctet5c);
     more = AnnouncesMore(*octet5c);
   }
   if (more && rateAdaption) {
     const auto octet5d = octets.Take();
     if (!octet5d) return;
-    PrintOctetFields(*octet5d, kOctet5dDuplex);
-    PrintModemType(FieldBits(*octet5d, 6, 1));
+    PrintOctetFields(out, *octet5d, kOctet5dDuplex);
+    PrintModemType(out, FieldBits(*octet5d, 6, 1));
   }
 }
 
 // Octet 6: the protocol alone; bit 8 is not looked at.
-void DecodeBearerLayer2Group(Octet octet6, OctetReader& /*octets*/) {
-  PrintField(kLayer2ProtocolName, FieldBits(octet6, 5, 1), 5, kBearerLayer2Protocol);
+void DecodeBearerLayer2Group(OutputWriter& out, Octet octet6, OctetReader& /*octets*/) {
+  PrintField(out, kLayer2ProtocolName, FieldBits(octet6, 5, 1), 5, kBearerLayer2Protocol);
 }
 
 // Octet 7; after ISO/IEC TR 9577, octets 7a and 7b follow whatever bit 8 says.
-void DecodeBearerLayer3Group(Octet octet7, OctetReader& octets) {
+void DecodeBearerLayer3Group(OutputWriter& out, Octet octet7, OctetReader& octets) {
   const unsigned protocol = FieldBits(octet7, 5, 1);
-  PrintField(kLayer3ProtocolName, protocol, 5, kBearerLayer3Protocol);
-  if (protocol == kLayer3Tr9577) DecodeAdditionalLayer3Information(octets);
+  PrintField(out, kLayer3ProtocolName, protocol, 5, kBearerLayer3Protocol);
+  if (protocol == kLayer3Tr9577) DecodeAdditionalLayer3Information(out, octets);
 }
 
 constexpr CapabilityVariant kBearerCapability = {
@@ -221,7 +220,7 @@ constexpr CapabilityVariant kBearerCapability = {
 
 }  // namespace
 
-void DecodeAdditionalLayer3Information(OctetReader& octets) {
+void DecodeAdditionalLayer3Information(OutputWriter& out, OctetReader& octets) {
   const auto octet7a = octets.Take();
   const auto octet7b = octets.Take();
   if (!octet7a || !octet7b) return;
@@ -229,8 +228,7 @@ void DecodeAdditionalLayer3Information(OctetReader& octets) {
   const unsigned low = FieldBits(*octet7b, 4, 1);
   const ValueText* row = FindRow(kAdditionalLayer3Information, high << 4 | low);
   if (row == nullptr) return;
-  OutputWriter& out = Out();
-  PrintFieldName("Additional layer 3 protocol information:7a");
+  PrintFieldName(out, "Additional layer 3 protocol information:7a");
   out.Bits(high, 4);
   out.Put(", 7b=");
   out.Bits(low, 4);
@@ -239,45 +237,45 @@ void DecodeAdditionalLayer3Information(OctetReader& octets) {
   out.Put('\n');
 }
 
-int DecodeCapabilityElement(const ElementOctets& element, const CapabilityVariant& variant) {
-  PrintHeading(variant.heading);
+int DecodeCapabilityElement(OutputWriter& out, const ElementOctets& element, const CapabilityVariant& variant) {
+  PrintHeading(out, variant.heading);
   OctetReader octets(element, kOctet3Position);
 
   const auto octet3 = octets.Take();
   if (!octet3) return element.Count();
   const unsigned capability = FieldBits(*octet3, 5, 1);
-  PrintField("Coding standard", FieldBits(*octet3, 7, 6), 2, kCodingStandard);
-  PrintField("Information transfer capability", capability, 5, kInformationTransferCapability);
+  PrintField(out, "Coding standard", FieldBits(*octet3, 7, 6), 2, kCodingStandard);
+  PrintField(out, "Information transfer capability", capability, 5, kInformationTransferCapability);
 
   if (!variant.negotiationIndicator.empty() && AnnouncesMore(*octet3)) {
     const auto octet3a = octets.Take();
     if (!octet3a) return element.Count();
-    PrintField("Negotiation indicator", FieldBits(*octet3a, 7, 7), 1, variant.negotiationIndicator);
+    PrintField(out, "Negotiation indicator", FieldBits(*octet3a, 7, 7), 1, variant.negotiationIndicator);
   }
 
   const auto octet4 = octets.Take();
   if (!octet4) return element.Count();
   const unsigned rate = FieldBits(*octet4, 5, 1);
-  PrintField("Transfer mode", FieldBits(*octet4, 7, 6), 2, variant.transferMode);
-  PrintField("Information transfer rate", rate, 5, kInformationTransferRate);
+  PrintField(out, "Transfer mode", FieldBits(*octet4, 7, 6), 2, variant.transferMode);
+  PrintField(out, "Information transfer rate", rate, 5, kInformationTransferRate);
 
   if (rate == kMultirate) {
     const auto rateMultiplier = octets.Take();
     if (!rateMultiplier) return element.Count();
-    PrintHexField("Rate multiplier", FieldBits(*rateMultiplier, 7, 1));
+    PrintHexField(out, "Rate multiplier", FieldBits(*rateMultiplier, 7, 1));
   }
 
   // Layer octets, in any order and any number, each decoded where it stands.
   while (const auto layerOctet = octets.Take()) {
     switch (FieldBits(*layerOctet, 7, 6)) {
       case kLayer1:
-        DecodeLayer1Group(*layerOctet, capability, variant.userRate, octets);
+        DecodeLayer1Group(out, *layerOctet, capability, variant.userRate, octets);
         break;
       case kLayer2:
-        variant.layer2Group(*layerOctet, octets);
+        variant.layer2Group(out, *layerOctet, octets);
         break;
       case kLayer3:
-        variant.layer3Group(*layerOctet, octets);
+        variant.layer3Group(out, *layerOctet, octets);
         break;
       case kNoLayer:
       default:
@@ -291,8 +289,8 @@ int DecodeCapabilityElement(const ElementOctets& element, const CapabilityVarian
 
 }  // namespace capability
 
-int DecodeBearerCapability(const ElementOctets& element) {
-  return capability::DecodeCapabilityElement(element, capability::kBearerCapability);
+int DecodeBearerCapability(OutputWriter& out, const ElementOctets& element) {
+  return capability::DecodeCapabilityElement(out, element, capability::kBearerCapability);
 }
 
 }  // namespace velmora

@@ -79,7 +79,7 @@ inline constexpr unsigned kLayer3Tr9577 = 0b01011;
 
 // Decodes the rest of a layer 2 or layer 3 group, whose first octet the
 // layer-octet walk has already taken.
-using LayerGroupDecoder = void (*)(Octet layerOctet, OctetReader& octets);
+using LayerGroupDecoder = void (*)(OutputWriter& out, Octet layerOctet, OctetReader& octets);
 
 // Everything in which the two elements differ; the rest is decoded alike.
 struct CapabilityVariant {
@@ -96,10 +96,10 @@ struct CapabilityVariant {
 
 // Heading, octets 3 (3a), 4 (4.1) and the layer octets that follow, up to the
 // element's end. Returns L + 2.
-int DecodeCapabilityElement(const ElementOctets& element, const CapabilityVariant& variant);
+int DecodeCapabilityElement(OutputWriter& out, const ElementOctets& element, const CapabilityVariant& variant);
 
 // Takes octets 7a and 7b whatever they hold and prints the line that their
 // bits 4-1 name, if any. Nothing when either lies beyond the element.
-void DecodeAdditionalLayer3Information(OctetReader& octets);
+void DecodeAdditionalLayer3Information(OutputWriter& out, OctetReader& octets);
 
 }  // namespace velmora::capability

@@ -56,28 +56,28 @@ constexpr ValueText kRestartClass[] = {
 
 }  // namespace
 
-int DecodeCallIdentity(const ElementOctets& element) {
-  PrintHeading("Call identity");
+int DecodeCallIdentity(OutputWriter& out, const ElementOctets& element) {
+  PrintHeading(out, "Call identity");
   const OctetSpan identity = element.Slice(2);
-  if (!identity.empty()) PrintOctetString("Call identity", identity);
+  if (!identity.empty()) PrintOctetString(out, "Call identity", identity);
   return element.Count();
 }
 
-int DecodeCallState(const ElementOctets& element) {
-  PrintHeading("Call state");
+int DecodeCallState(OutputWriter& out, const ElementOctets& element) {
+  PrintHeading(out, "Call state");
   const auto octet3 = element.At(2);
   if (!octet3) return element.Count();
 
-  PrintField("Coding standard", FieldBits(*octet3, 8, 7), 2, kCallStateCodingStandard);
+  PrintField(out, "Coding standard", FieldBits(*octet3, 8, 7), 2, kCallStateCodingStandard);
   const unsigned state = FieldBits(*octet3, 6, 1);
   const ValueText* named = FindRow(kCallStateFieldName, state);
-  PrintField(named != nullptr ? named->text : kCallStateDefaultName, state, 6, kCallStateValue);
+  PrintField(out, named != nullptr ? named->text : kCallStateDefaultName, state, 6, kCallStateValue);
   return element.Count();
 }
 
-int DecodeRestartIndicator(const ElementOctets& element) {
-  PrintHeading("Restart indicator");
-  if (const auto octet3 = element.At(2)) PrintField("Class", FieldBits(*octet3, 3, 1), 3, kRestartClass);
+int DecodeRestartIndicator(OutputWriter& out, const ElementOctets& element) {
+  PrintHeading(out, "Restart indicator");
+  if (const auto octet3 = element.At(2)) PrintField(out, "Class", FieldBits(*octet3, 3, 1), 3, kRestartClass);
   return element.Count();
 }
 

@@ -170,15 +170,15 @@ constexpr CauseDiagnosticKind DiagnosticKindOf(unsigned cause) {
   return row != std::ranges::end(kCauseDiagnostics) ? row->kind : CauseDiagnosticKind::None;
 }
 
-void PrintLocation(unsigned location) {
+void PrintLocation(OutputWriter& out, unsigned location) {
   if (location >= kFirstNationalLocation) {
     // This line has a blank after "=".
-    PrintFieldName("Location");
-    Out().SpaceHex(location);
-    Out().Put("  reserved for national use\n");
+    PrintFieldName(out, "Location");
+    out.SpaceHex(location);
+    out.Put("  reserved for national use\n");
     return;
   }
-  PrintField("Location", location, 4, kLocations);
+  PrintField(out, "Location", location, 4, kLocations);
 }
 
 }  // namespace
@@ -186,20 +186,20 @@ void PrintLocation(unsigned location) {
 // Octet 3 (extension, coding standard, location), octet 3a (recommendation)
 // when octet 3's extension bit is 0, octet 4 (class, value), then the
 // diagnostics. An element that ends before a field's octet ends the lines there.
-int DecodeCause(const ElementOctets& element) {
-  PrintHeading("Cause");
+int DecodeCause(OutputWriter& out, const ElementOctets& element) {
+  PrintHeading(out, "Cause");
   const int count = element.Count();
 
   const std::optional<Octet> octet3 = element.At(2);
   if (!octet3) return count;
-  PrintField("Coding standard", FieldBits(*octet3, 7, 6), 2, kCauseCodingStandard);
-  PrintLocation(FieldBits(*octet3, 4, 1));
+  PrintField(out, "Coding standard", FieldBits(*octet3, 7, 6), 2, kCauseCodingStandard);
+  PrintLocation(out, FieldBits(*octet3, 4, 1));
 
   std::size_t octet4Position = 3;
   if (AnnouncesMore(*octet3)) {
     const std::optional<Octet> octet3a = element.At(3);
     if (!octet3a) return count;
-    PrintField("Recommendation", FieldBits(*octet3a, 7, 1), 7, kRecommendations);
+    PrintField(out, "Recommendation", FieldBits(*octet3a, 7, 1), 7, kRecommendations);
     // Octet 3a's own extension bit is not looked at: octet 4 always follows.
     octet4Position = 4;
   }
@@ -207,14 +207,14 @@ int DecodeCause(const ElementOctets& element) {
   const std::optional<Octet> octet4 = element.At(octet4Position);
   if (!octet4) return count;
   const unsigned cause = FieldBits(*octet4, 7, 1);
-  PrintField("Cause Class", FieldBits(*octet4, 7, 5), 3, kCauseClasses);
-  const bool known = PrintField("Cause Value", cause, 4, kCauseValues);
+  PrintField(out, "Cause Class", FieldBits(*octet4, 7, 5), 3, kCauseClasses);
+  const bool known = PrintField(out, "Cause Value", cause, 4, kCauseValues);
   const CauseDiagnosticKind kind = known ? DiagnosticKindOf(cause) : CauseDiagnosticKind::None;
 
   // Diagnostics only when their first octet lies inside the element and the frame.
   const std::size_t firstDiagnostic = octet4Position + 1;
   if (element.Has(firstDiagnostic) && kind != CauseDiagnosticKind::None)
-    DecodeCauseDiagnostics(kind, element, firstDiagnostic, static_cast<std::size_t>(count));
+    DecodeCauseDiagnostics(out, kind, element, firstDiagnostic, static_cast<std::size_t>(count));
   return count;
 }
 

@@ -27,7 +27,7 @@ enum class CauseDiagnosticKind {
 // Prints the diagnostics heading and lines for the element's octets at
 // positions first to count - 1 (count is L + 2). Nothing at or beyond count,
 // nor beyond the frame, is read. Kind None prints nothing.
-void DecodeCauseDiagnostics(CauseDiagnosticKind kind, const ElementOctets& element, std::size_t first,
-                            std::size_t count);
+void DecodeCauseDiagnostics(OutputWriter& out, CauseDiagnosticKind kind, const ElementOctets& element,
+                            std::size_t first, std::size_t count);
 
 }  // namespace velmora

@@ -19,11 +19,11 @@ constexpr ValueText kServiceSides[] = {{0, "Network service - Provider"}, {1, "N
 constexpr ValueText kNormality[] = {{0, "Normal"}, {1, "Abnormal"}};
 constexpr ValueText kPersistence[] = {{0b00, "Unknown"}, {0b01, "Permanent"}, {0b10, "Transient"}};
 
-void DecodeCondition(OctetSpan diagnostics) {
+void DecodeCondition(OutputWriter& out, OctetSpan diagnostics) {
   const Octet octet = diagnostics.front();
-  PrintField("Bit 4", FieldBits(octet, 4, 4), 1, kServiceSides, kSub);
-  PrintField("Bit 3", FieldBits(octet, 3, 3), 1, kNormality, kSub);
-  PrintField("Bits 2-1", FieldBits(octet, 2, 1), 2, kPersistence, kSub);
+  PrintField(out, "Bit 4", FieldBits(octet, 4, 4), 1, kServiceSides, kSub);
+  PrintField(out, "Bit 3", FieldBits(octet, 3, 3), 1, kNormality, kSub);
+  PrintField(out, "Bits 2-1", FieldBits(octet, 2, 1), 2, kPersistence, kSub);
 }
 
 // --- CCBS indicator (one whole octet) ---
@@ -34,10 +34,10 @@ constexpr ValueText kCcbsIndicators[] = {
     {0xFF, "Reserved for extension"},
 };
 
-void DecodeCcbsIndicator(OctetSpan diagnostics) {
+void DecodeCcbsIndicator(OutputWriter& out, OctetSpan diagnostics) {
   const Octet octet = diagnostics.front();
-  if (PrintField("Bits 8-1", octet, 8, kCcbsIndicators, kSub)) return;
-  PrintHexMeaning("Bits 8-1", octet, octet < 0x80 ? "Spare" : "Spare for national use", kSub);
+  if (PrintField(out, "Bits 8-1", octet, 8, kCcbsIndicators, kSub)) return;
+  PrintHexMeaning(out, "Bits 8-1", octet, octet < 0x80 ? "Spare" : "Spare for national use", kSub);
 }
 
 // --- Call rejected (reason and condition, then the reason's octets) ---
@@ -62,21 +62,21 @@ constexpr ValueText kElementTypes[] = {
     {1, "fixed length information element"},
 };
 
-void DecodeCallRejected(OctetSpan diagnostics) {
+void DecodeCallRejected(OutputWriter& out, OctetSpan diagnostics) {
   const Octet first = diagnostics.front();
   const unsigned reason = FieldBits(first, 7, 3);
-  PrintField("Rejection reason", reason, 5, kRejectionReasons, kSub);
-  PrintField("Condition", FieldBits(first, 2, 1), 2, kRejectionConditions, kSub);
+  PrintField(out, "Rejection reason", reason, 5, kRejectionReasons, kSub);
+  PrintField(out, "Condition", FieldBits(first, 2, 1), 2, kRejectionConditions, kSub);
 
   const OctetSpan rest = diagnostics.subspan(1);
   if (rest.empty()) return;
   if (reason == kUserSpecific) {
-    PrintOctetString("User specific diagnostic", rest, kSub);
+    PrintOctetString(out, "User specific diagnostic", rest, kSub);
   } else if (reason == kElementMissing || reason == kContentsNotSufficient) {
     // Each octet names an information element: bit 8 its kind, bits 7-1 its identifier.
     for (const Octet named : rest) {
-      PrintField("Information element type", FieldBits(named, 8, 8), 1, kElementTypes, kSub);
-      PrintSpacedHexField("Information element identifier", FieldBits(named, 7, 1), kSub);
+      PrintField(out, "Information element type", FieldBits(named, 8, 8), 1, kElementTypes, kSub);
+      PrintSpacedHexField(out, "Information element identifier", FieldBits(named, 7, 1), kSub);
     }
   }
 }
@@ -97,39 +97,43 @@ constexpr LayerProtocols kLayerProtocols[] = {
     {"User information layer 3 protocol", kBearerLayer3Protocol},
 };
 
-void PrintTransferCapability(Octet value) {
-  PrintField("Information transfer capability", FieldBits(value, 5, 1), 5, kInformationTransferCapability, kSub);
+void PrintTransferCapability(OutputWriter& out, Octet value) {
+  PrintField(out, "Information transfer capability", FieldBits(value, 5, 1), 5, kInformationTransferCapability, kSub);
 }
-void PrintTransferMode(Octet value) {
-  PrintField("Transfer mode", FieldBits(value, 7, 6), 2, kBearerTransferMode, kSub);
+void PrintTransferMode(OutputWriter& out, Octet value) {
+  PrintField(out, "Transfer mode", FieldBits(value, 7, 6), 2, kBearerTransferMode, kSub);
 }
-void PrintTransferRate(Octet value) {
-  PrintField("Information transfer rate", FieldBits(value, 5, 1), 5, kInformationTransferRate, kSub);
+void PrintTransferRate(OutputWriter& out, Octet value) {
+  PrintField(out, "Information transfer rate", FieldBits(value, 5, 1), 5, kInformationTransferRate, kSub);
 }
 // The next five have one meaning each in Q.931 (1988), whatever their bits.
-void PrintStructure(Octet value) { PrintHexMeaning("Structure", FieldBits(value, 7, 5), "8 kHz integrity", kSub); }
-void PrintConfiguration(Octet value) {
-  PrintHexMeaning("Configuration", FieldBits(value, 4, 3), "Point-to-point", kSub);
+void PrintStructure(OutputWriter& out, Octet value) {
+  PrintHexMeaning(out, "Structure", FieldBits(value, 7, 5), "8 kHz integrity", kSub);
 }
-void PrintEstablishment(Octet value) { PrintHexMeaning("Establishment", FieldBits(value, 2, 1), "Demand", kSub); }
-void PrintSymmetry(Octet value) {
-  PrintHexMeaning("Symmetry", FieldBits(value, 7, 6), "Bi-directional symmetric", kSub);
+void PrintConfiguration(OutputWriter& out, Octet value) {
+  PrintHexMeaning(out, "Configuration", FieldBits(value, 4, 3), "Point-to-point", kSub);
+}
+void PrintEstablishment(OutputWriter& out, Octet value) {
+  PrintHexMeaning(out, "Establishment", FieldBits(value, 2, 1), "Demand", kSub);
+}
+void PrintSymmetry(OutputWriter& out, Octet value) {
+  PrintHexMeaning(out, "Symmetry", FieldBits(value, 7, 6), "Bi-directional symmetric", kSub);
 }
 // This line has a blank after "=".
-void PrintReverseTransferRate(Octet value) {
-  PrintFieldName("Information transfer rate (dest. --> orig.)", kSub);
-  Out().SpaceHex(FieldBits(value, 5, 1));
-  Out().Put("  Reference in Recommendation Q.931 (1988)\n");
+void PrintReverseTransferRate(OutputWriter& out, Octet value) {
+  PrintFieldName(out, "Information transfer rate (dest. --> orig.)", kSub);
+  out.SpaceHex(FieldBits(value, 5, 1));
+  out.Put("  Reference in Recommendation Q.931 (1988)\n");
 }
-void PrintLayerIdentification(Octet value) {
+void PrintLayerIdentification(OutputWriter& out, Octet value) {
   const unsigned layer = FieldBits(value, 7, 6);
-  if (!PrintField("Layer identification", layer, 2, kLayers, kSub)) return;
-  PrintField(kLayerProtocols[layer].field, FieldBits(value, 5, 1), 5, kLayerProtocols[layer].protocols, kSub);
+  if (!PrintField(out, "Layer identification", layer, 2, kLayers, kSub)) return;
+  PrintField(out, kLayerProtocols[layer].field, FieldBits(value, 5, 1), 5, kLayerProtocols[layer].protocols, kSub);
 }
 
 struct Attribute {
   ValueText number;  // the attribute number and its name
-  void (*printValue)(Octet value);
+  void (*printValue)(OutputWriter& out, Octet value);
 };
 constexpr Attribute kAttributes[] = {
     {{0x31, "Information transfer capability"}, PrintTransferCapability},
@@ -153,17 +157,17 @@ const Attribute* FindAttribute(unsigned number) {
 // available value); bit 8 = 1 ends a run. An unknown attribute number has no
 // line: that one octet is skipped and the next is read as a number. Every
 // step consumes an octet, so the walk ends with the diagnostics.
-void DecodeAttributeIdentity(OctetSpan diagnostics) {
+void DecodeAttributeIdentity(OutputWriter& out, OctetSpan diagnostics) {
   std::size_t position = 0;
   while (position < diagnostics.size()) {
     const Attribute* attribute = FindAttribute(FieldBits(diagnostics[position], 7, 1));
     ++position;
     if (attribute == nullptr) continue;
-    PrintCodedValue("Attribute number", attribute->number.value, 7, attribute->number.text, kSub);
+    PrintCodedValue(out, "Attribute number", attribute->number.value, 7, attribute->number.text, kSub);
     while (position < diagnostics.size()) {
       const Octet value = diagnostics[position];
       ++position;
-      attribute->printValue(value);
+      attribute->printValue(out, value);
       if (!AnnouncesMore(value)) break;
     }
   }
@@ -171,16 +175,16 @@ void DecodeAttributeIdentity(OctetSpan diagnostics) {
 
 // --- Channel type (one octet, bits 4-1, Channel identification's table) ---
 
-void DecodeChannelType(OctetSpan diagnostics) {
-  PrintField("Channel type", FieldBits(diagnostics.front(), 4, 1), 4, kChannelType, kSub);
+void DecodeChannelType(OutputWriter& out, OctetSpan diagnostics) {
+  PrintField(out, "Channel type", FieldBits(diagnostics.front(), 4, 1), 4, kChannelType, kSub);
 }
 
 // --- Message type (every octet, named as the message dispatch names it) ---
 
-void DecodeMessageTypes(OctetSpan diagnostics) {
+void DecodeMessageTypes(OutputWriter& out, OctetSpan diagnostics) {
   for (const Octet octet : diagnostics) {
     const MessageTypeInfo* type = FindMessageType(octet);
-    if (type != nullptr) PrintCodedValue("Message type", octet, 8, type->name, kSub);
+    if (type != nullptr) PrintCodedValue(out, "Message type", octet, 8, type->name, kSub);
   }
 }
 
@@ -189,7 +193,7 @@ void DecodeMessageTypes(OctetSpan diagnostics) {
 struct DiagnosticCoding {
   CauseDiagnosticKind kind;
   std::string_view name;  // behind "Diagnostics: Coding of "
-  void (*decode)(OctetSpan diagnostics);
+  void (*decode)(OutputWriter& out, OctetSpan diagnostics);
   std::string_view dumpField;  // the octet dump's field, for codings without a decoder
 };
 constexpr DiagnosticCoding kCodings[] = {
@@ -211,8 +215,8 @@ constexpr DiagnosticCoding kCodings[] = {
 
 }  // namespace
 
-void DecodeCauseDiagnostics(CauseDiagnosticKind kind, const ElementOctets& element, std::size_t first,
-                            std::size_t count) {
+void DecodeCauseDiagnostics(OutputWriter& out, CauseDiagnosticKind kind, const ElementOctets& element,
+                            std::size_t first, std::size_t count) {
   // The element's octets from `first`, clipped to the frame and to `count`.
   OctetSpan diagnostics = element.Slice(first);
   const std::size_t available = count > first ? count - first : 0;
@@ -222,14 +226,13 @@ void DecodeCauseDiagnostics(CauseDiagnosticKind kind, const ElementOctets& eleme
   const auto* coding = std::ranges::find(kCodings, kind, &DiagnosticCoding::kind);
   if (coding == std::ranges::end(kCodings)) return;
 
-  OutputWriter& out = Out();
   out.Put("\t\tDiagnostics: Coding of ");
   out.Put(coding->name);
   out.Put('\n');
   if (coding->decode != nullptr)
-    coding->decode(diagnostics);
+    coding->decode(out, diagnostics);
   else
-    PrintOctetString(coding->dumpField, diagnostics, kSub);
+    PrintOctetString(out, coding->dumpField, diagnostics, kSub);
 }
 
 }  // namespace velmora

@@ -59,24 +59,24 @@ OctetSpan ExtendedGroup(const ElementOctets& element, std::size_t first) {
 
 }  // namespace
 
-int DecodeChannelIdentification(const ElementOctets& element) {
-  PrintHeading("Channel identification");
+int DecodeChannelIdentification(OutputWriter& out, const ElementOctets& element) {
+  PrintHeading(out, "Channel identification");
   const auto octet3 = element.At(2);
   if (!octet3) return element.Count();
 
   const bool interfaceIdentified = FieldBits(*octet3, 7, 7);
   const bool otherInterface = FieldBits(*octet3, 6, 6);
-  PrintField("Interface identifier present", interfaceIdentified, 1, kInterfaceIdentifierPresent);
-  PrintField("Interface type", otherInterface, 1, kInterfaceType);
-  PrintField("Preferred/Exclusive", FieldBits(*octet3, 4, 4), 1, kPreferredExclusive);
-  PrintField("D-channel indicator", FieldBits(*octet3, 3, 3), 1, kDChannelIndicator);
-  PrintField("Information channel selection", FieldBits(*octet3, 2, 1), 2,
+  PrintField(out, "Interface identifier present", interfaceIdentified, 1, kInterfaceIdentifierPresent);
+  PrintField(out, "Interface type", otherInterface, 1, kInterfaceType);
+  PrintField(out, "Preferred/Exclusive", FieldBits(*octet3, 4, 4), 1, kPreferredExclusive);
+  PrintField(out, "D-channel indicator", FieldBits(*octet3, 3, 3), 1, kDChannelIndicator);
+  PrintField(out, "Information channel selection", FieldBits(*octet3, 2, 1), 2,
              otherInterface ? ValueTable(kOtherChannelSelection) : ValueTable(kBasicChannelSelection));
 
   std::size_t index = 3;
   if (interfaceIdentified) {
     const OctetSpan interfaceIds = ExtendedGroup(element, index);
-    for (const Octet id : interfaceIds) PrintDecimalField("Interface identifier", FieldBits(id, 7, 1));
+    for (const Octet id : interfaceIds) PrintDecimalField(out, "Interface identifier", FieldBits(id, 7, 1));
     index += interfaceIds.size();
   }
 
@@ -86,21 +86,21 @@ int DecodeChannelIdentification(const ElementOctets& element) {
   const auto octet32 = element.At(index);
   if (!octet32) return element.Count();
   ++index;
-  PrintField("Coding standard", FieldBits(*octet32, 7, 6), 2, kCodingStandard);
-  PrintField("Channel type/map element type", FieldBits(*octet32, 4, 1), 4, kChannelType);
+  PrintField(out, "Coding standard", FieldBits(*octet32, 7, 6), 2, kCodingStandard);
+  PrintField(out, "Channel type/map element type", FieldBits(*octet32, 4, 1), 4, kChannelType);
   const bool slotMap = FieldBits(*octet32, 5, 5);
-  PrintField("Number/map", slotMap, 1, kNumberMap);
+  PrintField(out, "Number/map", slotMap, 1, kNumberMap);
   if (slotMap) {
     // The map runs to the element's end; its bits are not named one by one.
-    PrintOctetString("Slot map", element.Slice(index));
+    PrintOctetString(out, "Slot map", element.Slice(index));
   } else {
     // All channel numbers stand on one line, each as " %d".
-    PrintFieldName("Channel number");
+    PrintFieldName(out, "Channel number");
     for (const Octet number : ExtendedGroup(element, index)) {
-      Out().Put(' ');
-      Out().Decimal(FieldBits(number, 7, 1));
+      out.Put(' ');
+      out.Decimal(FieldBits(number, 7, 1));
     }
-    Out().Put('\n');
+    out.Put('\n');
   }
   return element.Count();
 }

@@ -8,10 +8,11 @@ namespace velmora {
 
 namespace {
 
-int DecodeIa5Element(const ElementOctets& element, std::string_view heading, std::string_view label) {
-  PrintHeading(heading);
+int DecodeIa5Element(OutputWriter& out, const ElementOctets& element, std::string_view heading,
+                     std::string_view label) {
+  PrintHeading(out, heading);
   const OctetSpan characters = element.Slice(2);
-  if (!characters.empty()) PrintIa5String(label, characters);
+  if (!characters.empty()) PrintIa5String(out, label, characters);
   return element.Count();
 }
 
@@ -30,23 +31,23 @@ constexpr DateTimeField kDateTimeFields[] = {
 
 }  // namespace
 
-int DecodeDisplay(const ElementOctets& element) {
-  return DecodeIa5Element(element, "Display", "Display information(IA5)");
+int DecodeDisplay(OutputWriter& out, const ElementOctets& element) {
+  return DecodeIa5Element(out, element, "Display", "Display information(IA5)");
 }
 
-int DecodeKeypadFacility(const ElementOctets& element) {
-  return DecodeIa5Element(element, "Keypad facility", "Keypad facility information(IA5)");
+int DecodeKeypadFacility(OutputWriter& out, const ElementOctets& element) {
+  return DecodeIa5Element(out, element, "Keypad facility", "Keypad facility information(IA5)");
 }
 
-int DecodeDateTime(const ElementOctets& element) {
-  PrintHeading("Date/time");
+int DecodeDateTime(OutputWriter& out, const ElementOctets& element) {
+  PrintHeading(out, "Date/time");
   // Fields behind the frame's last octet do not exist and get no line. An
   // octet of 0x80 or more is no valid date or time; it shows as 128 to 255.
   for (const DateTimeField& field : kDateTimeFields) {
     if (element.Length() < field.minimumLength) break;
     const auto octet = element.FrameAt(field.position);
     if (!octet) break;
-    PrintDecimalField(field.name, *octet);
+    PrintDecimalField(out, field.name, *octet);
   }
   return element.Count();
 }

@@ -98,26 +98,26 @@ Octet4aForm Octet4aFormAfter(unsigned characteristics) {
 
 }  // namespace
 
-int DecodeHighLayerCompatibility(const ElementOctets& element) {
-  PrintHeading("High layer compatibility");
+int DecodeHighLayerCompatibility(OutputWriter& out, const ElementOctets& element) {
+  PrintHeading(out, "High layer compatibility");
 
   const auto octet3 = element.At(kOctet3Position);
   if (!octet3) return element.Count();
-  PrintOctetFields(*octet3, kOctet3);
+  PrintOctetFields(out, *octet3, kOctet3);
 
   const auto octet4 = element.At(kOctet4Position);
   if (!octet4) return element.Count();
   const unsigned characteristics = FieldBits(*octet4, 7, 1);
-  PrintField(kCharacteristicsName, characteristics, 7, kHighLayerCharacteristics);
+  PrintField(out, kCharacteristicsName, characteristics, 7, kHighLayerCharacteristics);
   if (const RangeText* reserved = FindRange(kReservedAudiovisual, characteristics))
-    PrintHexMeaning(kCharacteristicsName, characteristics, reserved->text);
+    PrintHexMeaning(out, kCharacteristicsName, characteristics, reserved->text);
   if (!AnnouncesMore(*octet4)) return element.Count();
 
   // Octet 4a; whatever follows it is never decoded.
   const auto octet4a = element.At(kOctet4aPosition);
   if (!octet4a) return element.Count();
   const Octet4aForm form = Octet4aFormAfter(characteristics);
-  PrintField(form.name, FieldBits(*octet4a, 7, 1), 7, form.meanings);
+  PrintField(out, form.name, FieldBits(*octet4a, 7, 1), 7, form.meanings);
   return element.Count();
 }
 

@@ -80,49 +80,49 @@ bool IsHdlc(unsigned layer2Protocol) { return layer2Protocol >= 0b01001 && layer
 bool IsX25Family(unsigned layer3Protocol) { return layer3Protocol >= 0b00110 && layer3Protocol <= 0b01000; }
 
 // Octet 6, then 6a in its HDLC or user-specified form and 6b for HDLC.
-void DecodeLayer2Group(Octet octet6, OctetReader& octets) {
+void DecodeLayer2Group(OutputWriter& out, Octet octet6, OctetReader& octets) {
   const unsigned protocol = FieldBits(octet6, 5, 1);
-  PrintField(capability::kLayer2ProtocolName, protocol, 5, kLayer2Protocol);
+  PrintField(out, capability::kLayer2ProtocolName, protocol, 5, kLayer2Protocol);
   bool more = AnnouncesMore(octet6);
 
   if (more && (IsHdlc(protocol) || protocol == kLayer2UserSpecified)) {
     const auto octet6a = octets.Take();
     if (!octet6a) return;
     if (IsHdlc(protocol))
-      PrintOctetFields(*octet6a, kOctet6aHdlc);
+      PrintOctetFields(out, *octet6a, kOctet6aHdlc);
     else
-      PrintSpacedHexField("User specified layer 2 protocol information", FieldBits(*octet6a, 7, 1));
+      PrintSpacedHexField(out, "User specified layer 2 protocol information", FieldBits(*octet6a, 7, 1));
     more = AnnouncesMore(*octet6a);
   }
   if (more && IsHdlc(protocol)) {
     const auto octet6b = octets.Take();
     if (!octet6b) return;
-    PrintSpacedHexField("Window size (k)", FieldBits(*octet6b, 7, 1));
+    PrintSpacedHexField(out, "Window size (k)", FieldBits(*octet6b, 7, 1));
   }
 }
 
 // Octet 7, then 7a (user specified), 7a to 7c (X.25 family) or 7a and 7b
 // (ISO/IEC TR 9577), each only when bit 8 of octet 7 announces them.
-void DecodeLayer3Group(Octet octet7, OctetReader& octets) {
+void DecodeLayer3Group(OutputWriter& out, Octet octet7, OctetReader& octets) {
   const unsigned protocol = FieldBits(octet7, 5, 1);
-  PrintField(capability::kLayer3ProtocolName, protocol, 5, kLayer3Protocol);
+  PrintField(out, capability::kLayer3ProtocolName, protocol, 5, kLayer3Protocol);
   if (!AnnouncesMore(octet7)) return;
 
   if (protocol == kLayer3UserSpecified) {
     if (const auto octet7a = octets.Take())
-      PrintSpacedHexField("User specified layer 3 protocol information", FieldBits(*octet7a, 7, 1));
+      PrintSpacedHexField(out, "User specified layer 3 protocol information", FieldBits(*octet7a, 7, 1));
   } else if (IsX25Family(protocol)) {
     const auto octet7a = octets.Take();
     if (!octet7a) return;
-    PrintField("Mode of operation", FieldBits(*octet7a, 7, 6), 2, kX25ModeOfOperation);
+    PrintField(out, "Mode of operation", FieldBits(*octet7a, 7, 6), 2, kX25ModeOfOperation);
     if (!AnnouncesMore(*octet7a)) return;
     const auto octet7b = octets.Take();
     if (!octet7b) return;
-    PrintField("Default packet size", FieldBits(*octet7b, 4, 1), 4, kDefaultPacketSize);
+    PrintField(out, "Default packet size", FieldBits(*octet7b, 4, 1), 4, kDefaultPacketSize);
     if (!AnnouncesMore(*octet7b)) return;
-    if (const auto octet7c = octets.Take()) PrintSpacedHexField("Packet window size", FieldBits(*octet7c, 7, 1));
+    if (const auto octet7c = octets.Take()) PrintSpacedHexField(out, "Packet window size", FieldBits(*octet7c, 7, 1));
   } else if (protocol == capability::kLayer3Tr9577) {
-    capability::DecodeAdditionalLayer3Information(octets);
+    capability::DecodeAdditionalLayer3Information(out, octets);
   }
 }
 
@@ -137,8 +137,8 @@ constexpr capability::CapabilityVariant kLowLayerCompatibility = {
 
 }  // namespace
 
-int DecodeLowLayerCompatibility(const ElementOctets& element) {
-  return capability::DecodeCapabilityElement(element, kLowLayerCompatibility);
+int DecodeLowLayerCompatibility(OutputWriter& out, const ElementOctets& element) {
+  return capability::DecodeCapabilityElement(out, element, kLowLayerCompatibility);
 }
 
 }  // namespace velmora

@@ -26,9 +26,9 @@ constexpr ValueText kTransitIdentificationPlan[] = {
     {0b0011, "Data network identification code (Recommendation X.121 [21])"},
 };
 
-void PrintNetworkIdentification(Octet octet, ValueTable plans) {
-  PrintField("Type of network identification", FieldBits(octet, 7, 5), 3, kNetworkIdentificationType);
-  PrintField("Network identification plan", FieldBits(octet, 4, 1), 4, plans);
+void PrintNetworkIdentification(OutputWriter& out, Octet octet, ValueTable plans) {
+  PrintField(out, "Type of network identification", FieldBits(octet, 7, 5), 3, kNetworkIdentificationType);
+  PrintField(out, "Network identification plan", FieldBits(octet, 4, 1), 4, plans);
 }
 
 // The network identification's characters, shown as their IA5 codes.
@@ -41,30 +41,31 @@ constexpr std::string_view kNetworkIdentificationName = "Network identification(
 // An identification that announces more octets than the element holds shows
 // the characters it has; when the element then ends before the facility
 // octet, the facility line is left out.
-int DecodeNetworkSpecificFacilities(const ElementOctets& element) {
-  PrintHeading("Network-specific facilities");
+int DecodeNetworkSpecificFacilities(OutputWriter& out, const ElementOctets& element) {
+  PrintHeading(out, "Network-specific facilities");
   const auto identificationLength = element.At(2);
   if (!identificationLength) return element.Count();
 
   std::size_t facilityIndex = 3;
   if (*identificationLength >= 0x01 && *identificationLength <= 0x7F) {
-    if (const auto octet31 = element.At(3)) PrintNetworkIdentification(*octet31, kFacilitiesIdentificationPlan);
+    if (const auto octet31 = element.At(3)) PrintNetworkIdentification(out, *octet31, kFacilitiesIdentificationPlan);
     const OctetSpan characters = element.Slice(4);
     const std::size_t characterCount = *identificationLength - 1U;
-    PrintIa5String(kNetworkIdentificationName, characters.first(std::min(characterCount, characters.size())));
+    PrintIa5String(out, kNetworkIdentificationName, characters.first(std::min(characterCount, characters.size())));
     facilityIndex = 3 + *identificationLength;
   }
 
-  if (const auto facility = element.At(facilityIndex)) PrintSpacedHexField("Network-specific facilities", *facility);
+  if (const auto facility = element.At(facilityIndex))
+    PrintSpacedHexField(out, "Network-specific facilities", *facility);
   return element.Count();
 }
 
-int DecodeTransitNetworkSelection(const ElementOctets& element) {
-  PrintHeading("Transit network selection");
+int DecodeTransitNetworkSelection(OutputWriter& out, const ElementOctets& element) {
+  PrintHeading(out, "Transit network selection");
   const auto octet3 = element.At(2);
   if (!octet3) return element.Count();
-  PrintNetworkIdentification(*octet3, kTransitIdentificationPlan);
-  PrintIa5String(kNetworkIdentificationName, element.Slice(3));
+  PrintNetworkIdentification(out, *octet3, kTransitIdentificationPlan);
+  PrintIa5String(out, kNetworkIdentificationName, element.Slice(3));
   return element.Count();
 }
 

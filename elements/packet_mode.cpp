@@ -75,17 +75,17 @@ constexpr ValueText kReverseChargingIndication[] = {
 
 // The heading, and whether the element has contents to decode: L of 0, or
 // a frame that ends at the length octet, leaves the heading alone.
-bool PrintHeadingAndHasContents(const ElementOctets& element, std::string_view heading) {
-  PrintHeading(heading);
+bool PrintHeadingAndHasContents(OutputWriter& out, const ElementOctets& element, std::string_view heading) {
+  PrintHeading(out, heading);
   return element.Has(2);
 }
 
 // A rate line: the code's bits and rate, or the code in hexadecimal as reserved.
-void PrintRate(std::string_view label, unsigned code) {
-  if (!PrintField(label, code, 5, kInformationRate)) PrintHexMeaning(label, code, "Reserved");
+void PrintRate(OutputWriter& out, std::string_view label, unsigned code) {
+  if (!PrintField(out, label, code, 5, kInformationRate)) PrintHexMeaning(out, label, code, "Reserved");
 }
 
-void PrintDelayValue(const ElementOctets& element, const DelayField& field) {
+void PrintDelayValue(OutputWriter& out, const ElementOctets& element, const DelayField& field) {
   const auto high = element.FrameAt(field.position);
   const auto middle = element.FrameAt(field.position + 1);
   const auto low = element.FrameAt(field.position + 2);
@@ -93,72 +93,72 @@ void PrintDelayValue(const ElementOctets& element, const DelayField& field) {
   const unsigned milliseconds =
       FieldBits(*high, 2, 1) * 16384U + FieldBits(*middle, 7, 1) * 128U + FieldBits(*low, 7, 1);
   // "<name>= %d ms": a blank after "=" and the unit behind the value.
-  OutputWriter& out = Out();
-  PrintFieldName(field.name);
+  PrintFieldName(out, field.name);
   out.Put(' ');
   out.Decimal(milliseconds);
   out.Put(" ms\n");
 }
 
 // Packet layer window size and Packet size: forward value, then backward.
-int DecodeForwardBackward(const ElementOctets& element, std::string_view heading) {
-  if (!PrintHeadingAndHasContents(element, heading)) return element.Count();
-  PrintHexField("Forward value", FieldBits(*element.At(2), 7, 1));
-  if (const auto backward = element.At(3)) PrintHexField("Backward value", FieldBits(*backward, 7, 1));
+int DecodeForwardBackward(OutputWriter& out, const ElementOctets& element, std::string_view heading) {
+  if (!PrintHeadingAndHasContents(out, element, heading)) return element.Count();
+  PrintHexField(out, "Forward value", FieldBits(*element.At(2), 7, 1));
+  if (const auto backward = element.At(3)) PrintHexField(out, "Backward value", FieldBits(*backward, 7, 1));
   return element.Count();
 }
 
 }  // namespace
 
-int DecodeInformationRate(const ElementOctets& element) {
-  if (!PrintHeadingAndHasContents(element, "Information rate")) return element.Count();
+int DecodeInformationRate(OutputWriter& out, const ElementOctets& element) {
+  if (!PrintHeadingAndHasContents(out, element, "Information rate")) return element.Count();
   std::size_t position = 2;
   for (const std::string_view label : kRateLabels) {
     const auto octet = element.FrameAt(position++);
     if (!octet) break;
-    PrintRate(label, FieldBits(*octet, 5, 1));
+    PrintRate(out, label, FieldBits(*octet, 5, 1));
   }
   return element.Count();
 }
 
-int DecodeEndToEndTransitDelay(const ElementOctets& element) {
-  if (!PrintHeadingAndHasContents(element, "End-to-end transit delay")) return element.Count();
+int DecodeEndToEndTransitDelay(OutputWriter& out, const ElementOctets& element) {
+  if (!PrintHeadingAndHasContents(out, element, "End-to-end transit delay")) return element.Count();
   for (const DelayField& delay : kEndToEndDelays)
-    if (element.Length() >= delay.minimumLength) PrintDelayValue(element, delay);
+    if (element.Length() >= delay.minimumLength) PrintDelayValue(out, element, delay);
   return element.Count();
 }
 
-int DecodeTransitDelaySelection(const ElementOctets& element) {
-  if (!PrintHeadingAndHasContents(element, "Transit delay selection and indication")) return element.Count();
-  PrintDelayValue(element, kTransitDelaySelection);
+int DecodeTransitDelaySelection(OutputWriter& out, const ElementOctets& element) {
+  if (!PrintHeadingAndHasContents(out, element, "Transit delay selection and indication")) return element.Count();
+  PrintDelayValue(out, element, kTransitDelaySelection);
   return element.Count();
 }
 
-int DecodePacketLayerBinaryParameters(const ElementOctets& element) {
-  if (!PrintHeadingAndHasContents(element, "Packet layer binary parameters")) return element.Count();
+int DecodePacketLayerBinaryParameters(OutputWriter& out, const ElementOctets& element) {
+  if (!PrintHeadingAndHasContents(out, element, "Packet layer binary parameters")) return element.Count();
   const Octet octet3 = *element.At(2);
-  PrintField("Fast select", FieldBits(octet3, 5, 4), 2, kFastSelect);
-  PrintField("Expedited data", FieldBits(octet3, 3, 3), 1, kExpeditedData);
-  PrintField("Delivery confirmation", FieldBits(octet3, 2, 2), 1, kDeliveryConfirmation);
-  PrintField("Modulus", FieldBits(octet3, 1, 1), 1, kModulus);
+  PrintField(out, "Fast select", FieldBits(octet3, 5, 4), 2, kFastSelect);
+  PrintField(out, "Expedited data", FieldBits(octet3, 3, 3), 1, kExpeditedData);
+  PrintField(out, "Delivery confirmation", FieldBits(octet3, 2, 2), 1, kDeliveryConfirmation);
+  PrintField(out, "Modulus", FieldBits(octet3, 1, 1), 1, kModulus);
   return element.Count();
 }
 
-int DecodePacketLayerWindowSize(const ElementOctets& element) {
-  return DecodeForwardBackward(element, "Packet layer window size");
+int DecodePacketLayerWindowSize(OutputWriter& out, const ElementOctets& element) {
+  return DecodeForwardBackward(out, element, "Packet layer window size");
 }
 
-int DecodePacketSize(const ElementOctets& element) { return DecodeForwardBackward(element, "Packet size"); }
+int DecodePacketSize(OutputWriter& out, const ElementOctets& element) {
+  return DecodeForwardBackward(out, element, "Packet size");
+}
 
-int DecodeClosedUserGroup(const ElementOctets& element) {
-  if (!PrintHeadingAndHasContents(element, "Closed user group")) return element.Count();
-  PrintField("CUG indication", FieldBits(*element.At(2), 3, 1), 3, kCugIndication);
+int DecodeClosedUserGroup(OutputWriter& out, const ElementOctets& element) {
+  if (!PrintHeadingAndHasContents(out, element, "Closed user group")) return element.Count();
+  PrintField(out, "CUG indication", FieldBits(*element.At(2), 3, 1), 3, kCugIndication);
   // One IA5 digit per octet; anything but 0 to 9 is no index digit.
   for (const Octet octet : element.Slice(3)) {
     const unsigned code = FieldBits(octet, 7, 1);
     if (code < '0' || code > '9') continue;
-    OutputWriter& out = Out();
-    PrintFieldName("CUG index code");
+    PrintFieldName(out, "CUG index code");
     out.Bits(code, 7);
     out.Put("  CUG index=");
     out.Put(static_cast<char>(code));
@@ -167,9 +167,9 @@ int DecodeClosedUserGroup(const ElementOctets& element) {
   return element.Count();
 }
 
-int DecodeReverseChargingIndication(const ElementOctets& element) {
-  if (!PrintHeadingAndHasContents(element, "Reverse charging indication")) return element.Count();
-  PrintField("Reverse charging indication", FieldBits(*element.At(2), 3, 1), 3, kReverseChargingIndication);
+int DecodeReverseChargingIndication(OutputWriter& out, const ElementOctets& element) {
+  if (!PrintHeadingAndHasContents(out, element, "Reverse charging indication")) return element.Count();
+  PrintField(out, "Reverse charging indication", FieldBits(*element.At(2), 3, 1), 3, kReverseChargingIndication);
   return element.Count();
 }
 

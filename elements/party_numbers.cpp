@@ -76,13 +76,13 @@ constexpr NumberLayout kCallingPartyNumber{"Calling party number", true, false, 
 constexpr NumberLayout kCalledPartyNumber{"Called party number", false, false, "Number digits (IA5)", true};
 constexpr NumberLayout kRedirectingNumber{"Redirecting number", true, true, "Number digits(IA5)", true};
 
-int DecodeNumber(const ElementOctets& element, const NumberLayout& layout) {
-  PrintHeading(layout.heading);
+int DecodeNumber(OutputWriter& out, const ElementOctets& element, const NumberLayout& layout) {
+  PrintHeading(out, layout.heading);
   const auto octet3 = element.At(2);
   if (!octet3) return element.Count();
 
-  PrintField("Type of number", FieldBits(*octet3, 7, 5), 3, kTypeOfNumber);
-  PrintField("Numbering plan identification", FieldBits(*octet3, 4, 1), 4, kNumberingPlan);
+  PrintField(out, "Type of number", FieldBits(*octet3, 7, 5), 3, kTypeOfNumber);
+  PrintField(out, "Numbering plan identification", FieldBits(*octet3, 4, 1), 4, kNumberingPlan);
 
   // Octets 3a and 3b are announced by extension bits, not by the length, so
   // they are read even when they lie behind the element's last octet. Behind
@@ -91,46 +91,52 @@ int DecodeNumber(const ElementOctets& element, const NumberLayout& layout) {
   if (layout.readsOctet3a && AnnouncesMore(*octet3)) {
     digitsFrom = 4;
     if (const auto octet3a = element.FrameAt(3)) {
-      PrintField("Presentation indicator", FieldBits(*octet3a, 7, 6), 2, kPresentationIndicator);
-      PrintField("Screening indicator", FieldBits(*octet3a, 2, 1), 2, kScreeningIndicator);
+      PrintField(out, "Presentation indicator", FieldBits(*octet3a, 7, 6), 2, kPresentationIndicator);
+      PrintField(out, "Screening indicator", FieldBits(*octet3a, 2, 1), 2, kScreeningIndicator);
       if (layout.readsOctet3b && AnnouncesMore(*octet3a)) {
         digitsFrom = 5;
         if (const auto octet3b = element.FrameAt(4))
-          PrintField("Reason for redirection", FieldBits(*octet3b, 4, 1), 4, kReasonForRedirection);
+          PrintField(out, "Reason for redirection", FieldBits(*octet3b, 4, 1), 4, kReasonForRedirection);
       }
     }
   }
 
   const OctetSpan digits = element.Slice(digitsFrom);
-  if (!digits.empty() || layout.showsEmptyDigits) PrintIa5String(layout.digitsLabel, digits);
+  if (!digits.empty() || layout.showsEmptyDigits) PrintIa5String(out, layout.digitsLabel, digits);
   return element.Count();
 }
 
-int DecodeSubaddress(const ElementOctets& element, std::string_view heading) {
-  PrintHeading(heading);
+int DecodeSubaddress(OutputWriter& out, const ElementOctets& element, std::string_view heading) {
+  PrintHeading(out, heading);
   const auto octet3 = element.At(2);
   if (!octet3) return element.Count();
 
-  PrintField("Type of subaddress", FieldBits(*octet3, 7, 5), 3, kTypeOfSubaddress);
-  PrintField("Odd/even indicator", FieldBits(*octet3, 4, 4), 1, kOddEvenIndicator);
-  PrintOctetString("Subaddress information", element.Slice(3));
+  PrintField(out, "Type of subaddress", FieldBits(*octet3, 7, 5), 3, kTypeOfSubaddress);
+  PrintField(out, "Odd/even indicator", FieldBits(*octet3, 4, 4), 1, kOddEvenIndicator);
+  PrintOctetString(out, "Subaddress information", element.Slice(3));
   return element.Count();
 }
 
 }  // namespace
 
-int DecodeCallingPartyNumber(const ElementOctets& element) { return DecodeNumber(element, kCallingPartyNumber); }
-
-int DecodeCalledPartyNumber(const ElementOctets& element) { return DecodeNumber(element, kCalledPartyNumber); }
-
-int DecodeRedirectingNumber(const ElementOctets& element) { return DecodeNumber(element, kRedirectingNumber); }
-
-int DecodeCallingPartySubaddress(const ElementOctets& element) {
-  return DecodeSubaddress(element, "Calling party subaddress");
+int DecodeCallingPartyNumber(OutputWriter& out, const ElementOctets& element) {
+  return DecodeNumber(out, element, kCallingPartyNumber);
 }
 
-int DecodeCalledPartySubaddress(const ElementOctets& element) {
-  return DecodeSubaddress(element, "Called party subaddress");
+int DecodeCalledPartyNumber(OutputWriter& out, const ElementOctets& element) {
+  return DecodeNumber(out, element, kCalledPartyNumber);
+}
+
+int DecodeRedirectingNumber(OutputWriter& out, const ElementOctets& element) {
+  return DecodeNumber(out, element, kRedirectingNumber);
+}
+
+int DecodeCallingPartySubaddress(OutputWriter& out, const ElementOctets& element) {
+  return DecodeSubaddress(out, element, "Calling party subaddress");
+}
+
+int DecodeCalledPartySubaddress(OutputWriter& out, const ElementOctets& element) {
+  return DecodeSubaddress(out, element, "Called party subaddress");
 }
 
 }  // namespace velmora

@@ -59,31 +59,31 @@ constexpr ValueText kSignalValue[] = {
 
 }  // namespace
 
-int DecodeProgressIndicator(const ElementOctets& element) {
-  PrintHeading("Progress indicator");
+int DecodeProgressIndicator(OutputWriter& out, const ElementOctets& element) {
+  PrintHeading(out, "Progress indicator");
   if (const auto octet3 = element.At(2)) {
-    PrintField("Coding standard", FieldBits(*octet3, 7, 6), 2, kCodingStandard);
-    PrintField("Location", FieldBits(*octet3, 4, 1), 4, kLocation);
+    PrintField(out, "Coding standard", FieldBits(*octet3, 7, 6), 2, kCodingStandard);
+    PrintField(out, "Location", FieldBits(*octet3, 4, 1), 4, kLocation);
   }
   // Octet 4 always follows octet 3, whatever octet 3's extension bit says.
   if (const auto octet4 = element.At(3)) {
-    PrintField("Progress description", FieldBits(*octet4, 7, 1), 7, kProgressDescription);
+    PrintField(out, "Progress description", FieldBits(*octet4, 7, 1), 7, kProgressDescription);
   }
   return element.Count();
 }
 
-int DecodeNotificationIndicator(const ElementOctets& element) {
-  PrintHeading("Notification indicator");
+int DecodeNotificationIndicator(OutputWriter& out, const ElementOctets& element) {
+  PrintHeading(out, "Notification indicator");
   if (const auto octet3 = element.At(2)) {
-    PrintField("Notification description", FieldBits(*octet3, 7, 1), 7, kNotificationDescription);
+    PrintField(out, "Notification description", FieldBits(*octet3, 7, 1), 7, kNotificationDescription);
   }
   return element.Count();
 }
 
-int DecodeSignal(const ElementOctets& element) {
-  PrintHeading("Signal");
+int DecodeSignal(OutputWriter& out, const ElementOctets& element) {
+  PrintHeading(out, "Signal");
   // The signal value takes the whole octet: bit 8 is part of the value.
-  if (const auto octet3 = element.At(2)) PrintField("Signal value", *octet3, 8, kSignalValue);
+  if (const auto octet3 = element.At(2)) PrintField(out, "Signal value", *octet3, 8, kSignalValue);
   return element.Count();
 }
 

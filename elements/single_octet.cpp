@@ -18,25 +18,25 @@ constexpr ValueText kCongestionLevel[] = {
 
 }  // namespace
 
-int DecodeRepeatIndicator(const ElementOctets& element) {
-  PrintHeading("Repeat indicator");
-  PrintField("Repeat indication", FieldBits(element.Identifier(), 4, 1), 4, kRepeatIndication);
+int DecodeRepeatIndicator(OutputWriter& out, const ElementOctets& element) {
+  PrintHeading(out, "Repeat indicator");
+  PrintField(out, "Repeat indication", FieldBits(element.Identifier(), 4, 1), 4, kRepeatIndication);
   return 1;
 }
 
-int DecodeSendingComplete(const ElementOctets&) {
-  PrintHeading("Sending complete");
+int DecodeSendingComplete(OutputWriter& out, const ElementOctets&) {
+  PrintHeading(out, "Sending complete");
   return 1;
 }
 
-int DecodeMoreData(const ElementOctets&) {
-  PrintHeading("More data");
+int DecodeMoreData(OutputWriter& out, const ElementOctets&) {
+  PrintHeading(out, "More data");
   return 1;
 }
 
-int DecodeCongestionLevel(const ElementOctets& element) {
-  PrintHeading("Congestion level");
-  PrintField("Congestion level", FieldBits(element.Identifier(), 4, 1), 4, kCongestionLevel);
+int DecodeCongestionLevel(OutputWriter& out, const ElementOctets& element) {
+  PrintHeading(out, "Congestion level");
+  PrintField(out, "Congestion level", FieldBits(element.Identifier(), 4, 1), 4, kCongestionLevel);
   return 1;
 }
 

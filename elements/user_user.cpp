@@ -25,20 +25,20 @@ constexpr RangeText kProtocolDiscriminatorRanges[] = {
     {0x50, 0xFE, "Reserved for other network layer or layer 3 protocols, including Recommendation X.25"},
 };
 
-void PrintProtocolDiscriminator(Octet discriminator) {
-  if (PrintField("Protocol discriminator", discriminator, 8, kProtocolDiscriminator)) return;
+void PrintProtocolDiscriminator(OutputWriter& out, Octet discriminator) {
+  if (PrintField(out, "Protocol discriminator", discriminator, 8, kProtocolDiscriminator)) return;
   if (const RangeText* range = FindRange(kProtocolDiscriminatorRanges, discriminator))
-    PrintHexMeaning("Protocol discriminator", discriminator, range->text);
+    PrintHexMeaning(out, "Protocol discriminator", discriminator, range->text);
 }
 
 }  // namespace
 
-int DecodeUserUser(const ElementOctets& element) {
-  PrintHeading("User-user");
+int DecodeUserUser(OutputWriter& out, const ElementOctets& element) {
+  PrintHeading(out, "User-user");
   const auto discriminator = element.At(2);
   if (!discriminator) return element.Count();
-  PrintProtocolDiscriminator(*discriminator);
-  PrintOctetString("User information", element.Slice(3));
+  PrintProtocolDiscriminator(out, *discriminator);
+  PrintOctetString(out, "User information", element.Slice(3));
   return element.Count();
 }
 

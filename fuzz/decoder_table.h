@@ -86,7 +86,8 @@ struct Result {
 inline Result Decode(ElementDecoder decoder, const Octet* octets, std::size_t size) {
   const auto frame = ExactCopy<Octet>(octets, size);
   Result result{{}, 0};
-  result.text = Capture([&] { result.count = decoder(ElementOctets(OctetSpan(frame.get(), size))); });
+  result.text =
+      Capture([&](OutputWriter& out) { result.count = decoder(out, ElementOctets(OctetSpan(frame.get(), size))); });
   return result;
 }
 

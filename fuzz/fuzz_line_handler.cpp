@@ -10,7 +10,6 @@
 #include <string_view>
 #include <vector>
 
-#include "core/globals.h"
 #include "core/lapd.h"
 #include "core/line_scanner.h"
 #include "fuzz/fuzz_support.h"
@@ -41,47 +40,62 @@ std::size_t ExpectedOctetCount(std::string_view line) {
   return count < present ? count : present;
 }
 
-void CheckPiece(std::string_view piece) {
+using velmora::LinkSetup;
+
+// The piece's output from a link memory, the memory it leaves and whether it
+// counted as a frame line; UA wordings noted when the memory is unknown.
+struct Decoded {
+  std::string output;
+  LinkSetup linkAfter;
+  bool frameFound;
+};
+Decoded DecodeFrom(LinkSetup link, std::string_view line, std::vector<std::uint64_t>* pending = nullptr) {
+  Decoded decoded{};
+  decoded.output = velmora::fuzz::Capture([&](velmora::OutputWriter& out) {
+    velmora::DecodeContext context{out, link, false, pending};
+    velmora::TranslateTraceLine(context, line);
+    decoded.linkAfter = context.linkSetup;
+    decoded.frameFound = context.frameFound;
+  });
+  return decoded;
+}
+
+// Decodes one piece from the carried link memory; returns the memory it leaves.
+LinkSetup CheckPiece(std::string_view piece, LinkSetup carried) {
   // The piece in a block of exactly its size.
   const auto block = velmora::fuzz::ExactCopy<char>(piece.data(), piece.size());
   const std::string_view line(block.get(), piece.size());
 
   // Decoded from both link states, and from the unknown state with the UA
   // wordings noted: those, fixed up, must give what either state gives.
-  const int carried = velmora::g_linkSetupPending;
-  int after[2];
-  std::string outputs[2];
-  for (int state = 0; state < 2; ++state) {
-    velmora::g_linkSetupPending = state;
-    velmora::g_frameFound = false;
-    outputs[state] = velmora::fuzz::Capture([&] { velmora::TranslateTraceLine(line); });
-    after[state] = velmora::g_linkSetupPending;
-  }
-  Require(after[0] >= 0 && after[0] <= 1 && after[1] >= 0 && after[1] <= 1, "link memory is 0 or 1");
-  Require(after[0] == 0 || after[1] == 1 || after[0] == after[1], "a piece sets, clears or keeps the memory");
+  const Decoded notPending = DecodeFrom(LinkSetup::NotPending, line);
+  const Decoded pending = DecodeFrom(LinkSetup::Pending, line);
+  Require(notPending.linkAfter != LinkSetup::Unknown && pending.linkAfter != LinkSetup::Unknown,
+          "a known link memory stays known");
+  Require(notPending.linkAfter == LinkSetup::NotPending || pending.linkAfter == LinkSetup::Pending ||
+              notPending.linkAfter == pending.linkAfter,
+          "a piece sets, clears or keeps the memory");
 
-  std::vector<std::uint64_t> pending;
-  velmora::g_linkSetupPending = velmora::kLinkMemoryUnknown;
-  velmora::g_pendingUaWordings = &pending;
-  std::string unknown = velmora::fuzz::Capture([&] { velmora::TranslateTraceLine(line); });
-  velmora::g_pendingUaWordings = nullptr;
-  const int afterUnknown = velmora::g_linkSetupPending;
-  Require(afterUnknown == (after[0] == after[1] ? after[0] : velmora::kLinkMemoryUnknown),
+  std::vector<std::uint64_t> notes;
+  Decoded unknown = DecodeFrom(LinkSetup::Unknown, line, &notes);
+  Require(unknown.linkAfter == (notPending.linkAfter == pending.linkAfter ? notPending.linkAfter : LinkSetup::Unknown),
           "from the unknown state a piece decides the memory exactly when it does from both", Printable(line));
-  Require(unknown == outputs[0], "the unknown state writes the DISC wording", Printable(line));
-  for (const std::uint64_t at : pending) unknown.replace(at, velmora::kUaAfterSabme.size(), velmora::kUaAfterSabme);
-  Require(unknown == outputs[1], "the noted UA wordings, fixed up, give the SABME state's output", Printable(line));
+  Require(unknown.output == notPending.output, "the unknown state writes the DISC wording", Printable(line));
+  for (const std::uint64_t at : notes)
+    unknown.output.replace(at, velmora::kUaAfterSabme.size(), velmora::kUaAfterSabme);
+  Require(unknown.output == pending.output, "the noted UA wordings, fixed up, give the SABME state's output",
+          Printable(line));
 
-  velmora::g_linkSetupPending = after[carried];
-  const std::string& out = outputs[carried];
+  const Decoded& decoded = carried == LinkSetup::Pending ? pending : notPending;
+  const std::string& out = decoded.output;
   Require(out.compare(0, line.size(), line) == 0, "the output for a piece begins with the piece",
           "piece: " + Printable(line) + "\noutput: " + Printable(out));
   const std::string_view rest = std::string_view(out).substr(line.size());
   const bool frameLine = velmora::IsFrameLine(line);
-  Require(velmora::g_frameFound == frameLine, "a frame line, and only a frame line, counts as found", Printable(line));
+  Require(decoded.frameFound == frameLine, "a frame line, and only a frame line, counts as found", Printable(line));
   if (!frameLine) {
     Require(rest.empty(), "a line that is not a frame line is only copied", Printable(out));
-    return;
+    return decoded.linkAfter;
   }
   Require(rest.substr(0, kLayer2.size()) == kLayer2, "a frame line's decoding starts with the layer-2 line",
           Printable(rest));
@@ -91,14 +105,15 @@ void CheckPiece(std::string_view piece) {
   Require(count == ExpectedOctetCount(line), "the scanner takes exactly the cells the line holds",
           "got " + std::to_string(count) + ", expected " + std::to_string(ExpectedOctetCount(line)) + "\n" +
               Printable(line));
+  return decoded.linkAfter;
 }
 
 }  // namespace
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
   // Each input starts from a link with no SABME pending, so a crash replays.
-  velmora::g_linkSetupPending = 0;
+  LinkSetup link = LinkSetup::NotPending;
   const std::string_view input(reinterpret_cast<const char*>(data), size);
-  for (const std::string_view piece : velmora::fuzz::SplitPieces(input)) CheckPiece(piece);
+  for (const std::string_view piece : velmora::fuzz::SplitPieces(input)) link = CheckPiece(piece, link);
   return 0;
 }

@@ -44,8 +44,8 @@ std::string ExpectedText(const Octet* message, std::size_t size, std::size_t& el
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
   const auto message = velmora::fuzz::ExactCopy<Octet>(data, size);
-  const std::string text =
-      velmora::fuzz::Capture([&] { velmora::DecodeQ931Message(velmora::OctetSpan(message.get(), size)); });
+  const std::string text = velmora::fuzz::Capture(
+      [&](velmora::OutputWriter& out) { velmora::DecodeQ931Message(out, velmora::OctetSpan(message.get(), size)); });
 
   std::size_t elements = 0;
   const std::string expected = ExpectedText(data, size, elements);

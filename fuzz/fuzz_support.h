@@ -12,7 +12,7 @@
 #include <string_view>
 #include <vector>
 
-#include "core/globals.h"
+#include "core/output_writer.h"
 
 namespace velmora::fuzz {
 
@@ -50,19 +50,17 @@ std::unique_ptr<T[]> ExactCopy(const void* bytes, std::size_t size) {
   return copy;
 }
 
-// Runs body with g_outputFile pointed at a string; a small buffer so the
-// writer's flush paths are taken too.
+// Runs body with a writer into a string; a small buffer so the writer's
+// flush paths are taken too.
 template <typename Body>
 std::string Capture(Body&& body, std::size_t capacity = 64) {
   std::string text;
   StringSink sink(text);
   {
     OutputWriter writer(sink, capacity);
-    g_outputFile = &writer;
-    body();
+    body(writer);
     writer.Flush();
     Require(!writer.Failed(), "a string sink never fails");
-    g_outputFile = nullptr;
   }
   return text;
 }

@@ -24,7 +24,6 @@
 #include <thread>
 #include <vector>
 
-#include "core/globals.h"
 #include "core/line_reader.h"
 #include "core/line_scanner.h"
 #include "core/parallel_run.h"
@@ -70,12 +69,23 @@ std::string Load(const MemoryFile& file) {
   return bytes;
 }
 
-// What the run must write for `text`: each piece's copy and decoding in order.
-std::string ReferenceOutput(std::string_view text, bool& anyFrameLine) {
+using velmora::LinkSetup;
+
+LinkSetup SetupOf(const velmora::LinkMemory& link) {
+  return link.setupPending ? LinkSetup::Pending : LinkSetup::NotPending;
+}
+
+// What the run must write for `text`: each piece's copy and decoding in
+// order, from the link memory `link`, which it leaves as the pieces do.
+std::string ReferenceOutput(std::string_view text, LinkSetup& link, bool& anyFrameLine) {
   anyFrameLine = false;
   std::string expected;
   for (const std::string_view piece : velmora::fuzz::SplitPieces(text)) {
-    const std::string part = velmora::fuzz::Capture([&] { velmora::TranslateTraceLine(piece); });
+    const std::string part = velmora::fuzz::Capture([&](velmora::OutputWriter& out) {
+      velmora::DecodeContext context{out, link};
+      velmora::TranslateTraceLine(context, piece);
+      link = context.linkSetup;
+    });
     Require(part.compare(0, piece.size(), piece) == 0, "the output for a piece begins with the piece",
             Printable(piece));
     anyFrameLine = anyFrameLine || velmora::IsFrameLine(piece);
@@ -84,7 +94,8 @@ std::string ReferenceOutput(std::string_view text, bool& anyFrameLine) {
   return expected;
 }
 
-void CheckRun(const MemoryFile& input, const MemoryFile& output, std::string_view text, bool refuseSameFile) {
+void CheckRun(const MemoryFile& input, const MemoryFile& output, std::string_view text, velmora::LinkMemory& link,
+              bool refuseSameFile) {
   Store(input, text);
   Store(output, "stale bytes a run must truncate\n");
   velmora::TranslationReport report;
@@ -92,15 +103,12 @@ void CheckRun(const MemoryFile& input, const MemoryFile& output, std::string_vie
   options.refuseSameFile = refuseSameFile;
   options.report = &report;
 
-  const int linkBefore = velmora::g_linkSetupPending;
-  const velmora::TranslationOutcome outcome = velmora::TranslateTraceFile(input.path, output.path, options);
-  const int linkAfter = velmora::g_linkSetupPending;
-  Require(velmora::g_outputFile == nullptr, "no output stream outside a run");
+  LinkSetup reference = SetupOf(link);
+  const velmora::TranslationOutcome outcome = velmora::TranslateTraceFile(input.path, output.path, link, options);
 
-  velmora::g_linkSetupPending = linkBefore;
   bool anyFrameLine = false;
-  const std::string expected = ReferenceOutput(text, anyFrameLine);
-  Require(velmora::g_linkSetupPending == linkAfter, "the run leaves the link memory where the pieces do");
+  const std::string expected = ReferenceOutput(text, reference, anyFrameLine);
+  Require(reference == SetupOf(link), "the run leaves the link memory where the pieces do");
 
   const std::string written = Load(output);
   if (written != expected) {
@@ -155,7 +163,7 @@ void CheckReaderInShortReads(std::string_view text, std::size_t blockSize, const
 
 // Larger than two chunks of the parallel run, so chunks are cut inside the
 // text at line ends or, in a long line, at piece boundaries.
-void CheckParallelRun(const MemoryFile& input, std::string_view text, int linkState) {
+void CheckParallelRun(const MemoryFile& input, std::string_view text, bool setupPending) {
   constexpr std::size_t kLarge = 600 * 1024;
   std::string large;
   large.reserve(kLarge + text.size());
@@ -164,33 +172,21 @@ void CheckParallelRun(const MemoryFile& input, std::string_view text, int linkSt
   const int fd = ::open(input.path.c_str(), O_RDONLY | O_CLOEXEC);
   Require(fd >= 0, "open");
 
-  velmora::g_linkSetupPending = linkState;
+  velmora::LinkMemory link{setupPending};
   std::string written;
   velmora::ParallelRunResult result;
   {
     velmora::StringSink sink(written);
     velmora::OutputWriter writer(sink);
-    result = velmora::TranslateInParallel(fd, writer, 2, false, nullptr);
+    result = velmora::TranslateInParallel(fd, writer, link, 2, false, nullptr);
     writer.Flush();
   }
   ::close(fd);
-  const int linkAfter = velmora::g_linkSetupPending;
 
-  velmora::g_linkSetupPending = linkState;
+  LinkSetup reference = setupPending ? LinkSetup::Pending : LinkSetup::NotPending;
   bool anyFrameLine = false;
-  std::string expected;
-  {
-    velmora::StringSink sink(expected);
-    velmora::OutputWriter writer(sink);
-    velmora::g_outputFile = &writer;
-    for (const std::string_view piece : velmora::fuzz::SplitPieces(large)) {
-      velmora::TranslateTraceLine(piece);
-      anyFrameLine = anyFrameLine || velmora::IsFrameLine(piece);
-    }
-    writer.Flush();
-    velmora::g_outputFile = nullptr;
-  }
-  Require(velmora::g_linkSetupPending == linkAfter, "the parallel run leaves the link memory as the pieces do");
+  const std::string expected = ReferenceOutput(large, reference, anyFrameLine);
+  Require(reference == SetupOf(link), "the parallel run leaves the link memory as the pieces do");
   if (written != expected) {
     std::size_t at = 0;
     while (at < written.size() && at < expected.size() && written[at] == expected[at]) ++at;
@@ -213,13 +209,13 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
   const std::size_t blockSize = static_cast<std::size_t>(data[1]) * 24;
   const std::string_view text(reinterpret_cast<const char*>(data + 2), size - 2);
 
-  velmora::g_linkSetupPending = control & 1;
+  velmora::LinkMemory link{(control & 1) != 0};
   const bool refuseSameFile = (control & 2) != 0;
   const std::size_t split = text.size() * (control >> 3) / 31;
-  CheckRun(input, output, text.substr(0, split), refuseSameFile);
-  CheckRun(input, output, text.substr(split), refuseSameFile);
+  CheckRun(input, output, text.substr(0, split), link, refuseSameFile);
+  CheckRun(input, output, text.substr(split), link, refuseSameFile);
 
   CheckReaderInShortReads(text, blockSize, data + 2, size - 2 > 64 ? 64 : size - 2);
-  if ((control & 4) != 0 && !text.empty()) CheckParallelRun(input, text, control & 1);
+  if ((control & 4) != 0 && !text.empty()) CheckParallelRun(input, text, (control & 1) != 0);
   return 0;
 }

@@ -4,6 +4,7 @@
 #include <optional>
 
 #include "core/octet.h"
+#include "core/output_writer.h"
 
 namespace velmora {
 
@@ -53,9 +54,9 @@ class ElementOctets {
 
 // Prints the element's heading and field lines (never the walk's prefix) and
 // returns the octets the element occupies: L + 2, or 1 for a single octet.
-using ElementDecoder = int (*)(const ElementOctets& element);
+using ElementDecoder = int (*)(OutputWriter& out, const ElementOctets& element);
 
 // Shows any element in hexadecimal: "Unknown ( 0x.. 0x.. )".
-int DecodeUnknownElement(const ElementOctets& element);
+int DecodeUnknownElement(OutputWriter& out, const ElementOctets& element);
 
 }  // namespace velmora

@@ -1,14 +1,11 @@
 #include "q931/message.h"
 
-#include "core/globals.h"
-
 namespace velmora {
 
 // Header: protocol discriminator (0), call reference length (1), the call
 // reference value, then the message type at crl + 2. The whole octet 1 is
 // the length; bits 8 to 5 are not masked off.
-void DecodeQ931Message(OctetSpan message) {
-  OutputWriter& out = Out();
+void DecodeQ931Message(OutputWriter& out, OctetSpan message) {
   out.Put("Message type:");
   if (message.size() < 2) {
     out.Put("Truncated message\n");
@@ -25,7 +22,7 @@ void DecodeQ931Message(OctetSpan message) {
   if (type == nullptr) return;
   out.Put(type->name);
   out.Put('\n');
-  type->walk(message.subspan(typePosition));
+  type->walk(out, message.subspan(typePosition));
 }
 
 }  // namespace velmora

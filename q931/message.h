@@ -9,11 +9,11 @@ namespace velmora {
 
 // A message walk: given the octets from the message type octet to the
 // message's end, prints every element behind "\tInformation element:".
-using MessageWalk = void (*)(OctetSpan fromMessageType);
+using MessageWalk = void (*)(OutputWriter& out, OctetSpan fromMessageType);
 
 // Prints "Message type:" and the type's name, then walks the elements.
 // `message` starts at the protocol discriminator and ends with the frame.
-void DecodeQ931Message(OctetSpan message);
+void DecodeQ931Message(OutputWriter& out, OctetSpan message);
 
 // One accepted element of a walk: the identifier octet matches when
 // (octet & mask) == value. Whole-octet entries use the mask 0xFF.
@@ -39,32 +39,32 @@ const MessageTypeInfo* FindMessageType(Octet value);
 ElementDecoder ChooseDecoder(std::span<const ElementMatch> accepted, Octet identifier);
 
 // The shared walk: index 1 onward, one decoder per element, until the end.
-void WalkElements(OctetSpan fromMessageType, std::span<const ElementMatch> accepted);
+void WalkElements(OutputWriter& out, OctetSpan fromMessageType, std::span<const ElementMatch> accepted);
 
-void WalkAlerting(OctetSpan fromMessageType);
-void WalkCallProceeding(OctetSpan fromMessageType);
-void WalkProgress(OctetSpan fromMessageType);
-void WalkSetup(OctetSpan fromMessageType);
-void WalkConnect(OctetSpan fromMessageType);
-void WalkSetupAcknowledge(OctetSpan fromMessageType);
-void WalkConnectAcknowledge(OctetSpan fromMessageType);
-void WalkUserInformation(OctetSpan fromMessageType);
-void WalkSuspendReject(OctetSpan fromMessageType);
-void WalkResumeReject(OctetSpan fromMessageType);
-void WalkSuspend(OctetSpan fromMessageType);
-void WalkResume(OctetSpan fromMessageType);
-void WalkSuspendAcknowledge(OctetSpan fromMessageType);
-void WalkResumeAcknowledge(OctetSpan fromMessageType);
-void WalkDisconnect(OctetSpan fromMessageType);
-void WalkRestart(OctetSpan fromMessageType);
-void WalkRelease(OctetSpan fromMessageType);
-void WalkRestartAcknowledge(OctetSpan fromMessageType);
-void WalkReleaseComplete(OctetSpan fromMessageType);
-void WalkSegment(OctetSpan fromMessageType);
-void WalkNotify(OctetSpan fromMessageType);
-void WalkStatusEnquiry(OctetSpan fromMessageType);
-void WalkCongestionControl(OctetSpan fromMessageType);
-void WalkInformation(OctetSpan fromMessageType);
-void WalkStatus(OctetSpan fromMessageType);
+void WalkAlerting(OutputWriter& out, OctetSpan fromMessageType);
+void WalkCallProceeding(OutputWriter& out, OctetSpan fromMessageType);
+void WalkProgress(OutputWriter& out, OctetSpan fromMessageType);
+void WalkSetup(OutputWriter& out, OctetSpan fromMessageType);
+void WalkConnect(OutputWriter& out, OctetSpan fromMessageType);
+void WalkSetupAcknowledge(OutputWriter& out, OctetSpan fromMessageType);
+void WalkConnectAcknowledge(OutputWriter& out, OctetSpan fromMessageType);
+void WalkUserInformation(OutputWriter& out, OctetSpan fromMessageType);
+void WalkSuspendReject(OutputWriter& out, OctetSpan fromMessageType);
+void WalkResumeReject(OutputWriter& out, OctetSpan fromMessageType);
+void WalkSuspend(OutputWriter& out, OctetSpan fromMessageType);
+void WalkResume(OutputWriter& out, OctetSpan fromMessageType);
+void WalkSuspendAcknowledge(OutputWriter& out, OctetSpan fromMessageType);
+void WalkResumeAcknowledge(OutputWriter& out, OctetSpan fromMessageType);
+void WalkDisconnect(OutputWriter& out, OctetSpan fromMessageType);
+void WalkRestart(OutputWriter& out, OctetSpan fromMessageType);
+void WalkRelease(OutputWriter& out, OctetSpan fromMessageType);
+void WalkRestartAcknowledge(OutputWriter& out, OctetSpan fromMessageType);
+void WalkReleaseComplete(OutputWriter& out, OctetSpan fromMessageType);
+void WalkSegment(OutputWriter& out, OctetSpan fromMessageType);
+void WalkNotify(OutputWriter& out, OctetSpan fromMessageType);
+void WalkStatusEnquiry(OutputWriter& out, OctetSpan fromMessageType);
+void WalkCongestionControl(OutputWriter& out, OctetSpan fromMessageType);
+void WalkInformation(OutputWriter& out, OctetSpan fromMessageType);
+void WalkStatus(OutputWriter& out, OctetSpan fromMessageType);
 
 }  // namespace velmora

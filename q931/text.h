@@ -6,8 +6,8 @@
 #include <span>
 #include <string_view>
 
-#include "core/globals.h"
 #include "core/octet.h"
+#include "core/output_writer.h"
 
 namespace velmora {
 
@@ -53,22 +53,22 @@ constexpr bool AnnouncesMore(Octet octet) { return (octet & 0x80) == 0; }
 enum class Indent { Field = 2, SubField = 3 };
 
 // The heading behind "\tInformation element:": the element's name and "\n".
-inline void PrintHeading(std::string_view name) {
-  Out().Put(name);
-  Out().Put('\n');
+inline void PrintHeading(OutputWriter& out, std::string_view name) {
+  out.Put(name);
+  out.Put('\n');
 }
 
 // "<indent><name>=": how every field line begins. For lines of their own
-// form, which go on with Out().
-void PrintFieldName(std::string_view name, Indent indent = Indent::Field);
+// form, which go on with the writer.
+void PrintFieldName(OutputWriter& out, std::string_view name, Indent indent = Indent::Field);
 
 // "<indent><name>=<bits>  <meaning>\n", value shown as `width` bits.
-void PrintCodedValue(std::string_view name, std::uint32_t value, unsigned width, std::string_view meaning,
-                     Indent indent = Indent::Field);
+void PrintCodedValue(OutputWriter& out, std::string_view name, std::uint32_t value, unsigned width,
+                     std::string_view meaning, Indent indent = Indent::Field);
 
 // The coded-value line when the table has a row for value; nothing at all
 // otherwise. Returns whether a line was printed.
-bool PrintField(std::string_view name, std::uint32_t value, unsigned width, ValueTable table,
+bool PrintField(OutputWriter& out, std::string_view name, std::uint32_t value, unsigned width, ValueTable table,
                 Indent indent = Indent::Field);
 
 // One coded field of an octet and the table of its meanings.
@@ -80,30 +80,32 @@ struct OctetField {
 };
 
 // Prints each field's line, in order; a value without a row prints nothing.
-void PrintOctetFields(Octet octet, std::span<const OctetField> fields);
+void PrintOctetFields(OutputWriter& out, Octet octet, std::span<const OctetField> fields);
 
 // "<indent><name>=0x%x  <meaning>\n": a value whose meaning it shares with
 // others (a range of values, or every value), shown in hexadecimal instead
 // of its bits.
-void PrintHexMeaning(std::string_view name, std::uint32_t value, std::string_view meaning,
+void PrintHexMeaning(OutputWriter& out, std::string_view name, std::uint32_t value, std::string_view meaning,
                      Indent indent = Indent::Field);
 
 // "<indent><name>=0x%x\n".
-void PrintHexField(std::string_view name, std::uint32_t value, Indent indent = Indent::Field);
+void PrintHexField(OutputWriter& out, std::string_view name, std::uint32_t value, Indent indent = Indent::Field);
 
 // "<indent><name>= 0x%x\n": the value behind a blank, as an octet string
 // shows its one octet.
-void PrintSpacedHexField(std::string_view name, std::uint32_t value, Indent indent = Indent::Field);
+void PrintSpacedHexField(OutputWriter& out, std::string_view name, std::uint32_t value, Indent indent = Indent::Field);
 
 // "<indent><name>=%d\n".
-void PrintDecimalField(std::string_view name, std::uint32_t value, Indent indent = Indent::Field);
+void PrintDecimalField(OutputWriter& out, std::string_view name, std::uint32_t value, Indent indent = Indent::Field);
 
 // "<indent><name>=" then " 0x%x" for each octet, then "\n".
-void PrintOctetString(std::string_view name, std::span<const std::uint8_t> octets, Indent indent = Indent::Field);
+void PrintOctetString(OutputWriter& out, std::string_view name, std::span<const std::uint8_t> octets,
+                      Indent indent = Indent::Field);
 
 // "<indent><name>=" then " 0x%x" of bits 7-1 of each octet, then "\n": IA5
 // characters shown as their codes, never as text, so a control character
 // cannot break the line. Bit 8 of each octet is spare.
-void PrintIa5String(std::string_view name, std::span<const std::uint8_t> octets, Indent indent = Indent::Field);
+void PrintIa5String(OutputWriter& out, std::string_view name, std::span<const std::uint8_t> octets,
+                    Indent indent = Indent::Field);
 
 }  // namespace velmora

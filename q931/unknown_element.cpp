@@ -6,8 +6,7 @@ namespace velmora {
 // "Unknown ( " + "0x%x " for every octet of the element + ")\n". A single-octet
 // element is its one octet; a variable-length one shows identifier, length and
 // contents, as far as the frame holds them.
-int DecodeUnknownElement(const ElementOctets& element) {
-  OutputWriter& out = Out();
+int DecodeUnknownElement(OutputWriter& out, const ElementOctets& element) {
   out.Put("Unknown ( ");
   int count = 1;
   if (element.IsSingleOctet()) {

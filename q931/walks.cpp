@@ -153,42 +153,42 @@ ElementDecoder ChooseDecoder(std::span<const ElementMatch> accepted, Octet ident
   return DecodeUnknownElement;
 }
 
-void WalkElements(OctetSpan fromMessageType, std::span<const ElementMatch> accepted) {
+void WalkElements(OutputWriter& out, OctetSpan fromMessageType, std::span<const ElementMatch> accepted) {
   std::size_t index = 1;
   while (index < fromMessageType.size()) {
-    Out().Put("\tInformation element:");
+    out.Put("\tInformation element:");
     const ElementOctets element(fromMessageType.subspan(index));
-    const int count = ChooseDecoder(accepted, element.Identifier())(element);
+    const int count = ChooseDecoder(accepted, element.Identifier())(out, element);
     index += static_cast<std::size_t>(count > 0 ? count : 1);
   }
 }
 
-void WalkAlerting(OctetSpan m) { WalkElements(m, kAlerting); }
-void WalkCallProceeding(OctetSpan m) { WalkElements(m, kCallProceeding); }
-void WalkProgress(OctetSpan m) { WalkElements(m, kProgress); }
-void WalkSetup(OctetSpan m) { WalkElements(m, kSetup); }
-void WalkConnect(OctetSpan m) { WalkElements(m, kConnect); }
-void WalkSetupAcknowledge(OctetSpan m) { WalkElements(m, kSetupAcknowledge); }
-void WalkConnectAcknowledge(OctetSpan m) { WalkElements(m, kConnectAcknowledge); }
-void WalkUserInformation(OctetSpan m) { WalkElements(m, kUserInformation); }
-void WalkSuspendReject(OctetSpan m) { WalkElements(m, kSuspendResumeReject); }
-void WalkResumeReject(OctetSpan m) { WalkElements(m, kSuspendResumeReject); }
-void WalkSuspend(OctetSpan m) { WalkElements(m, kSuspendResume); }
-void WalkResume(OctetSpan m) { WalkElements(m, kSuspendResume); }
-void WalkSuspendAcknowledge(OctetSpan m) { WalkElements(m, kDisplayOnly); }
-void WalkResumeAcknowledge(OctetSpan m) { WalkElements(m, kResumeAcknowledge); }
-void WalkDisconnect(OctetSpan m) { WalkElements(m, kDisconnect); }
-void WalkRestart(OctetSpan m) { WalkElements(m, kRestart); }
-void WalkRelease(OctetSpan m) { WalkElements(m, kRelease); }
-void WalkRestartAcknowledge(OctetSpan m) { WalkElements(m, kRestart); }
-void WalkReleaseComplete(OctetSpan m) { WalkElements(m, kRelease); }
+void WalkAlerting(OutputWriter& out, OctetSpan m) { WalkElements(out, m, kAlerting); }
+void WalkCallProceeding(OutputWriter& out, OctetSpan m) { WalkElements(out, m, kCallProceeding); }
+void WalkProgress(OutputWriter& out, OctetSpan m) { WalkElements(out, m, kProgress); }
+void WalkSetup(OutputWriter& out, OctetSpan m) { WalkElements(out, m, kSetup); }
+void WalkConnect(OutputWriter& out, OctetSpan m) { WalkElements(out, m, kConnect); }
+void WalkSetupAcknowledge(OutputWriter& out, OctetSpan m) { WalkElements(out, m, kSetupAcknowledge); }
+void WalkConnectAcknowledge(OutputWriter& out, OctetSpan m) { WalkElements(out, m, kConnectAcknowledge); }
+void WalkUserInformation(OutputWriter& out, OctetSpan m) { WalkElements(out, m, kUserInformation); }
+void WalkSuspendReject(OutputWriter& out, OctetSpan m) { WalkElements(out, m, kSuspendResumeReject); }
+void WalkResumeReject(OutputWriter& out, OctetSpan m) { WalkElements(out, m, kSuspendResumeReject); }
+void WalkSuspend(OutputWriter& out, OctetSpan m) { WalkElements(out, m, kSuspendResume); }
+void WalkResume(OutputWriter& out, OctetSpan m) { WalkElements(out, m, kSuspendResume); }
+void WalkSuspendAcknowledge(OutputWriter& out, OctetSpan m) { WalkElements(out, m, kDisplayOnly); }
+void WalkResumeAcknowledge(OutputWriter& out, OctetSpan m) { WalkElements(out, m, kResumeAcknowledge); }
+void WalkDisconnect(OutputWriter& out, OctetSpan m) { WalkElements(out, m, kDisconnect); }
+void WalkRestart(OutputWriter& out, OctetSpan m) { WalkElements(out, m, kRestart); }
+void WalkRelease(OutputWriter& out, OctetSpan m) { WalkElements(out, m, kRelease); }
+void WalkRestartAcknowledge(OutputWriter& out, OctetSpan m) { WalkElements(out, m, kRestart); }
+void WalkReleaseComplete(OutputWriter& out, OctetSpan m) { WalkElements(out, m, kRelease); }
 // A SEGMENT shows its name line and none of its elements.
-void WalkSegment(OctetSpan) {}
-void WalkNotify(OctetSpan m) { WalkElements(m, kNotify); }
-void WalkStatusEnquiry(OctetSpan m) { WalkElements(m, kDisplayOnly); }
-void WalkCongestionControl(OctetSpan m) { WalkElements(m, kCongestionControl); }
-void WalkInformation(OctetSpan m) { WalkElements(m, kInformation); }
-void WalkStatus(OctetSpan m) { WalkElements(m, kStatus); }
+void WalkSegment(OutputWriter&, OctetSpan) {}
+void WalkNotify(OutputWriter& out, OctetSpan m) { WalkElements(out, m, kNotify); }
+void WalkStatusEnquiry(OutputWriter& out, OctetSpan m) { WalkElements(out, m, kDisplayOnly); }
+void WalkCongestionControl(OutputWriter& out, OctetSpan m) { WalkElements(out, m, kCongestionControl); }
+void WalkInformation(OutputWriter& out, OctetSpan m) { WalkElements(out, m, kInformation); }
+void WalkStatus(OutputWriter& out, OctetSpan m) { WalkElements(out, m, kStatus); }
 
 namespace {
 

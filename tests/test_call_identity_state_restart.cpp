@@ -42,11 +42,11 @@ TEST(CallIdentityStateRestart, DecodesEachElement) {
 
 TEST(CallIdentityStateRestart, AsCarriedInStatusAndRestart) {
   const std::vector<Octet> status{0x7D, 0x14, 0x01, 0x0A, 0x28, 0x02, 0x41, 0x42};
-  EXPECT_EQ(testing::CaptureOutput([&] { WalkStatus(status); }),
+  EXPECT_EQ(testing::CaptureOutput([&](OutputWriter& out) { WalkStatus(out, status); }),
             "\tInformation element:Call state\n" + kItuCoding + kActive +
                 "\tInformation element:Display\n\t\tDisplay information(IA5)= 0x41 0x42\n");
   const std::vector<Octet> restart{0x46, 0x79, 0x01, 0x87};
-  EXPECT_EQ(testing::CaptureOutput([&] { WalkRestart(restart); }),
+  EXPECT_EQ(testing::CaptureOutput([&](OutputWriter& out) { WalkRestart(out, restart); }),
             "\tInformation element:Restart indicator\n\t\tClass=111  All interfaces\n");
 }
 

@@ -97,7 +97,7 @@ TEST(Cause, ReleaseCompleteWalksPastEachCause) {
   const std::vector<Octet> message{0x08, 0x01, 0x81, 0x5A,               // header
                                    0x08, 0x03, 0x80, 0x90, 0x8A,         // normal call clearing
                                    0x08, 0x04, 0x02, 0x80, 0x91, 0x02};  // user busy
-  EXPECT_EQ(CaptureOutput([&] { DecodeQ931Message(OctetSpan(message)); }),
+  EXPECT_EQ(CaptureOutput([&](OutputWriter& out) { DecodeQ931Message(out, OctetSpan(message)); }),
             "Message type:RELEASE COMPLETE\n\tInformation element:" + kClearing +
                 "\t\tDiagnostics: Coding of condition\n\t\t\tBit 4=1  Network service - User\n"
                 "\t\t\tBit 3=0  Normal\n\t\t\tBits 2-1=10  Transient\n"

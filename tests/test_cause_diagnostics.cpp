@@ -114,10 +114,16 @@ TEST(CauseDiagnostics, EachCodingThroughACauseValueThatSelectsIt) {
 TEST(CauseDiagnostics, CalledDirectlyACountBelowTheElementsEndBoundsTheOctets) {
   const std::vector<Octet> element{0x08, 0x05, 0x80, 0xD8, 0x01, 0x02, 0x03};
   const ElementOctets octets{OctetSpan(element)};
-  EXPECT_EQ(CaptureOutput([&] { DecodeCauseDiagnostics(CauseDiagnosticKind::ParameterName, octets, 4, 6); }),
+  EXPECT_EQ(CaptureOutput([&](OutputWriter& out) {
+              DecodeCauseDiagnostics(out, CauseDiagnosticKind::ParameterName, octets, 4, 6);
+            }),
             Coding("parameter name") + "\t\t\tDiagnostic field= 0x1 0x2\n");
-  EXPECT_EQ(CaptureOutput([&] { DecodeCauseDiagnostics(CauseDiagnosticKind::None, octets, 4, 7); }), "");
-  EXPECT_EQ(CaptureOutput([&] { DecodeCauseDiagnostics(CauseDiagnosticKind::Condition, octets, 7, 7); }), "");
+  EXPECT_EQ(
+      CaptureOutput([&](OutputWriter& out) { DecodeCauseDiagnostics(out, CauseDiagnosticKind::None, octets, 4, 7); }),
+      "");
+  EXPECT_EQ(CaptureOutput(
+                [&](OutputWriter& out) { DecodeCauseDiagnostics(out, CauseDiagnosticKind::Condition, octets, 7, 7); }),
+            "");
 }
 
 }  // namespace

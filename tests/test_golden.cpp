@@ -10,7 +10,6 @@
 #include <string>
 #include <vector>
 
-#include "core/globals.h"
 #include "core/translation.h"
 
 namespace velmora {
@@ -45,8 +44,8 @@ TEST_P(Golden, OutputMatchesTheHandWrittenExpectation) {
   ASSERT_TRUE(fs::exists(expected)) << expected;
   const fs::path output = fs::temp_directory_path() / ("velmora_golden_" + stem + ".txt");
 
-  g_linkSetupPending = 0;
-  const TranslationOutcome outcome = TranslateTraceFile(input.string(), output.string());
+  LinkMemory link;
+  const TranslationOutcome outcome = TranslateTraceFile(input.string(), output.string(), link);
   EXPECT_EQ(outcome, TranslationOutcome::TranslationDone);
   const std::string actual = ReadAll(output);
   const std::string wanted = ReadAll(expected);

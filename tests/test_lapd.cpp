@@ -5,7 +5,6 @@
 #include <string>
 #include <vector>
 
-#include "core/globals.h"
 #include "core/lapd.h"
 #include "test_support.h"
 
@@ -14,9 +13,18 @@ namespace {
 
 using testing::CaptureOutput;
 
-std::string Frame(std::initializer_list<Octet> octets) {
+// Decodes a frame with the link memory `link`, which it may change.
+std::string Frame(std::initializer_list<Octet> octets, LinkSetup& link) {
   const std::vector<Octet> frame(octets);
-  return CaptureOutput([&] { DecodeLapdFrame(frame); });
+  return CaptureOutput([&](OutputWriter& out) {
+    DecodeContext context{out, link};
+    DecodeLapdFrame(context, frame);
+    link = context.linkSetup;
+  });
+}
+std::string Frame(std::initializer_list<Octet> octets) {
+  LinkSetup link = LinkSetup::NotPending;
+  return Frame(octets, link);
 }
 std::string Control(Octet control) { return Frame({0x00, 0x81, control, 0x00}); }
 
@@ -27,7 +35,8 @@ constexpr const char* kDisconnected =
 
 class LinkMemory : public ::testing::Test {
  protected:
-  void SetUp() override { g_linkSetupPending = 0; }
+  std::string Control(Octet control) { return Frame({0x00, 0x81, control, 0x00}, link_); }
+  LinkSetup link_ = LinkSetup::NotPending;
 };
 
 TEST_F(LinkMemory, UaWordingFollowsTheLastSabmeOrDisc) {
@@ -42,7 +51,7 @@ TEST_F(LinkMemory, UaWordingFollowsTheLastSabmeOrDisc) {
 TEST_F(LinkMemory, OtherFramesLeaveTheMemoryAlone) {
   Control(0x6F);
   for (const Octet control : {0x0F, 0x87, 0xAF, 0x03, 0x01, 0x05, 0x09, 0x00, 0x2F}) Control(control);
-  EXPECT_EQ(g_linkSetupPending, 1);
+  EXPECT_EQ(link_, LinkSetup::Pending);
   EXPECT_EQ(Control(0x73), kEstablished);
 }
 

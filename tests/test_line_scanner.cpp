@@ -3,7 +3,6 @@
 
 #include <string>
 
-#include "core/globals.h"
 #include "core/line_scanner.h"
 #include "test_support.h"
 
@@ -12,8 +11,13 @@ namespace {
 
 using testing::CaptureOutput;
 
-std::string Translate(std::string_view line) {
-  return CaptureOutput([&] { TranslateTraceLine(line); });
+// The line's output, and in `frameFound` whether it counted as a frame line.
+std::string Translate(std::string_view line, bool* frameFound = nullptr) {
+  return CaptureOutput([&](OutputWriter& out) {
+    DecodeContext context{out};
+    TranslateTraceLine(context, line);
+    if (frameFound != nullptr) *frameFound = context.frameFound;
+  });
 }
 
 // The worked example: 21 characters, "****", 18 characters, "HDLC", a blank,
@@ -27,10 +31,10 @@ std::string WorkedExampleLine() {
 TEST(FrameLine, WorkedExampleDecodesSabme) {
   const std::string line = WorkedExampleLine();
   ASSERT_EQ(line.size(), 83U);
-  g_frameFound = false;
-  EXPECT_EQ(Translate(line),
+  bool found = false;
+  EXPECT_EQ(Translate(line, &found),
             line + "ISDN Layer 2: SABME(set asynchronous balanced mode extended), Request to establish link\n");
-  EXPECT_TRUE(g_frameFound);
+  EXPECT_TRUE(found);
 }
 
 TEST(FrameLine, NeedsEightyCharactersCountingTheLineEnd) {
@@ -46,10 +50,11 @@ TEST(FrameLine, NeedsEightyCharactersCountingTheLineEnd) {
 }
 
 TEST(FrameLine, PlainLinesAreCopiedWithAPercentUnchanged) {
-  g_frameFound = false;
-  EXPECT_EQ(Translate("100% load %s %d\n"), "100% load %s %d\n");
-  EXPECT_EQ(Translate(std::string(200, '*')), std::string(200, '*'));
-  EXPECT_FALSE(g_frameFound);
+  bool found = true;
+  EXPECT_EQ(Translate("100% load %s %d\n", &found), "100% load %s %d\n");
+  EXPECT_FALSE(found);
+  EXPECT_EQ(Translate(std::string(200, '*'), &found), std::string(200, '*'));
+  EXPECT_FALSE(found);
 }
 
 TEST(FrameLine, NulBytesAreDataAndDoNotHideTheRestOfTheLine) {
@@ -80,10 +85,10 @@ TEST(LengthField, ReadsDigitsBehindOneSkippedCharacter) {
 }
 
 TEST(LengthField, ZeroOctetFrameStillCountsAsFound) {
-  g_frameFound = false;
+  bool found = false;
   const std::string line = "**** HDLC: none" + std::string(80, ' ') + "\n";
-  EXPECT_EQ(Translate(line), line + "ISDN Layer 2: Truncated frame\n");
-  EXPECT_TRUE(g_frameFound);
+  EXPECT_EQ(Translate(line, &found), line + "ISDN Layer 2: Truncated frame\n");
+  EXPECT_TRUE(found);
 }
 
 TEST(HexCells, UpperCaseDigitsTakeTheArithmeticRule) {

@@ -33,17 +33,17 @@ TEST(Dispatch, KnowsExactlyTheTwentyFiveMessageTypes) {
 TEST(Dispatch, CallReferenceLengthLocatesTheMessageType) {
   // Two-octet call reference, as on a primary-rate interface.
   const std::vector<Octet> pri{0x08, 0x02, 0x00, 0x05, 0x7D};
-  EXPECT_EQ(CaptureOutput([&] { DecodeQ931Message(pri); }), "Message type:STATUS\n");
+  EXPECT_EQ(CaptureOutput([&](OutputWriter& out) { DecodeQ931Message(out, pri); }), "Message type:STATUS\n");
   // A call reference that runs past the message leaves no message type.
   const std::vector<Octet> cut{0x08, 0x03, 0x00, 0x05};
-  EXPECT_EQ(CaptureOutput([&] { DecodeQ931Message(cut); }), "Message type:Truncated message\n");
+  EXPECT_EQ(CaptureOutput([&](OutputWriter& out) { DecodeQ931Message(out, cut); }), "Message type:Truncated message\n");
 }
 
 TEST(Dispatch, SetupWalkVisitsElementsByTheirCounts) {
   // Sending complete, bearer capability (5 octets), called party number (6).
   const std::vector<Octet> setup{0x08, 0x01, 0x05, 0x05, 0xA1, 0x04, 0x03, 0x80,
                                  0x90, 0xA2, 0x70, 0x04, 0x81, 0x31, 0x32, 0x33};
-  const std::string text = CaptureOutput([&] { DecodeQ931Message(setup); });
+  const std::string text = CaptureOutput([&](OutputWriter& out) { DecodeQ931Message(out, setup); });
   EXPECT_EQ(text.rfind("Message type:SETUP\n\tInformation element:Sending complete\n", 0), 0U);
   std::size_t prefixes = 0;
   for (std::size_t at = text.find("\tInformation element:"); at != std::string::npos;
@@ -99,12 +99,12 @@ TEST(WalkRules, CongestionControlTestsBitsSevenToFiveFirst) {
 
 TEST(WalkRules, SegmentShowsNoElementWhateverFollows) {
   const std::vector<Octet> segment{0x08, 0x01, 0x01, 0x60, 0x04, 0x03, 0x80, 0x90, 0xA2};
-  EXPECT_EQ(CaptureOutput([&] { DecodeQ931Message(segment); }), "Message type:SEGMENT\n");
+  EXPECT_EQ(CaptureOutput([&](OutputWriter& out) { DecodeQ931Message(out, segment); }), "Message type:SEGMENT\n");
 }
 
 TEST(WalkRules, ElementOverrunningTheMessageEndsTheWalk) {
   const std::vector<Octet> status{0x08, 0x01, 0x81, 0x7D, 0x1C, 0x09, 0x01, 0x02};
-  EXPECT_EQ(CaptureOutput([&] { DecodeQ931Message(status); }),
+  EXPECT_EQ(CaptureOutput([&](OutputWriter& out) { DecodeQ931Message(out, status); }),
             "Message type:STATUS\n\tInformation element:Unknown ( 0x1c 0x9 0x1 0x2 )\n");
 }
 

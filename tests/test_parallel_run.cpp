@@ -8,7 +8,6 @@
 #include <sstream>
 #include <string>
 
-#include "core/globals.h"
 #include "core/translation.h"
 
 namespace velmora {
@@ -81,22 +80,20 @@ TEST(ParallelRun, OutputAndLinkMemoryMatchTheSingleThreadedRun) {
     const fs::path input = dir / "trace.txt";
     std::ofstream(input, std::ios::binary) << BuildTrace(seed);
 
-    for (const int startState : {0, 1}) {
-      g_linkSetupPending = startState;
-      TranslationOptions single;
-      ASSERT_EQ(TranslateTraceFile(input.string(), (dir / "single.txt").string(), single),
+    for (const bool startState : {false, true}) {
+      LinkMemory singleLink{startState};
+      ASSERT_EQ(TranslateTraceFile(input.string(), (dir / "single.txt").string(), singleLink),
                 TranslationOutcome::TranslationDone);
-      const int singleEnd = g_linkSetupPending;
       const std::string expected = ReadAll(dir / "single.txt");
       ASSERT_GT(expected.size(), fs::file_size(input));
 
       for (const unsigned jobs : {2U, 3U, 7U}) {
-        g_linkSetupPending = startState;
+        LinkMemory parallelLink{startState};
         TranslationOptions parallel;
         parallel.jobs = jobs;
-        ASSERT_EQ(TranslateTraceFile(input.string(), (dir / "parallel.txt").string(), parallel),
+        ASSERT_EQ(TranslateTraceFile(input.string(), (dir / "parallel.txt").string(), parallelLink, parallel),
                   TranslationOutcome::TranslationDone);
-        EXPECT_EQ(g_linkSetupPending, singleEnd) << "jobs " << jobs;
+        EXPECT_EQ(parallelLink.setupPending, singleLink.setupPending) << "jobs " << jobs;
         const std::string actual = ReadAll(dir / "parallel.txt");
         if (actual != expected) {
           std::size_t at = 0;
@@ -117,9 +114,10 @@ TEST(ParallelRun, FileWithoutFramesStaysNoFrameFound) {
   std::string text;
   while (text.size() < 5 * 1024 * 1024) text += "a line without any frame in it at all\n";
   std::ofstream(dir / "in.txt", std::ios::binary) << text;
+  LinkMemory link;
   TranslationOptions parallel;
   parallel.jobs = 2;
-  EXPECT_EQ(TranslateTraceFile((dir / "in.txt").string(), (dir / "out.txt").string(), parallel),
+  EXPECT_EQ(TranslateTraceFile((dir / "in.txt").string(), (dir / "out.txt").string(), link, parallel),
             TranslationOutcome::NoFrameFound);
   EXPECT_EQ(ReadAll(dir / "out.txt"), text);
   fs::remove_all(dir);

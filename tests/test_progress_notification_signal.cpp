@@ -47,7 +47,7 @@ TEST(ProgressNotificationSignal, DecodesEachElement) {
 TEST(ProgressNotificationSignal, AlertingWithRingbackFromTheNetwork) {
   // ALERTING: channel B1, in-band information, ring back tone.
   const std::vector<Octet> message{0x08, 0x01, 0x81, 0x01, 0x18, 0x01, 0x89, 0x1E, 0x02, 0x82, 0x88, 0x34, 0x01, 0x01};
-  EXPECT_EQ(testing::CaptureOutput([&] { DecodeQ931Message(message); }),
+  EXPECT_EQ(testing::CaptureOutput([&](OutputWriter& out) { DecodeQ931Message(out, message); }),
             "Message type:ALERTING\n\tInformation element:Channel identification\n"
             "\t\tInterface identifier present=0  Interface implicitly identified\n"
             "\t\tInterface type=0  Basic interface\n"

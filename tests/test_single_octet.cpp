@@ -32,17 +32,17 @@ TEST(SingleOctet, OnlyNamedValuesGetAFieldLineAndTheCountIsOne) {
 
 TEST(SingleOctet, WalksAdvanceByOneOctet) {
   const std::vector<Octet> setup{0x05, 0xA1, 0xD2, 0xD1};
-  EXPECT_EQ(testing::CaptureOutput([&] { WalkSetup(setup); }),
+  EXPECT_EQ(testing::CaptureOutput([&](OutputWriter& out) { WalkSetup(out, setup); }),
             "\tInformation element:Sending complete\n\tInformation element:Repeat indicator\n"
             "\t\tRepeat indication=0010  Prioritized list for selecting one possibility\n"
             "\tInformation element:Repeat indicator\n");
   // Bit 8 clear still reaches the decoders that the walks match by bits 7 to 5 or 7 to 1.
   const std::vector<Octet> congestion{0x79, 0x30, 0xBF};
-  EXPECT_EQ(testing::CaptureOutput([&] { WalkCongestionControl(congestion); }),
+  EXPECT_EQ(testing::CaptureOutput([&](OutputWriter& out) { WalkCongestionControl(out, congestion); }),
             "\tInformation element:Congestion level\n\t\tCongestion level=0000  Receiver ready\n"
             "\tInformation element:Congestion level\n\t\tCongestion level=1111  Receiver not ready\n");
   const std::vector<Octet> userInformation{0x20, 0x20, 0xA0};
-  EXPECT_EQ(testing::CaptureOutput([&] { WalkUserInformation(userInformation); }),
+  EXPECT_EQ(testing::CaptureOutput([&](OutputWriter& out) { WalkUserInformation(out, userInformation); }),
             "\tInformation element:More data\n\tInformation element:More data\n");
 }
 

@@ -1,6 +1,6 @@
 #pragma once
-// Runs a piece of decoding with g_outputFile pointed at a string, so a test
-// can compare the exact text that was printed.
+// Runs a piece of decoding with a writer into a string, so a test can
+// compare the exact text that was printed.
 #include <gtest/gtest.h>
 
 #include <initializer_list>
@@ -9,7 +9,7 @@
 #include <utility>
 #include <vector>
 
-#include "core/globals.h"
+#include "core/output_writer.h"
 #include "q931/element.h"
 
 namespace velmora::testing {
@@ -19,11 +19,8 @@ std::string CaptureOutput(Body&& body) {
   std::string text;
   StringSink sink(text);
   OutputWriter writer(sink, 64);
-  OutputWriter* previous = g_outputFile;
-  g_outputFile = &writer;
-  std::forward<Body>(body)();
+  std::forward<Body>(body)(writer);
   writer.Flush();
-  g_outputFile = previous;
   return text;
 }
 
@@ -37,7 +34,8 @@ struct Decoded {
 // so a decoder that reads past its element's end reads past the frame.
 inline Decoded DecodeOctets(ElementDecoder decoder, std::vector<Octet> octets) {
   Decoded result;
-  result.text = CaptureOutput([&] { result.count = decoder(ElementOctets(OctetSpan(octets))); });
+  result.text =
+      CaptureOutput([&](OutputWriter& out) { result.count = decoder(out, ElementOctets(OctetSpan(octets))); });
   return result;
 }
 

@@ -27,24 +27,29 @@ TEST(OctetHelpers, BitsCountFromEightDownAndRangesIncludeBothEnds) {
 }
 
 TEST(LineForms, EachFormAtBothIndents) {
-  EXPECT_EQ(CaptureOutput([] { PrintCodedValue("Message type", 0x05, 8, "SETUP", Indent::SubField); }),
+  EXPECT_EQ(CaptureOutput(
+                [](OutputWriter& out) { PrintCodedValue(out, "Message type", 0x05, 8, "SETUP", Indent::SubField); }),
             "\t\t\tMessage type=00000101  SETUP\n");
-  EXPECT_EQ(CaptureOutput([] { PrintHexMeaning("Protocol discriminator", 0xA0, "Reserved"); }),
+  EXPECT_EQ(CaptureOutput([](OutputWriter& out) { PrintHexMeaning(out, "Protocol discriminator", 0xA0, "Reserved"); }),
             "\t\tProtocol discriminator=0xa0  Reserved\n");
-  EXPECT_EQ(CaptureOutput([] { PrintHexField("Rate multiplier", 0x1A); }), "\t\tRate multiplier=0x1a\n");
-  EXPECT_EQ(CaptureOutput([] { PrintSpacedHexField("Window size (k)", 0x7, Indent::SubField); }),
-            "\t\t\tWindow size (k)= 0x7\n");
-  EXPECT_EQ(CaptureOutput([] { PrintDecimalField("Year", 200); }), "\t\tYear=200\n");
+  EXPECT_EQ(CaptureOutput([](OutputWriter& out) { PrintHexField(out, "Rate multiplier", 0x1A); }),
+            "\t\tRate multiplier=0x1a\n");
+  EXPECT_EQ(
+      CaptureOutput([](OutputWriter& out) { PrintSpacedHexField(out, "Window size (k)", 0x7, Indent::SubField); }),
+      "\t\t\tWindow size (k)= 0x7\n");
+  EXPECT_EQ(CaptureOutput([](OutputWriter& out) { PrintDecimalField(out, "Year", 200); }), "\t\tYear=200\n");
   // An IA5 string drops bit 8 where an octet string keeps it.
   const Octet octets[] = {0x31, 0xB2, 0x0D};
-  EXPECT_EQ(CaptureOutput([&] { PrintIa5String("Digits", octets); }), "\t\tDigits= 0x31 0x32 0xd\n");
-  EXPECT_EQ(CaptureOutput([&] { PrintOctetString("Dump", octets); }), "\t\tDump= 0x31 0xb2 0xd\n");
-  EXPECT_EQ(CaptureOutput([] { PrintIa5String("Digits", {}); }), "\t\tDigits=\n");
+  EXPECT_EQ(CaptureOutput([&](OutputWriter& out) { PrintIa5String(out, "Digits", octets); }),
+            "\t\tDigits= 0x31 0x32 0xd\n");
+  EXPECT_EQ(CaptureOutput([&](OutputWriter& out) { PrintOctetString(out, "Dump", octets); }),
+            "\t\tDump= 0x31 0xb2 0xd\n");
+  EXPECT_EQ(CaptureOutput([](OutputWriter& out) { PrintIa5String(out, "Digits", {}); }), "\t\tDigits=\n");
   // Octet fields print in order and skip values without a row.
   static constexpr ValueText kOnlyOne[] = {{1, "one"}};
   static constexpr OctetField kFields[] = {
       {"Coding standard", 7, 6, kCodingStandard}, {"Bit 5", 5, 5, kOnlyOne}, {"Bit 4", 4, 4, kOnlyOne}};
-  EXPECT_EQ(CaptureOutput([&] { PrintOctetFields(0xC8, kFields); }),
+  EXPECT_EQ(CaptureOutput([&](OutputWriter& out) { PrintOctetFields(out, 0xC8, kFields); }),
             "\t\tCoding standard=10  National standard\n\t\tBit 4=1  one\n");
 }
 

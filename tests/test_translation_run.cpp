@@ -5,7 +5,6 @@
 #include <filesystem>
 #include <string>
 
-#include "core/globals.h"
 #include "core/translation.h"
 #include "scratch_directory.h"
 
@@ -51,11 +50,12 @@ TEST(Outcomes, CarryTheExactTextsCaptionsAndIcons) {
 
 TEST_F(TranslationRun, PathChecksComeBeforeAnyFileIsTouched) {
   Write("in.txt", "keep me\n");
-  EXPECT_EQ(TranslateTraceFile("", Path("out.txt")), TranslationOutcome::InputNotSelected);
-  EXPECT_EQ(TranslateTraceFile(Path("in.txt"), ""), TranslationOutcome::OutputNotSelected);
-  EXPECT_EQ(TranslateTraceFile(Path("in.txt"), Path("in.txt")), TranslationOutcome::OutputSameAsInput);
+  LinkMemory link;
+  EXPECT_EQ(TranslateTraceFile("", Path("out.txt"), link), TranslationOutcome::InputNotSelected);
+  EXPECT_EQ(TranslateTraceFile(Path("in.txt"), "", link), TranslationOutcome::OutputNotSelected);
+  EXPECT_EQ(TranslateTraceFile(Path("in.txt"), Path("in.txt"), link), TranslationOutcome::OutputSameAsInput);
   // Blanks are a path like any other.
-  EXPECT_EQ(TranslateTraceFile("   ", Path("out.txt")), TranslationOutcome::InputOpenFailed);
+  EXPECT_EQ(TranslateTraceFile("   ", Path("out.txt"), link), TranslationOutcome::InputOpenFailed);
   EXPECT_EQ(Read("in.txt"), "keep me\n");
   EXPECT_FALSE(fs::exists(Path("out.txt")));
 }
@@ -68,24 +68,25 @@ TEST_F(TranslationRun, LongLinesArriveInPiecesOf2047Characters) {
   const std::string frame = ControlFrameLine("7f");
   longLine.replace(4094, frame.size() - 1, frame.substr(0, frame.size() - 1));
   Write("in.txt", longLine + "\n");
-  g_linkSetupPending = 0;
-  EXPECT_EQ(TranslateTraceFile(Path("in.txt"), Path("out.txt")), TranslationOutcome::TranslationDone);
+  LinkMemory link;
+  EXPECT_EQ(TranslateTraceFile(Path("in.txt"), Path("out.txt"), link), TranslationOutcome::TranslationDone);
   const std::string decoded =
       "ISDN Layer 2: SABME(set asynchronous balanced mode extended), Request to establish link\n";
   EXPECT_EQ(Read("out.txt"), longLine + "\n" + decoded);
 
   // A line of exactly 2047 characters plus its line end: the "\n" is a piece of its own.
   Write("in.txt", std::string(2047, 'b') + "\nnext\n");
-  EXPECT_EQ(TranslateTraceFile(Path("in.txt"), Path("out.txt")), TranslationOutcome::NoFrameFound);
+  EXPECT_EQ(TranslateTraceFile(Path("in.txt"), Path("out.txt"), link), TranslationOutcome::NoFrameFound);
   EXPECT_EQ(Read("out.txt"), std::string(2047, 'b') + "\nnext\n");
 }
 
 TEST_F(TranslationRun, ReportCountsBytesAndWriteFailures) {
   Write("in.txt", ControlFrameLine("01"));
+  LinkMemory link;
   TranslationReport report;
   TranslationOptions options;
   options.report = &report;
-  EXPECT_EQ(TranslateTraceFile(Path("in.txt"), Path("out.txt"), options), TranslationOutcome::TranslationDone);
+  EXPECT_EQ(TranslateTraceFile(Path("in.txt"), Path("out.txt"), link, options), TranslationOutcome::TranslationDone);
   EXPECT_EQ(report.bytesRead, ControlFrameLine("01").size());
   EXPECT_EQ(report.bytesWritten, Read("out.txt").size());
   EXPECT_EQ(report.readError, 0);
@@ -93,7 +94,7 @@ TEST_F(TranslationRun, ReportCountsBytesAndWriteFailures) {
 
   // A failed write is reported, not hidden.
   report = TranslationReport{};
-  EXPECT_EQ(TranslateTraceFile(Path("in.txt"), "/dev/full", options), TranslationOutcome::TranslationDone);
+  EXPECT_EQ(TranslateTraceFile(Path("in.txt"), "/dev/full", link, options), TranslationOutcome::TranslationDone);
   EXPECT_NE(report.writeError, 0);
 }
 

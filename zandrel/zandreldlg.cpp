@@ -12,7 +12,6 @@
 #include <QUrl>
 #include <string_view>
 
-#include "core/translation.h"
 #include "zandrel/dialog_services.h"
 #include "zandrel/dialog_template.h"
 #include "zandrel/resource.h"
@@ -229,12 +228,15 @@ void CZandrelDlg::OnBrowseOutput() {
   }
 }
 
+velmora::TranslationOutcome CZandrelDlg::Translate(const QString& inputPath, const QString& outputPath) {
+  const QByteArray input = QFile::encodeName(inputPath);
+  const QByteArray output = QFile::encodeName(outputPath);
+  return velmora::TranslateTraceFile(View(input), View(output), m_linkMemory);
+}
+
 void CZandrelDlg::OnTranslate() {
   UpdateData(true);
-  const QByteArray input = QFile::encodeName(m_strInputPath);
-  const QByteArray output = QFile::encodeName(m_strOutputPath);
-  const velmora::TranslationOutcome outcome = velmora::TranslateTraceFile(View(input), View(output));
-  const velmora::OutcomeMessage& message = velmora::DescribeOutcome(outcome);
+  const velmora::OutcomeMessage& message = velmora::DescribeOutcome(Translate(m_strInputPath, m_strOutputPath));
   const QMessageBox::Icon icon =
       message.icon == velmora::OutcomeIcon::Error ? QMessageBox::Critical : QMessageBox::Information;
   m_services.ShowMessage(this, {FromView(message.text), FromView(message.caption), icon});

@@ -5,6 +5,8 @@
 #include <QIcon>
 #include <QString>
 
+#include "core/translation.h"
+
 class QLineEdit;
 
 namespace zandrel {
@@ -33,6 +35,10 @@ class CZandrelDlg : public QDialog {
   // true takes both fields' texts into the path members, false writes both
   // members into the fields.
   void UpdateData(bool saveAndValidate);
+
+  // The run behind Translate, without its message box. It touches no widget,
+  // only the link memory that this dialog keeps from one run to the next.
+  velmora::TranslationOutcome Translate(const QString& inputPath, const QString& outputPath);
 
  protected:
   // Runs once, before the dialog is first shown; true puts the focus on the
@@ -64,6 +70,7 @@ class CZandrelDlg : public QDialog {
   QLineEdit* m_outputEdit = nullptr;
   QString m_strInputPath;
   QString m_strOutputPath;
+  velmora::LinkMemory m_linkMemory;
   QIcon m_hIcon;
   bool m_initialized = false;
 };

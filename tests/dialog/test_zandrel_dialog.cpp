@@ -8,6 +8,7 @@
 #include <QPushButton>
 #include <QTemporaryDir>
 #include <QUrl>
+#include <thread>
 
 #include "dialog_test_support.h"
 #include "zandrel/resource.h"
@@ -16,14 +17,11 @@ namespace {
 
 const QByteArray kPlain = "first line\nsecond line\nthird line\n";
 const QByteArray kStale = "stale text that a run must drop\n";
-// An 83-character frame line: "****" at 21, "HDLC" at 43, three octets.
+// An 83-character frame line: "****" at 21, "HDLC" at 43, three octets
+// (a SABME); and the same line with a UA.
 const QByteArray kFrame =
-    "....................."
-    "****"
-    ".................."
-    "HDLC 3 ..."
-    "0x02 0x01 0x7f "
-    "..............\n";
+    QByteArray(21, '.') + "****" + QByteArray(18, '.') + "HDLC 3 ...0x02 0x01 0x7f " + QByteArray(14, '.') + "\n";
+const QByteArray kUa = QByteArray(kFrame).replace("0x7f", "0x73");
 
 QByteArray ReadAll(const QString& p) {
   QFile f(p);
@@ -149,6 +147,23 @@ class ZandrelDialogTest : public QObject {
     if (input == "missing.txt") QCOMPARE(ReadAll(out), kStale);
     if (input == "plain.txt" && output == "out.txt") QCOMPARE(ReadAll(out), kPlain);
     if (done) QVERIFY(ReadAll(out).startsWith("header\n" + kFrame));
+  }
+
+  // The link memory belongs to the dialog, not to the thread that runs it:
+  // SABME then UA, pressed on the GUI thread or run on a worker thread.
+  void workerThreadRunWritesWhatTheGuiThreadWrites() {
+    const auto path = [this](const QString& name) { return m_dir.filePath(name); };
+    QVERIFY(WriteAll(path("sabme.txt"), kFrame) && WriteAll(path("ua.txt"), kUa));
+    ShownDialog gui;
+    CZandrelDlg worker;
+    for (const QString name : {"sabme", "ua"}) {
+      qobject_cast<QLineEdit*>(gui.dlg.GetDlgItem(IDC_INPUT_PATH))->setText(path(name + ".txt"));
+      qobject_cast<QLineEdit*>(gui.dlg.GetDlgItem(IDC_OUTPUT_PATH))->setText(path(name + "-gui.out"));
+      gui.Click(IDC_TRANSLATE);
+      std::thread([&] { worker.Translate(path(name + ".txt"), path(name + "-worker.out")); }).join();
+      QCOMPARE(ReadAll(path(name + "-worker.out")), ReadAll(path(name + "-gui.out")));
+    }
+    QVERIFY(ReadAll(path("ua-gui.out")).endsWith("Acknowledge to SABME, link established\n"));
   }
 
   void browseDropAndTheDataExchangeRules() {

@@ -1,0 +1,29 @@
+#pragma once
+// What the line handler and the LAPD decoder work with while a stretch of
+// trace is decoded: the writer every decoder prints to, the link memory
+// behind the UA wording and whether a frame line has been seen. One per run,
+// or per chunk of a parallel run; passed down by reference.
+#include <cstdint>
+#include <vector>
+
+#include "core/output_writer.h"
+
+namespace velmora {
+
+// The link memory: SABME makes a setup pending, DISC ends it, UA reads it.
+// Unknown while a parallel run decodes a chunk before it knows the memory
+// at the chunk's start; the chunk's first SABME or DISC decides it.
+enum class LinkSetup : std::int8_t { NotPending, Pending, Unknown };
+
+struct DecodeContext {
+  OutputWriter& out;
+  LinkSetup linkSetup = LinkSetup::NotPending;
+  // Set by the line handler on every frame line.
+  bool frameFound = false;
+  // While linkSetup is Unknown: where each UA line wrote the DISC wording
+  // (an offset into the output), so the run can put the SABME wording there
+  // once it knows the memory. Null outside a parallel run.
+  std::vector<std::uint64_t>* pendingUaWordings = nullptr;
+};
+
+}  // namespace velmora

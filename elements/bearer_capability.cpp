@@ -4,7 +4,7 @@
 
 #include <iterator>
 
-#include "elements/element_decoders.h"
+#include "elements/element_registry.h"
 #include "q931/common_tables.h"
 
 namespace velmora {
@@ -210,7 +210,6 @@ void DecodeBearerLayer3Group(OutputWriter& out, Octet octet7, OctetReader& octet
 }
 
 constexpr CapabilityVariant kBearerCapability = {
-    .heading = "Bearer capability",
     .negotiationIndicator = {},
     .transferMode = kBearerTransferMode,
     .userRate = kBearerUserRate,
@@ -237,31 +236,30 @@ void DecodeAdditionalLayer3Information(OutputWriter& out, OctetReader& octets) {
   out.Put('\n');
 }
 
-int DecodeCapabilityElement(OutputWriter& out, const ElementOctets& element, const CapabilityVariant& variant) {
-  PrintHeading(out, variant.heading);
+void DecodeCapabilityElement(OutputWriter& out, const ElementOctets& element, const CapabilityVariant& variant) {
   OctetReader octets(element, kOctet3Position);
 
   const auto octet3 = octets.Take();
-  if (!octet3) return element.Count();
+  if (!octet3) return;
   const unsigned capability = FieldBits(*octet3, 5, 1);
   PrintField(out, "Coding standard", FieldBits(*octet3, 7, 6), 2, kCodingStandard);
   PrintField(out, "Information transfer capability", capability, 5, kInformationTransferCapability);
 
   if (!variant.negotiationIndicator.empty() && AnnouncesMore(*octet3)) {
     const auto octet3a = octets.Take();
-    if (!octet3a) return element.Count();
+    if (!octet3a) return;
     PrintField(out, "Negotiation indicator", FieldBits(*octet3a, 7, 7), 1, variant.negotiationIndicator);
   }
 
   const auto octet4 = octets.Take();
-  if (!octet4) return element.Count();
+  if (!octet4) return;
   const unsigned rate = FieldBits(*octet4, 5, 1);
   PrintField(out, "Transfer mode", FieldBits(*octet4, 7, 6), 2, variant.transferMode);
   PrintField(out, "Information transfer rate", rate, 5, kInformationTransferRate);
 
   if (rate == kMultirate) {
     const auto rateMultiplier = octets.Take();
-    if (!rateMultiplier) return element.Count();
+    if (!rateMultiplier) return;
     PrintHexField(out, "Rate multiplier", FieldBits(*rateMultiplier, 7, 1));
   }
 
@@ -284,13 +282,12 @@ int DecodeCapabilityElement(OutputWriter& out, const ElementOctets& element, con
         break;
     }
   }
-  return element.Count();
 }
 
 }  // namespace capability
 
-int DecodeBearerCapability(OutputWriter& out, const ElementOctets& element) {
-  return capability::DecodeCapabilityElement(out, element, capability::kBearerCapability);
+void DecodeBearerCapability(OutputWriter& out, const ElementOctets& element) {
+  capability::DecodeCapabilityElement(out, element, capability::kBearerCapability);
 }
 
 }  // namespace velmora

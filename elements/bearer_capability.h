@@ -83,7 +83,6 @@ using LayerGroupDecoder = void (*)(OutputWriter& out, Octet layerOctet, OctetRea
 
 // Everything in which the two elements differ; the rest is decoded alike.
 struct CapabilityVariant {
-  std::string_view heading;
   // Octet 3a's negotiation indicator (bit 7), announced by bit 8 of octet 3
   // = 0. Empty for an element without octet 3a: bit 8 of octet 3 is then
   // not looked at.
@@ -94,9 +93,9 @@ struct CapabilityVariant {
   LayerGroupDecoder layer3Group;
 };
 
-// Heading, octets 3 (3a), 4 (4.1) and the layer octets that follow, up to the
-// element's end. Returns L + 2.
-int DecodeCapabilityElement(OutputWriter& out, const ElementOctets& element, const CapabilityVariant& variant);
+// Octets 3 (3a), 4 (4.1) and the layer octets that follow, up to the
+// element's end.
+void DecodeCapabilityElement(OutputWriter& out, const ElementOctets& element, const CapabilityVariant& variant);
 
 // Takes octets 7a and 7b whatever they hold and prints the line that their
 // bits 4-1 name, if any. Nothing when either lies beyond the element.

@@ -1,7 +1,7 @@
 // Call identity (0x10), Call state (0x14), Restart indicator (0x79).
 // Each reads octet 3 (or octets 3 to L + 2) and stops at the element's end;
 // a frame that ends before octet 3 leaves the heading alone, as L = 0 does.
-#include "elements/element_decoders.h"
+#include "elements/element_registry.h"
 #include "q931/text.h"
 
 namespace velmora {
@@ -56,29 +56,23 @@ constexpr ValueText kRestartClass[] = {
 
 }  // namespace
 
-int DecodeCallIdentity(OutputWriter& out, const ElementOctets& element) {
-  PrintHeading(out, "Call identity");
+void DecodeCallIdentity(OutputWriter& out, const ElementOctets& element) {
   const OctetSpan identity = element.Slice(2);
   if (!identity.empty()) PrintOctetString(out, "Call identity", identity);
-  return element.Count();
 }
 
-int DecodeCallState(OutputWriter& out, const ElementOctets& element) {
-  PrintHeading(out, "Call state");
+void DecodeCallState(OutputWriter& out, const ElementOctets& element) {
   const auto octet3 = element.At(2);
-  if (!octet3) return element.Count();
+  if (!octet3) return;
 
   PrintField(out, "Coding standard", FieldBits(*octet3, 8, 7), 2, kCallStateCodingStandard);
   const unsigned state = FieldBits(*octet3, 6, 1);
   const ValueText* named = FindRow(kCallStateFieldName, state);
   PrintField(out, named != nullptr ? named->text : kCallStateDefaultName, state, 6, kCallStateValue);
-  return element.Count();
 }
 
-int DecodeRestartIndicator(OutputWriter& out, const ElementOctets& element) {
-  PrintHeading(out, "Restart indicator");
+void DecodeRestartIndicator(OutputWriter& out, const ElementOctets& element) {
   if (const auto octet3 = element.At(2)) PrintField(out, "Class", FieldBits(*octet3, 3, 1), 3, kRestartClass);
-  return element.Count();
 }
 
 }  // namespace velmora

@@ -5,7 +5,7 @@
 #include <algorithm>
 #include <optional>
 
-#include "elements/element_decoders.h"
+#include "elements/element_registry.h"
 #include "q931/text.h"
 
 namespace velmora {
@@ -186,36 +186,31 @@ void PrintLocation(OutputWriter& out, unsigned location) {
 // Octet 3 (extension, coding standard, location), octet 3a (recommendation)
 // when octet 3's extension bit is 0, octet 4 (class, value), then the
 // diagnostics. An element that ends before a field's octet ends the lines there.
-int DecodeCause(OutputWriter& out, const ElementOctets& element) {
-  PrintHeading(out, "Cause");
-  const int count = element.Count();
-
+void DecodeCause(OutputWriter& out, const ElementOctets& element) {
   const std::optional<Octet> octet3 = element.At(2);
-  if (!octet3) return count;
+  if (!octet3) return;
   PrintField(out, "Coding standard", FieldBits(*octet3, 7, 6), 2, kCauseCodingStandard);
   PrintLocation(out, FieldBits(*octet3, 4, 1));
 
   std::size_t octet4Position = 3;
   if (AnnouncesMore(*octet3)) {
     const std::optional<Octet> octet3a = element.At(3);
-    if (!octet3a) return count;
+    if (!octet3a) return;
     PrintField(out, "Recommendation", FieldBits(*octet3a, 7, 1), 7, kRecommendations);
     // Octet 3a's own extension bit is not looked at: octet 4 always follows.
     octet4Position = 4;
   }
 
   const std::optional<Octet> octet4 = element.At(octet4Position);
-  if (!octet4) return count;
+  if (!octet4) return;
   const unsigned cause = FieldBits(*octet4, 7, 1);
   PrintField(out, "Cause Class", FieldBits(*octet4, 7, 5), 3, kCauseClasses);
   const bool known = PrintField(out, "Cause Value", cause, 4, kCauseValues);
   const CauseDiagnosticKind kind = known ? DiagnosticKindOf(cause) : CauseDiagnosticKind::None;
 
   // Diagnostics only when their first octet lies inside the element and the frame.
-  const std::size_t firstDiagnostic = octet4Position + 1;
-  if (element.Has(firstDiagnostic) && kind != CauseDiagnosticKind::None)
-    DecodeCauseDiagnostics(out, kind, element, firstDiagnostic, static_cast<std::size_t>(count));
-  return count;
+  const OctetSpan diagnostics = element.Slice(octet4Position + 1);
+  if (!diagnostics.empty() && kind != CauseDiagnosticKind::None) DecodeCauseDiagnostics(out, kind, diagnostics);
 }
 
 }  // namespace velmora

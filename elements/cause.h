@@ -1,9 +1,8 @@
 #pragma once
 // The Cause element's diagnostics (octet 5 onward): which coding the cause
 // value selects, and its decoder.
-#include <cstddef>
-
-#include "q931/element.h"
+#include "core/octet.h"
+#include "core/output_writer.h"
 
 namespace velmora {
 
@@ -24,10 +23,9 @@ enum class CauseDiagnosticKind {
   ParameterName,
 };
 
-// Prints the diagnostics heading and lines for the element's octets at
-// positions first to count - 1 (count is L + 2). Nothing at or beyond count,
-// nor beyond the frame, is read. Kind None prints nothing.
-void DecodeCauseDiagnostics(OutputWriter& out, CauseDiagnosticKind kind, const ElementOctets& element,
-                            std::size_t first, std::size_t count);
+// Prints the diagnostics heading and lines for the diagnostic octets, from
+// the one behind octet 4 to the element's end. Kind None, or no octet,
+// prints nothing.
+void DecodeCauseDiagnostics(OutputWriter& out, CauseDiagnosticKind kind, OctetSpan diagnostics);
 
 }  // namespace velmora

@@ -5,7 +5,6 @@
 
 #include "elements/cause.h"
 #include "q931/common_tables.h"
-#include "q931/message.h"
 #include "q931/text.h"
 
 namespace velmora {
@@ -183,8 +182,8 @@ void DecodeChannelType(OutputWriter& out, OctetSpan diagnostics) {
 
 void DecodeMessageTypes(OutputWriter& out, OctetSpan diagnostics) {
   for (const Octet octet : diagnostics) {
-    const MessageTypeInfo* type = FindMessageType(octet);
-    if (type != nullptr) PrintCodedValue(out, "Message type", octet, 8, type->name, kSub);
+    if (const ValueText* type = FindRow(kMessageTypeNames, octet))
+      PrintCodedValue(out, "Message type", octet, 8, type->text, kSub);
   }
 }
 
@@ -215,12 +214,7 @@ constexpr DiagnosticCoding kCodings[] = {
 
 }  // namespace
 
-void DecodeCauseDiagnostics(OutputWriter& out, CauseDiagnosticKind kind, const ElementOctets& element,
-                            std::size_t first, std::size_t count) {
-  // The element's octets from `first`, clipped to the frame and to `count`.
-  OctetSpan diagnostics = element.Slice(first);
-  const std::size_t available = count > first ? count - first : 0;
-  diagnostics = diagnostics.first(std::min(diagnostics.size(), available));
+void DecodeCauseDiagnostics(OutputWriter& out, CauseDiagnosticKind kind, OctetSpan diagnostics) {
   if (diagnostics.empty()) return;
 
   const auto* coding = std::ranges::find(kCodings, kind, &DiagnosticCoding::kind);

@@ -1,7 +1,7 @@
 // Channel identification (0x18): the interface and the channel a call uses,
 // a B-channel of a basic interface or, on a primary-rate interface, a channel
 // number or a slot map.
-#include "elements/element_decoders.h"
+#include "elements/element_registry.h"
 #include "q931/common_tables.h"
 #include "q931/text.h"
 
@@ -59,10 +59,9 @@ OctetSpan ExtendedGroup(const ElementOctets& element, std::size_t first) {
 
 }  // namespace
 
-int DecodeChannelIdentification(OutputWriter& out, const ElementOctets& element) {
-  PrintHeading(out, "Channel identification");
+void DecodeChannelIdentification(OutputWriter& out, const ElementOctets& element) {
   const auto octet3 = element.At(2);
-  if (!octet3) return element.Count();
+  if (!octet3) return;
 
   const bool interfaceIdentified = FieldBits(*octet3, 7, 7);
   const bool otherInterface = FieldBits(*octet3, 6, 6);
@@ -81,10 +80,10 @@ int DecodeChannelIdentification(OutputWriter& out, const ElementOctets& element)
   }
 
   // A basic interface names its B-channel in octet 3 alone.
-  if (!otherInterface) return element.Count();
+  if (!otherInterface) return;
 
   const auto octet32 = element.At(index);
-  if (!octet32) return element.Count();
+  if (!octet32) return;
   ++index;
   PrintField(out, "Coding standard", FieldBits(*octet32, 7, 6), 2, kCodingStandard);
   PrintField(out, "Channel type/map element type", FieldBits(*octet32, 4, 1), 4, kChannelType);
@@ -102,7 +101,6 @@ int DecodeChannelIdentification(OutputWriter& out, const ElementOctets& element)
     }
     out.Put('\n');
   }
-  return element.Count();
 }
 
 }  // namespace velmora

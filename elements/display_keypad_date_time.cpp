@@ -1,19 +1,16 @@
 // Display (0x28), Keypad facility (0x2C), Date/time (0x29).
 // Display and keypad characters are shown as their IA5 codes, never as
 // text, so a trace with control characters still reads on one line.
-#include "elements/element_decoders.h"
+#include "elements/element_registry.h"
 #include "q931/text.h"
 
 namespace velmora {
 
 namespace {
 
-int DecodeIa5Element(OutputWriter& out, const ElementOctets& element, std::string_view heading,
-                     std::string_view label) {
-  PrintHeading(out, heading);
+void DecodeIa5Element(OutputWriter& out, const ElementOctets& element, std::string_view label) {
   const OctetSpan characters = element.Slice(2);
   if (!characters.empty()) PrintIa5String(out, label, characters);
-  return element.Count();
 }
 
 // One Date/time field: its position (octet 3 = 2) and the length from which
@@ -31,16 +28,15 @@ constexpr DateTimeField kDateTimeFields[] = {
 
 }  // namespace
 
-int DecodeDisplay(OutputWriter& out, const ElementOctets& element) {
-  return DecodeIa5Element(out, element, "Display", "Display information(IA5)");
+void DecodeDisplay(OutputWriter& out, const ElementOctets& element) {
+  DecodeIa5Element(out, element, "Display information(IA5)");
 }
 
-int DecodeKeypadFacility(OutputWriter& out, const ElementOctets& element) {
-  return DecodeIa5Element(out, element, "Keypad facility", "Keypad facility information(IA5)");
+void DecodeKeypadFacility(OutputWriter& out, const ElementOctets& element) {
+  DecodeIa5Element(out, element, "Keypad facility information(IA5)");
 }
 
-int DecodeDateTime(OutputWriter& out, const ElementOctets& element) {
-  PrintHeading(out, "Date/time");
+void DecodeDateTime(OutputWriter& out, const ElementOctets& element) {
   // Fields behind the frame's last octet do not exist and get no line. An
   // octet of 0x80 or more is no valid date or time; it shows as 128 to 255.
   for (const DateTimeField& field : kDateTimeFields) {
@@ -49,7 +45,6 @@ int DecodeDateTime(OutputWriter& out, const ElementOctets& element) {
     if (!octet) break;
     PrintDecimalField(out, field.name, *octet);
   }
-  return element.Count();
 }
 
 }  // namespace velmora

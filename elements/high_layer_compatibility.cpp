@@ -4,7 +4,7 @@
 #include <array>
 #include <iterator>
 
-#include "elements/element_decoders.h"
+#include "elements/element_registry.h"
 #include "q931/common_tables.h"
 
 namespace velmora {
@@ -98,27 +98,24 @@ Octet4aForm Octet4aFormAfter(unsigned characteristics) {
 
 }  // namespace
 
-int DecodeHighLayerCompatibility(OutputWriter& out, const ElementOctets& element) {
-  PrintHeading(out, "High layer compatibility");
-
+void DecodeHighLayerCompatibility(OutputWriter& out, const ElementOctets& element) {
   const auto octet3 = element.At(kOctet3Position);
-  if (!octet3) return element.Count();
+  if (!octet3) return;
   PrintOctetFields(out, *octet3, kOctet3);
 
   const auto octet4 = element.At(kOctet4Position);
-  if (!octet4) return element.Count();
+  if (!octet4) return;
   const unsigned characteristics = FieldBits(*octet4, 7, 1);
   PrintField(out, kCharacteristicsName, characteristics, 7, kHighLayerCharacteristics);
   if (const RangeText* reserved = FindRange(kReservedAudiovisual, characteristics))
     PrintHexMeaning(out, kCharacteristicsName, characteristics, reserved->text);
-  if (!AnnouncesMore(*octet4)) return element.Count();
+  if (!AnnouncesMore(*octet4)) return;
 
   // Octet 4a; whatever follows it is never decoded.
   const auto octet4a = element.At(kOctet4aPosition);
-  if (!octet4a) return element.Count();
+  if (!octet4a) return;
   const Octet4aForm form = Octet4aFormAfter(characteristics);
   PrintField(out, form.name, FieldBits(*octet4a, 7, 1), 7, form.meanings);
-  return element.Count();
 }
 
 }  // namespace velmora

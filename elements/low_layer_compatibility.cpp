@@ -3,7 +3,7 @@
 // mode 10, user rate 10000, and the layer 2 and layer 3 groups with their
 // octets 6a, 6b and 7a to 7c.
 #include "elements/bearer_capability.h"
-#include "elements/element_decoders.h"
+#include "elements/element_registry.h"
 
 namespace velmora {
 namespace {
@@ -127,7 +127,6 @@ void DecodeLayer3Group(OutputWriter& out, Octet octet7, OctetReader& octets) {
 }
 
 constexpr capability::CapabilityVariant kLowLayerCompatibility = {
-    .heading = "Low layer compatibility",
     .negotiationIndicator = kNegotiationIndicator,
     .transferMode = kTransferMode,
     .userRate = capability::kUserRate,
@@ -137,8 +136,8 @@ constexpr capability::CapabilityVariant kLowLayerCompatibility = {
 
 }  // namespace
 
-int DecodeLowLayerCompatibility(OutputWriter& out, const ElementOctets& element) {
-  return capability::DecodeCapabilityElement(out, element, kLowLayerCompatibility);
+void DecodeLowLayerCompatibility(OutputWriter& out, const ElementOctets& element) {
+  capability::DecodeCapabilityElement(out, element, kLowLayerCompatibility);
 }
 
 }  // namespace velmora

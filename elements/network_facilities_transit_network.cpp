@@ -2,7 +2,7 @@
 // network named by its identification type, plan and IA5 characters.
 #include <algorithm>
 
-#include "elements/element_decoders.h"
+#include "elements/element_registry.h"
 #include "q931/text.h"
 
 namespace velmora {
@@ -41,10 +41,9 @@ constexpr std::string_view kNetworkIdentificationName = "Network identification(
 // An identification that announces more octets than the element holds shows
 // the characters it has; when the element then ends before the facility
 // octet, the facility line is left out.
-int DecodeNetworkSpecificFacilities(OutputWriter& out, const ElementOctets& element) {
-  PrintHeading(out, "Network-specific facilities");
+void DecodeNetworkSpecificFacilities(OutputWriter& out, const ElementOctets& element) {
   const auto identificationLength = element.At(2);
-  if (!identificationLength) return element.Count();
+  if (!identificationLength) return;
 
   std::size_t facilityIndex = 3;
   if (*identificationLength >= 0x01 && *identificationLength <= 0x7F) {
@@ -57,16 +56,13 @@ int DecodeNetworkSpecificFacilities(OutputWriter& out, const ElementOctets& elem
 
   if (const auto facility = element.At(facilityIndex))
     PrintSpacedHexField(out, "Network-specific facilities", *facility);
-  return element.Count();
 }
 
-int DecodeTransitNetworkSelection(OutputWriter& out, const ElementOctets& element) {
-  PrintHeading(out, "Transit network selection");
+void DecodeTransitNetworkSelection(OutputWriter& out, const ElementOctets& element) {
   const auto octet3 = element.At(2);
-  if (!octet3) return element.Count();
+  if (!octet3) return;
   PrintNetworkIdentification(out, *octet3, kTransitIdentificationPlan);
   PrintIa5String(out, kNetworkIdentificationName, element.Slice(3));
-  return element.Count();
 }
 
 }  // namespace velmora

@@ -5,7 +5,7 @@
 // are read whatever L says, so a short element takes them from the octets
 // that follow it. Behind the frame's last octet there are none: a field
 // whose octets the frame does not hold gets no line.
-#include "elements/element_decoders.h"
+#include "elements/element_registry.h"
 #include "q931/text.h"
 
 namespace velmora {
@@ -73,12 +73,9 @@ constexpr ValueText kReverseChargingIndication[] = {
     {0b001, "Reverse charging requested"},
 };
 
-// The heading, and whether the element has contents to decode: L of 0, or
-// a frame that ends at the length octet, leaves the heading alone.
-bool PrintHeadingAndHasContents(OutputWriter& out, const ElementOctets& element, std::string_view heading) {
-  PrintHeading(out, heading);
-  return element.Has(2);
-}
+// Whether the element has contents to decode: L of 0, or a frame that ends
+// at the length octet, leaves the heading alone.
+bool HasContents(const ElementOctets& element) { return element.Has(2); }
 
 // A rate line: the code's bits and rate, or the code in hexadecimal as reserved.
 void PrintRate(OutputWriter& out, std::string_view label, unsigned code) {
@@ -100,59 +97,52 @@ void PrintDelayValue(OutputWriter& out, const ElementOctets& element, const Dela
 }
 
 // Packet layer window size and Packet size: forward value, then backward.
-int DecodeForwardBackward(OutputWriter& out, const ElementOctets& element, std::string_view heading) {
-  if (!PrintHeadingAndHasContents(out, element, heading)) return element.Count();
+void DecodeForwardBackward(OutputWriter& out, const ElementOctets& element) {
+  if (!HasContents(element)) return;
   PrintHexField(out, "Forward value", FieldBits(*element.At(2), 7, 1));
   if (const auto backward = element.At(3)) PrintHexField(out, "Backward value", FieldBits(*backward, 7, 1));
-  return element.Count();
 }
 
 }  // namespace
 
-int DecodeInformationRate(OutputWriter& out, const ElementOctets& element) {
-  if (!PrintHeadingAndHasContents(out, element, "Information rate")) return element.Count();
+void DecodeInformationRate(OutputWriter& out, const ElementOctets& element) {
+  if (!HasContents(element)) return;
   std::size_t position = 2;
   for (const std::string_view label : kRateLabels) {
     const auto octet = element.FrameAt(position++);
     if (!octet) break;
     PrintRate(out, label, FieldBits(*octet, 5, 1));
   }
-  return element.Count();
 }
 
-int DecodeEndToEndTransitDelay(OutputWriter& out, const ElementOctets& element) {
-  if (!PrintHeadingAndHasContents(out, element, "End-to-end transit delay")) return element.Count();
+void DecodeEndToEndTransitDelay(OutputWriter& out, const ElementOctets& element) {
+  if (!HasContents(element)) return;
   for (const DelayField& delay : kEndToEndDelays)
     if (element.Length() >= delay.minimumLength) PrintDelayValue(out, element, delay);
-  return element.Count();
 }
 
-int DecodeTransitDelaySelection(OutputWriter& out, const ElementOctets& element) {
-  if (!PrintHeadingAndHasContents(out, element, "Transit delay selection and indication")) return element.Count();
+void DecodeTransitDelaySelection(OutputWriter& out, const ElementOctets& element) {
+  if (!HasContents(element)) return;
   PrintDelayValue(out, element, kTransitDelaySelection);
-  return element.Count();
 }
 
-int DecodePacketLayerBinaryParameters(OutputWriter& out, const ElementOctets& element) {
-  if (!PrintHeadingAndHasContents(out, element, "Packet layer binary parameters")) return element.Count();
+void DecodePacketLayerBinaryParameters(OutputWriter& out, const ElementOctets& element) {
+  if (!HasContents(element)) return;
   const Octet octet3 = *element.At(2);
   PrintField(out, "Fast select", FieldBits(octet3, 5, 4), 2, kFastSelect);
   PrintField(out, "Expedited data", FieldBits(octet3, 3, 3), 1, kExpeditedData);
   PrintField(out, "Delivery confirmation", FieldBits(octet3, 2, 2), 1, kDeliveryConfirmation);
   PrintField(out, "Modulus", FieldBits(octet3, 1, 1), 1, kModulus);
-  return element.Count();
 }
 
-int DecodePacketLayerWindowSize(OutputWriter& out, const ElementOctets& element) {
-  return DecodeForwardBackward(out, element, "Packet layer window size");
+void DecodePacketLayerWindowSize(OutputWriter& out, const ElementOctets& element) {
+  DecodeForwardBackward(out, element);
 }
 
-int DecodePacketSize(OutputWriter& out, const ElementOctets& element) {
-  return DecodeForwardBackward(out, element, "Packet size");
-}
+void DecodePacketSize(OutputWriter& out, const ElementOctets& element) { DecodeForwardBackward(out, element); }
 
-int DecodeClosedUserGroup(OutputWriter& out, const ElementOctets& element) {
-  if (!PrintHeadingAndHasContents(out, element, "Closed user group")) return element.Count();
+void DecodeClosedUserGroup(OutputWriter& out, const ElementOctets& element) {
+  if (!HasContents(element)) return;
   PrintField(out, "CUG indication", FieldBits(*element.At(2), 3, 1), 3, kCugIndication);
   // One IA5 digit per octet; anything but 0 to 9 is no index digit.
   for (const Octet octet : element.Slice(3)) {
@@ -164,13 +154,11 @@ int DecodeClosedUserGroup(OutputWriter& out, const ElementOctets& element) {
     out.Put(static_cast<char>(code));
     out.Put('\n');
   }
-  return element.Count();
 }
 
-int DecodeReverseChargingIndication(OutputWriter& out, const ElementOctets& element) {
-  if (!PrintHeadingAndHasContents(out, element, "Reverse charging indication")) return element.Count();
+void DecodeReverseChargingIndication(OutputWriter& out, const ElementOctets& element) {
+  if (!HasContents(element)) return;
   PrintField(out, "Reverse charging indication", FieldBits(*element.At(2), 3, 1), 3, kReverseChargingIndication);
-  return element.Count();
 }
 
 }  // namespace velmora

@@ -1,8 +1,8 @@
 // Calling/called party numbers and subaddresses (0x6C, 0x6D, 0x70, 0x71), Redirecting number (0x74).
 // The three numbers share one decoder, told by a small layout record which
 // optional octets it reads and how it shows the digits; the two subaddresses
-// share another, differing only in their heading.
-#include "elements/element_decoders.h"
+// share another.
+#include "elements/element_registry.h"
 #include "q931/text.h"
 
 namespace velmora {
@@ -65,21 +65,19 @@ constexpr ValueText kOddEvenIndicator[] = {
 
 // How one number element departs from the common octet 3 / digits shape.
 struct NumberLayout {
-  std::string_view heading;
   bool readsOctet3a;  // presentation and screening, when bit 8 of octet 3 is 0
   bool readsOctet3b;  // reason for redirection, when bit 8 of octet 3a is 0
   std::string_view digitsLabel;
   bool showsEmptyDigits;  // the label and line end even with no digit octet
 };
 
-constexpr NumberLayout kCallingPartyNumber{"Calling party number", true, false, "Number digits (IA5)", false};
-constexpr NumberLayout kCalledPartyNumber{"Called party number", false, false, "Number digits (IA5)", true};
-constexpr NumberLayout kRedirectingNumber{"Redirecting number", true, true, "Number digits(IA5)", true};
+constexpr NumberLayout kCallingPartyNumber{true, false, "Number digits (IA5)", false};
+constexpr NumberLayout kCalledPartyNumber{false, false, "Number digits (IA5)", true};
+constexpr NumberLayout kRedirectingNumber{true, true, "Number digits(IA5)", true};
 
-int DecodeNumber(OutputWriter& out, const ElementOctets& element, const NumberLayout& layout) {
-  PrintHeading(out, layout.heading);
+void DecodeNumber(OutputWriter& out, const ElementOctets& element, const NumberLayout& layout) {
   const auto octet3 = element.At(2);
-  if (!octet3) return element.Count();
+  if (!octet3) return;
 
   PrintField(out, "Type of number", FieldBits(*octet3, 7, 5), 3, kTypeOfNumber);
   PrintField(out, "Numbering plan identification", FieldBits(*octet3, 4, 1), 4, kNumberingPlan);
@@ -103,40 +101,33 @@ int DecodeNumber(OutputWriter& out, const ElementOctets& element, const NumberLa
 
   const OctetSpan digits = element.Slice(digitsFrom);
   if (!digits.empty() || layout.showsEmptyDigits) PrintIa5String(out, layout.digitsLabel, digits);
-  return element.Count();
 }
 
-int DecodeSubaddress(OutputWriter& out, const ElementOctets& element, std::string_view heading) {
-  PrintHeading(out, heading);
+void DecodeSubaddress(OutputWriter& out, const ElementOctets& element) {
   const auto octet3 = element.At(2);
-  if (!octet3) return element.Count();
+  if (!octet3) return;
 
   PrintField(out, "Type of subaddress", FieldBits(*octet3, 7, 5), 3, kTypeOfSubaddress);
   PrintField(out, "Odd/even indicator", FieldBits(*octet3, 4, 4), 1, kOddEvenIndicator);
   PrintOctetString(out, "Subaddress information", element.Slice(3));
-  return element.Count();
 }
 
 }  // namespace
 
-int DecodeCallingPartyNumber(OutputWriter& out, const ElementOctets& element) {
-  return DecodeNumber(out, element, kCallingPartyNumber);
+void DecodeCallingPartyNumber(OutputWriter& out, const ElementOctets& element) {
+  DecodeNumber(out, element, kCallingPartyNumber);
 }
 
-int DecodeCalledPartyNumber(OutputWriter& out, const ElementOctets& element) {
-  return DecodeNumber(out, element, kCalledPartyNumber);
+void DecodeCalledPartyNumber(OutputWriter& out, const ElementOctets& element) {
+  DecodeNumber(out, element, kCalledPartyNumber);
 }
 
-int DecodeRedirectingNumber(OutputWriter& out, const ElementOctets& element) {
-  return DecodeNumber(out, element, kRedirectingNumber);
+void DecodeRedirectingNumber(OutputWriter& out, const ElementOctets& element) {
+  DecodeNumber(out, element, kRedirectingNumber);
 }
 
-int DecodeCallingPartySubaddress(OutputWriter& out, const ElementOctets& element) {
-  return DecodeSubaddress(out, element, "Calling party subaddress");
-}
+void DecodeCallingPartySubaddress(OutputWriter& out, const ElementOctets& element) { DecodeSubaddress(out, element); }
 
-int DecodeCalledPartySubaddress(OutputWriter& out, const ElementOctets& element) {
-  return DecodeSubaddress(out, element, "Called party subaddress");
-}
+void DecodeCalledPartySubaddress(OutputWriter& out, const ElementOctets& element) { DecodeSubaddress(out, element); }
 
 }  // namespace velmora

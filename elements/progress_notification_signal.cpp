@@ -1,6 +1,6 @@
 // Progress indicator (0x1E), Notification indicator (0x27), Signal (0x34):
 // what the network tells the user about a call's progress and the tones it plays.
-#include "elements/element_decoders.h"
+#include "elements/element_registry.h"
 #include "q931/common_tables.h"
 #include "q931/text.h"
 
@@ -59,8 +59,7 @@ constexpr ValueText kSignalValue[] = {
 
 }  // namespace
 
-int DecodeProgressIndicator(OutputWriter& out, const ElementOctets& element) {
-  PrintHeading(out, "Progress indicator");
+void DecodeProgressIndicator(OutputWriter& out, const ElementOctets& element) {
   if (const auto octet3 = element.At(2)) {
     PrintField(out, "Coding standard", FieldBits(*octet3, 7, 6), 2, kCodingStandard);
     PrintField(out, "Location", FieldBits(*octet3, 4, 1), 4, kLocation);
@@ -69,22 +68,17 @@ int DecodeProgressIndicator(OutputWriter& out, const ElementOctets& element) {
   if (const auto octet4 = element.At(3)) {
     PrintField(out, "Progress description", FieldBits(*octet4, 7, 1), 7, kProgressDescription);
   }
-  return element.Count();
 }
 
-int DecodeNotificationIndicator(OutputWriter& out, const ElementOctets& element) {
-  PrintHeading(out, "Notification indicator");
+void DecodeNotificationIndicator(OutputWriter& out, const ElementOctets& element) {
   if (const auto octet3 = element.At(2)) {
     PrintField(out, "Notification description", FieldBits(*octet3, 7, 1), 7, kNotificationDescription);
   }
-  return element.Count();
 }
 
-int DecodeSignal(OutputWriter& out, const ElementOctets& element) {
-  PrintHeading(out, "Signal");
+void DecodeSignal(OutputWriter& out, const ElementOctets& element) {
   // The signal value takes the whole octet: bit 8 is part of the value.
   if (const auto octet3 = element.At(2)) PrintField(out, "Signal value", *octet3, 8, kSignalValue);
-  return element.Count();
 }
 
 }  // namespace velmora

@@ -1,6 +1,6 @@
 // Single-octet elements (bit 8 = 1). The walks pick the octets by mask; these
-// decoders do not test the identifier bits again and always occupy 1 octet.
-#include "elements/element_decoders.h"
+// decoders do not test the identifier bits again.
+#include "elements/element_registry.h"
 #include "q931/text.h"
 
 namespace velmora {
@@ -18,26 +18,16 @@ constexpr ValueText kCongestionLevel[] = {
 
 }  // namespace
 
-int DecodeRepeatIndicator(OutputWriter& out, const ElementOctets& element) {
-  PrintHeading(out, "Repeat indicator");
+void DecodeRepeatIndicator(OutputWriter& out, const ElementOctets& element) {
   PrintField(out, "Repeat indication", FieldBits(element.Identifier(), 4, 1), 4, kRepeatIndication);
-  return 1;
 }
 
-int DecodeSendingComplete(OutputWriter& out, const ElementOctets&) {
-  PrintHeading(out, "Sending complete");
-  return 1;
-}
+// Their heading says all there is.
+void DecodeSendingComplete(OutputWriter&, const ElementOctets&) {}
+void DecodeMoreData(OutputWriter&, const ElementOctets&) {}
 
-int DecodeMoreData(OutputWriter& out, const ElementOctets&) {
-  PrintHeading(out, "More data");
-  return 1;
-}
-
-int DecodeCongestionLevel(OutputWriter& out, const ElementOctets& element) {
-  PrintHeading(out, "Congestion level");
+void DecodeCongestionLevel(OutputWriter& out, const ElementOctets& element) {
   PrintField(out, "Congestion level", FieldBits(element.Identifier(), 4, 1), 4, kCongestionLevel);
-  return 1;
 }
 
 }  // namespace velmora

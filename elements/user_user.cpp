@@ -1,6 +1,6 @@
 // User-user (0x7E): the protocol discriminator of the user information and
 // the user information octets, always shown in hexadecimal.
-#include "elements/element_decoders.h"
+#include "elements/element_registry.h"
 #include "q931/text.h"
 
 namespace velmora {
@@ -33,13 +33,11 @@ void PrintProtocolDiscriminator(OutputWriter& out, Octet discriminator) {
 
 }  // namespace
 
-int DecodeUserUser(OutputWriter& out, const ElementOctets& element) {
-  PrintHeading(out, "User-user");
+void DecodeUserUser(OutputWriter& out, const ElementOctets& element) {
   const auto discriminator = element.At(2);
-  if (!discriminator) return element.Count();
+  if (!discriminator) return;
   PrintProtocolDiscriminator(out, *discriminator);
   PrintOctetString(out, "User information", element.Slice(3));
-  return element.Count();
 }
 
 }  // namespace velmora

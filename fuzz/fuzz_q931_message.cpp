@@ -9,7 +9,6 @@
 #include <string>
 #include <string_view>
 
-#include "fuzz/decoder_table.h"
 #include "fuzz/fuzz_support.h"
 #include "q931/message.h"
 
@@ -24,18 +23,16 @@ std::string ExpectedText(const Octet* message, std::size_t size, std::size_t& el
   elements = 0;
   if (size < 2 || static_cast<std::size_t>(message[1]) + 2 >= size) return text + "Truncated message\n";
   const std::size_t typePosition = static_cast<std::size_t>(message[1]) + 2;
-  const velmora::MessageTypeInfo* type = velmora::FindMessageType(message[typePosition]);
-  if (type == nullptr) return text;
-  text += type->name;
+  const velmora::MessageWalk* walk = velmora::FindMessageWalk(message[typePosition]);
+  if (walk == nullptr) return text;
+  text += walk->name;
   text += '\n';
-  if (type->walk == velmora::WalkSegment) return text;
+  if (!walk->walked) return text;
   for (std::size_t index = typePosition + 1; index < size; ++elements) {
-    const velmora::ElementDecoder decoder = velmora::ChooseDecoder(type->accepted, message[index]);
-    const velmora::fuzz::DecoderEntry* entry = velmora::fuzz::FindDecoder(decoder);
-    Require(entry != nullptr, "every decoder a walk can choose is in the fuzz table");
+    const velmora::ElementEntry* entry = velmora::ChooseElement(walk->accepted, message[index]);
     text += "\tInformation element:";
-    text += velmora::fuzz::Decode(decoder, message + index, size - index).text;
-    index += static_cast<std::size_t>(velmora::fuzz::ExpectedCount(entry->form, message + index, size - index));
+    text += velmora::fuzz::DecodeAtFrameEnd(entry, message + index, size - index);
+    index += velmora::OccupiedOctets(entry, velmora::ElementOctets(velmora::OctetSpan(message + index, size - index)));
   }
   return text;
 }

@@ -13,6 +13,7 @@
 #include <vector>
 
 #include "core/output_writer.h"
+#include "elements/element_registry.h"
 
 namespace velmora::fuzz {
 
@@ -63,6 +64,14 @@ std::string Capture(Body&& body, std::size_t capacity = 64) {
     Require(!writer.Failed(), "a string sink never fails");
   }
   return text;
+}
+
+// What an element prints (heading and field lines; null is the unknown-element
+// dump) when it stands at the frame's end, decoded from a fresh heap block of
+// exactly `size` octets.
+inline std::string DecodeAtFrameEnd(const ElementEntry* entry, const Octet* octets, std::size_t size) {
+  const auto frame = ExactCopy<Octet>(octets, size);
+  return Capture([&](OutputWriter& out) { DecodeElement(out, entry, ElementOctets(OctetSpan(frame.get(), size))); });
 }
 
 // Shows bytes with escapes, for failure reports.

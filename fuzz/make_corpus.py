@@ -15,24 +15,20 @@ import re
 ROOT = pathlib.Path(__file__).resolve().parent.parent
 CORPUS = ROOT / "fuzz" / "corpus"
 
-# Decoder indices of fuzz/decoder_table.h, by identifier.
-DECODER_INDEX = {
-    0x04: 0, 0x7C: 1, 0x7D: 2, 0x08: 3, 0x18: 4, 0x1E: 5, 0x27: 6, 0x34: 7, 0x20: 8, 0x78: 9,
-    0x7E: 10, 0x10: 11, 0x14: 12, 0x79: 13, 0x6C: 14, 0x6D: 15, 0x70: 16, 0x71: 17, 0x74: 18,
-    0xA0: 19, 0xA1: 20, 0x28: 23, 0x2C: 24, 0x29: 25, 0x40: 26, 0x42: 27, 0x43: 28, 0x44: 29,
-    0x45: 30, 0x46: 31, 0x47: 32, 0x4A: 33,
-}
-CONGESTION_INDEX, REPEAT_INDEX, UNKNOWN_INDEX, DECODER_COUNT = 21, 22, 34, 35
+# The element registry's identifiers in their order; the fuzz target picks
+# an element by its index there, and the index behind the last is the
+# unknown-element dump.
+REGISTRY = [int(value, 16) for value in re.findall(
+    r'^\s*\{(0x[0-9A-F]{2}), "', (ROOT / "elements" / "element_registry.h").read_text(), re.M)]
+UNKNOWN_INDEX = len(REGISTRY)
+DECODER_COUNT = UNKNOWN_INDEX + 1
 
 
 def decoder_index(identifier):
-    if identifier in DECODER_INDEX:
-        return DECODER_INDEX[identifier]
-    if identifier & 0xF0 == 0xB0:
-        return CONGESTION_INDEX
-    if identifier & 0xF0 == 0xD0:
-        return REPEAT_INDEX
-    return UNKNOWN_INDEX
+    # Type 1 single octets (Congestion level, Repeat indicator) by bits 8-5.
+    type_one = identifier & 0x80 and identifier & 0x70 != 0x20
+    key = identifier & 0xF0 if type_one else identifier
+    return REGISTRY.index(key) if key in REGISTRY else UNKNOWN_INDEX
 
 
 def frame_octets(line):
@@ -134,8 +130,8 @@ def main():
             data = bytes([decoder_index(element[0])]) + element
             write("element_decoders", seed_name(data), data)
     # Every decoder gets a few seeds, whether the traces hold its element or not.
-    identifiers = {index: identifier for identifier, index in DECODER_INDEX.items()}
-    identifiers.update({CONGESTION_INDEX: 0xBF, REPEAT_INDEX: 0xD2, UNKNOWN_INDEX: 0x1C})
+        identifiers = dict(enumerate(REGISTRY))
+    identifiers.update({REGISTRY.index(0xB0): 0xBF, REGISTRY.index(0xD0): 0xD2, UNKNOWN_INDEX: 0x1C})
     for index in range(DECODER_COUNT):
         identifier = identifiers[index]
         for contents in (b"", b"\x80", b"\x80\x90\xa3", b"\x00\x01\x02\x83\x84", b"\x91\x81" + bytes(range(40))):

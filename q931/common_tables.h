@@ -81,4 +81,34 @@ inline constexpr ValueText kChannelType[] = {
     {0b1001, "H12-channel units"},
 };
 
+// Message types by their octet: the dispatch's names, and those the message
+// type diagnostics of Cause print.
+inline constexpr ValueText kMessageTypeNames[] = {
+    {0x01, "ALERTING"},
+    {0x02, "CALL PROCEEDING"},
+    {0x03, "PROGRESS"},
+    {0x05, "SETUP"},
+    {0x07, "CONNECT"},
+    {0x0D, "SETUP ACKNOWLEDGE"},
+    {0x0F, "CONNECT ACKNOWLEDGE"},
+    {0x20, "USER INFORMATION"},
+    {0x21, "SUSPEND REJECT"},
+    {0x22, "RESUME REJECT"},
+    {0x25, "SUSPEND"},
+    {0x26, "RESUME"},
+    {0x2D, "SUSPEND ACKNOWLEDGE"},
+    {0x2E, "RESUME ACKNOWLEDGE"},
+    {0x45, "DISCONNECT"},
+    {0x46, "RESTART"},
+    {0x4D, "RELEASE"},
+    {0x4E, "RESTART ACKNOWLEDGE"},
+    {0x5A, "RELEASE COMPLETE"},
+    {0x60, "SEGMENT"},
+    {0x6E, "NOTIFY"},
+    {0x75, "STATUS ENQUIRY"},
+    {0x79, "CONGESTION CONTROL"},
+    {0x7B, "INFORMATION"},
+    {0x7D, "STATUS"},
+};
+
 }  // namespace velmora

@@ -1,6 +1,8 @@
 #pragma once
 // One information element as its decoder sees it, and the decoder contract.
 #include <algorithm>
+#include <cstddef>
+#include <cstdint>
 #include <optional>
 
 #include "core/octet.h"
@@ -23,7 +25,7 @@ class ElementOctets {
   unsigned Length() const { return frame_.size() > 1 ? frame_[1] : 0U; }
 
   // The count a variable-length element occupies: L + 2, whatever is present.
-  int Count() const { return static_cast<int>(Length()) + 2; }
+  std::size_t Count() const { return Length() + 2; }
 
   // Positions 0 to L + 1 that the frame holds: the element proper.
   std::size_t End() const { return std::min<std::size_t>(Length() + 2, frame_.size()); }
@@ -52,11 +54,17 @@ class ElementOctets {
   OctetSpan frame_;
 };
 
-// Prints the element's heading and field lines (never the walk's prefix) and
-// returns the octets the element occupies: L + 2, or 1 for a single octet.
-using ElementDecoder = int (*)(OutputWriter& out, const ElementOctets& element);
+// Prints the element's field lines; the heading, its name, is the
+// registry's, and the octets it occupies follow from its form.
+using ElementDecoder = void (*)(OutputWriter& out, const ElementOctets& element);
 
-// Shows any element in hexadecimal: "Unknown ( 0x.. 0x.. )".
-int DecodeUnknownElement(OutputWriter& out, const ElementOctets& element);
+// How many octets an element occupies.
+enum class ElementForm : std::uint8_t {
+  SingleOctet,     // bit 8 of the identifier is 1: the identifier alone, 1
+  VariableLength,  // identifier, length L and L contents octets: L + 2
+};
+
+// Shows any element in hexadecimal, heading and all: "Unknown ( 0x.. 0x.. )".
+void DecodeUnknownElement(OutputWriter& out, const ElementOctets& element);
 
 }  // namespace velmora

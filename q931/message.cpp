@@ -18,11 +18,11 @@ void DecodeQ931Message(OutputWriter& out, OctetSpan message) {
   }
   // An unknown type prints nothing more, not even a line end: the copy of
   // the next input line continues the open "Message type:" line.
-  const MessageTypeInfo* type = FindMessageType(message[typePosition]);
-  if (type == nullptr) return;
-  out.Put(type->name);
+  const MessageWalk* walk = FindMessageWalk(message[typePosition]);
+  if (walk == nullptr) return;
+  out.Put(walk->name);
   out.Put('\n');
-  type->walk(out, message.subspan(typePosition));
+  WalkElements(out, *walk, message.subspan(typePosition));
 }
 
 }  // namespace velmora

@@ -6,21 +6,18 @@ namespace velmora {
 // "Unknown ( " + "0x%x " for every octet of the element + ")\n". A single-octet
 // element is its one octet; a variable-length one shows identifier, length and
 // contents, as far as the frame holds them.
-int DecodeUnknownElement(OutputWriter& out, const ElementOctets& element) {
+void DecodeUnknownElement(OutputWriter& out, const ElementOctets& element) {
   out.Put("Unknown ( ");
-  int count = 1;
   if (element.IsSingleOctet()) {
     out.Hex(element.Identifier());
     out.Put(' ');
   } else {
-    count = element.Count();
     for (const Octet octet : element.Slice(0)) {
       out.Hex(octet);
       out.Put(' ');
     }
   }
   out.Put(")\n");
-  return count;
 }
 
 }  // namespace velmora

@@ -1,231 +1,135 @@
-// Which elements each message type accepts, and the walk over them.
-#include "elements/element_decoders.h"
+// Which elements each message type accepts, and the one walk over them.
+#include "q931/common_tables.h"
 #include "q931/message.h"
-#include "q931/text.h"
 
 namespace velmora {
-
 namespace {
 
+// The registry entry of an accepted identifier; one the registry lacks
+// stops the compilation.
+consteval const ElementEntry* Accepted(Octet identifier) { return &*FindElement(identifier); }
+
 // Whole-octet match: all 8 bits equal the identifier.
-constexpr ElementMatch Whole(Octet identifier, ElementDecoder decoder) { return {0xFF, identifier, decoder}; }
+consteval ElementMatch Whole(Octet identifier) { return {0xFF, identifier, Accepted(identifier)}; }
 // Bits 7 to 1 match: bit 8 is ignored (USER INFORMATION, INFORMATION).
-constexpr ElementMatch Low7(Octet identifier, ElementDecoder decoder) {
-  return {0x7F, static_cast<Octet>(identifier & 0x7F), decoder};
+consteval ElementMatch Low7(Octet identifier) {
+  return {0x7F, static_cast<Octet>(identifier & 0x7F), Accepted(identifier)};
 }
 
-constexpr ElementMatch kAlerting[] = {
-    Whole(0x04, DecodeBearerCapability),
-    Whole(0x18, DecodeChannelIdentification),
-    Whole(0x1E, DecodeProgressIndicator),
-    Whole(0x28, DecodeDisplay),
-    Whole(0x34, DecodeSignal),
-    Whole(0x7D, DecodeHighLayerCompatibility),
-};
-
-constexpr ElementMatch kCallProceeding[] = {
-    Whole(0x04, DecodeBearerCapability),       Whole(0x18, DecodeChannelIdentification),
-    Whole(0x1E, DecodeProgressIndicator),      Whole(0x28, DecodeDisplay),
-    Whole(0x7D, DecodeHighLayerCompatibility),
-};
-
-constexpr ElementMatch kProgress[] = {
-    Whole(0x04, DecodeBearerCapability),       Whole(0x08, DecodeCause),
-    Whole(0x1E, DecodeProgressIndicator),      Whole(0x28, DecodeDisplay),
-    Whole(0x7D, DecodeHighLayerCompatibility),
-};
-
+constexpr ElementMatch kAlerting[] = {Whole(0x04), Whole(0x18), Whole(0x1E), Whole(0x28), Whole(0x34), Whole(0x7D)};
+constexpr ElementMatch kCallProceeding[] = {Whole(0x04), Whole(0x18), Whole(0x1E), Whole(0x28), Whole(0x7D)};
+constexpr ElementMatch kProgress[] = {Whole(0x04), Whole(0x08), Whole(0x1E), Whole(0x28), Whole(0x7D)};
 // SETUP also takes two kinds of single octet: Repeat indicator (1101 xxxx)
 // and Sending complete (1010 0001); every other single octet is unknown.
 constexpr ElementMatch kSetup[] = {
-    {0xF0, 0xD0, DecodeRepeatIndicator},
-    Whole(0xA1, DecodeSendingComplete),
-    Whole(0x04, DecodeBearerCapability),
-    Whole(0x18, DecodeChannelIdentification),
-    Whole(0x1E, DecodeProgressIndicator),
-    Whole(0x20, DecodeNetworkSpecificFacilities),
-    Whole(0x28, DecodeDisplay),
-    Whole(0x29, DecodeDateTime),
-    Whole(0x2C, DecodeKeypadFacility),
-    Whole(0x34, DecodeSignal),
-    Whole(0x40, DecodeInformationRate),
-    Whole(0x42, DecodeEndToEndTransitDelay),
-    Whole(0x43, DecodeTransitDelaySelection),
-    Whole(0x44, DecodePacketLayerBinaryParameters),
-    Whole(0x45, DecodePacketLayerWindowSize),
-    Whole(0x46, DecodePacketSize),
-    Whole(0x47, DecodeClosedUserGroup),
-    Whole(0x4A, DecodeReverseChargingIndication),
-    Whole(0x6C, DecodeCallingPartyNumber),
-    Whole(0x6D, DecodeCallingPartySubaddress),
-    Whole(0x70, DecodeCalledPartyNumber),
-    Whole(0x71, DecodeCalledPartySubaddress),
-    Whole(0x74, DecodeRedirectingNumber),
-    Whole(0x78, DecodeTransitNetworkSelection),
-    Whole(0x7C, DecodeLowLayerCompatibility),
-    Whole(0x7D, DecodeHighLayerCompatibility),
-    Whole(0x7E, DecodeUserUser),
+    {0xF0, 0xD0, Accepted(0xD0)},
+    Whole(0xA1),
+    Whole(0x04),
+    Whole(0x18),
+    Whole(0x1E),
+    Whole(0x20),
+    Whole(0x28),
+    Whole(0x29),
+    Whole(0x2C),
+    Whole(0x34),
+    Whole(0x40),
+    Whole(0x42),
+    Whole(0x43),
+    Whole(0x44),
+    Whole(0x45),
+    Whole(0x46),
+    Whole(0x47),
+    Whole(0x4A),
+    Whole(0x6C),
+    Whole(0x6D),
+    Whole(0x70),
+    Whole(0x71),
+    Whole(0x74),
+    Whole(0x78),
+    Whole(0x7C),
+    Whole(0x7D),
+    Whole(0x7E),
 };
-
-constexpr ElementMatch kConnect[] = {
-    Whole(0x04, DecodeBearerCapability),
-    Whole(0x18, DecodeChannelIdentification),
-    Whole(0x1E, DecodeProgressIndicator),
-    Whole(0x28, DecodeDisplay),
-    Whole(0x29, DecodeDateTime),
-    Whole(0x34, DecodeSignal),
-    Whole(0x7C, DecodeLowLayerCompatibility),
-    Whole(0x7D, DecodeHighLayerCompatibility),
-};
-
-constexpr ElementMatch kSetupAcknowledge[] = {
-    Whole(0x18, DecodeChannelIdentification),
-    Whole(0x1E, DecodeProgressIndicator),
-    Whole(0x28, DecodeDisplay),
-    Whole(0x34, DecodeSignal),
-};
-
-constexpr ElementMatch kConnectAcknowledge[] = {Whole(0x28, DecodeDisplay), Whole(0x34, DecodeSignal)};
-
-constexpr ElementMatch kUserInformation[] = {Low7(0xA0, DecodeMoreData), Low7(0x7E, DecodeUserUser)};
-
+constexpr ElementMatch kConnect[] = {Whole(0x04), Whole(0x18), Whole(0x1E), Whole(0x28),
+                                     Whole(0x29), Whole(0x34), Whole(0x7C), Whole(0x7D)};
+constexpr ElementMatch kSetupAcknowledge[] = {Whole(0x18), Whole(0x1E), Whole(0x28), Whole(0x34)};
+constexpr ElementMatch kConnectAcknowledge[] = {Whole(0x28), Whole(0x34)};
+constexpr ElementMatch kUserInformation[] = {Low7(0xA0), Low7(0x7E)};
 // SUSPEND REJECT and RESUME REJECT.
-constexpr ElementMatch kSuspendResumeReject[] = {Whole(0x08, DecodeCause), Whole(0x28, DecodeDisplay)};
-
+constexpr ElementMatch kSuspendResumeReject[] = {Whole(0x08), Whole(0x28)};
 // SUSPEND and RESUME.
-constexpr ElementMatch kSuspendResume[] = {Whole(0x10, DecodeCallIdentity)};
-
+constexpr ElementMatch kSuspendResume[] = {Whole(0x10)};
 // SUSPEND ACKNOWLEDGE and STATUS ENQUIRY.
-constexpr ElementMatch kDisplayOnly[] = {Whole(0x28, DecodeDisplay)};
-
-constexpr ElementMatch kResumeAcknowledge[] = {Whole(0x18, DecodeChannelIdentification), Whole(0x28, DecodeDisplay)};
-
-constexpr ElementMatch kDisconnect[] = {
-    Whole(0x08, DecodeCause),  Whole(0x1E, DecodeProgressIndicator), Whole(0x28, DecodeDisplay),
-    Whole(0x34, DecodeSignal), Whole(0x7E, DecodeUserUser),
-};
-
+constexpr ElementMatch kDisplayOnly[] = {Whole(0x28)};
+constexpr ElementMatch kResumeAcknowledge[] = {Whole(0x18), Whole(0x28)};
+constexpr ElementMatch kDisconnect[] = {Whole(0x08), Whole(0x1E), Whole(0x28), Whole(0x34), Whole(0x7E)};
 // RESTART and RESTART ACKNOWLEDGE.
-constexpr ElementMatch kRestart[] = {
-    Whole(0x18, DecodeChannelIdentification),
-    Whole(0x28, DecodeDisplay),
-    Whole(0x79, DecodeRestartIndicator),
-};
-
+constexpr ElementMatch kRestart[] = {Whole(0x18), Whole(0x28), Whole(0x79)};
 // RELEASE and RELEASE COMPLETE.
-constexpr ElementMatch kRelease[] = {
-    Whole(0x08, DecodeCause),
-    Whole(0x28, DecodeDisplay),
-    Whole(0x34, DecodeSignal),
-    Whole(0x7E, DecodeUserUser),
-};
-
-constexpr ElementMatch kNotify[] = {
-    Whole(0x04, DecodeBearerCapability),
-    Whole(0x27, DecodeNotificationIndicator),
-    Whole(0x28, DecodeDisplay),
-};
-
+constexpr ElementMatch kRelease[] = {Whole(0x08), Whole(0x28), Whole(0x34), Whole(0x7E)};
+constexpr ElementMatch kNotify[] = {Whole(0x04), Whole(0x27), Whole(0x28)};
 // Bits 7 to 5 of 011 (0x30 to 0x3F, 0xB0 to 0xBF) are a Congestion level,
 // whatever bit 8 says; it is tested first.
-constexpr ElementMatch kCongestionControl[] = {
-    {0x70, 0x30, DecodeCongestionLevel},
-    Whole(0x08, DecodeCause),
-    Whole(0x28, DecodeDisplay),
-};
+constexpr ElementMatch kCongestionControl[] = {{0x70, 0x30, Accepted(0xB0)}, Whole(0x08), Whole(0x28)};
+constexpr ElementMatch kInformation[] = {Low7(0x08), Low7(0xA1), Low7(0x28), Low7(0x2C), Low7(0x34), Low7(0x70)};
+constexpr ElementMatch kStatus[] = {Whole(0x08), Whole(0x14), Whole(0x28)};
 
-constexpr ElementMatch kInformation[] = {
-    Low7(0x08, DecodeCause),          Low7(0xA1, DecodeSendingComplete), Low7(0x28, DecodeDisplay),
-    Low7(0x2C, DecodeKeypadFacility), Low7(0x34, DecodeSignal),          Low7(0x70, DecodeCalledPartyNumber),
-};
+// The row of a message type, named as the shared table names it.
+constexpr MessageWalk Walk(Octet value, std::span<const ElementMatch> accepted, bool walked = true) {
+  return {value, FindRow(kMessageTypeNames, value)->text, accepted, walked};
+}
 
-constexpr ElementMatch kStatus[] = {
-    Whole(0x08, DecodeCause),
-    Whole(0x14, DecodeCallState),
-    Whole(0x28, DecodeDisplay),
+constexpr MessageWalk kMessageWalks[] = {
+    Walk(0x01, kAlerting),
+    Walk(0x02, kCallProceeding),
+    Walk(0x03, kProgress),
+    Walk(0x05, kSetup),
+    Walk(0x07, kConnect),
+    Walk(0x0D, kSetupAcknowledge),
+    Walk(0x0F, kConnectAcknowledge),
+    Walk(0x20, kUserInformation),
+    Walk(0x21, kSuspendResumeReject),
+    Walk(0x22, kSuspendResumeReject),
+    Walk(0x25, kSuspendResume),
+    Walk(0x26, kSuspendResume),
+    Walk(0x2D, kDisplayOnly),
+    Walk(0x2E, kResumeAcknowledge),
+    Walk(0x45, kDisconnect),
+    Walk(0x46, kRestart),
+    Walk(0x4D, kRelease),
+    Walk(0x4E, kRestart),
+    Walk(0x5A, kRelease),
+    // A SEGMENT shows its name line and none of its elements.
+    Walk(0x60, {}, false),
+    Walk(0x6E, kNotify),
+    Walk(0x75, kDisplayOnly),
+    Walk(0x79, kCongestionControl),
+    Walk(0x7B, kInformation),
+    Walk(0x7D, kStatus),
 };
 
 }  // namespace
 
-ElementDecoder ChooseDecoder(std::span<const ElementMatch> accepted, Octet identifier) {
-  for (const ElementMatch& match : accepted)
-    if ((identifier & match.mask) == match.value) return match.decoder;
-  return DecodeUnknownElement;
+const MessageWalk* FindMessageWalk(Octet value) {
+  for (const MessageWalk& walk : kMessageWalks)
+    if (walk.value == value) return &walk;
+  return nullptr;
 }
 
-void WalkElements(OutputWriter& out, OctetSpan fromMessageType, std::span<const ElementMatch> accepted) {
+const ElementEntry* ChooseElement(std::span<const ElementMatch> accepted, Octet identifier) {
+  for (const ElementMatch& match : accepted)
+    if ((identifier & match.mask) == match.value) return match.element;
+  return nullptr;
+}
+
+void WalkElements(OutputWriter& out, const MessageWalk& walk, OctetSpan fromMessageType) {
+  if (!walk.walked) return;
   std::size_t index = 1;
   while (index < fromMessageType.size()) {
     out.Put("\tInformation element:");
     const ElementOctets element(fromMessageType.subspan(index));
-    const int count = ChooseDecoder(accepted, element.Identifier())(out, element);
-    index += static_cast<std::size_t>(count > 0 ? count : 1);
+    index += DecodeElement(out, ChooseElement(walk.accepted, element.Identifier()), element);
   }
-}
-
-void WalkAlerting(OutputWriter& out, OctetSpan m) { WalkElements(out, m, kAlerting); }
-void WalkCallProceeding(OutputWriter& out, OctetSpan m) { WalkElements(out, m, kCallProceeding); }
-void WalkProgress(OutputWriter& out, OctetSpan m) { WalkElements(out, m, kProgress); }
-void WalkSetup(OutputWriter& out, OctetSpan m) { WalkElements(out, m, kSetup); }
-void WalkConnect(OutputWriter& out, OctetSpan m) { WalkElements(out, m, kConnect); }
-void WalkSetupAcknowledge(OutputWriter& out, OctetSpan m) { WalkElements(out, m, kSetupAcknowledge); }
-void WalkConnectAcknowledge(OutputWriter& out, OctetSpan m) { WalkElements(out, m, kConnectAcknowledge); }
-void WalkUserInformation(OutputWriter& out, OctetSpan m) { WalkElements(out, m, kUserInformation); }
-void WalkSuspendReject(OutputWriter& out, OctetSpan m) { WalkElements(out, m, kSuspendResumeReject); }
-void WalkResumeReject(OutputWriter& out, OctetSpan m) { WalkElements(out, m, kSuspendResumeReject); }
-void WalkSuspend(OutputWriter& out, OctetSpan m) { WalkElements(out, m, kSuspendResume); }
-void WalkResume(OutputWriter& out, OctetSpan m) { WalkElements(out, m, kSuspendResume); }
-void WalkSuspendAcknowledge(OutputWriter& out, OctetSpan m) { WalkElements(out, m, kDisplayOnly); }
-void WalkResumeAcknowledge(OutputWriter& out, OctetSpan m) { WalkElements(out, m, kResumeAcknowledge); }
-void WalkDisconnect(OutputWriter& out, OctetSpan m) { WalkElements(out, m, kDisconnect); }
-void WalkRestart(OutputWriter& out, OctetSpan m) { WalkElements(out, m, kRestart); }
-void WalkRelease(OutputWriter& out, OctetSpan m) { WalkElements(out, m, kRelease); }
-void WalkRestartAcknowledge(OutputWriter& out, OctetSpan m) { WalkElements(out, m, kRestart); }
-void WalkReleaseComplete(OutputWriter& out, OctetSpan m) { WalkElements(out, m, kRelease); }
-// A SEGMENT shows its name line and none of its elements.
-void WalkSegment(OutputWriter&, OctetSpan) {}
-void WalkNotify(OutputWriter& out, OctetSpan m) { WalkElements(out, m, kNotify); }
-void WalkStatusEnquiry(OutputWriter& out, OctetSpan m) { WalkElements(out, m, kDisplayOnly); }
-void WalkCongestionControl(OutputWriter& out, OctetSpan m) { WalkElements(out, m, kCongestionControl); }
-void WalkInformation(OutputWriter& out, OctetSpan m) { WalkElements(out, m, kInformation); }
-void WalkStatus(OutputWriter& out, OctetSpan m) { WalkElements(out, m, kStatus); }
-
-namespace {
-
-constexpr MessageTypeInfo kMessageTypes[] = {
-    {0x01, "ALERTING", WalkAlerting, kAlerting},
-    {0x02, "CALL PROCEEDING", WalkCallProceeding, kCallProceeding},
-    {0x03, "PROGRESS", WalkProgress, kProgress},
-    {0x05, "SETUP", WalkSetup, kSetup},
-    {0x07, "CONNECT", WalkConnect, kConnect},
-    {0x0D, "SETUP ACKNOWLEDGE", WalkSetupAcknowledge, kSetupAcknowledge},
-    {0x0F, "CONNECT ACKNOWLEDGE", WalkConnectAcknowledge, kConnectAcknowledge},
-    {0x20, "USER INFORMATION", WalkUserInformation, kUserInformation},
-    {0x21, "SUSPEND REJECT", WalkSuspendReject, kSuspendResumeReject},
-    {0x22, "RESUME REJECT", WalkResumeReject, kSuspendResumeReject},
-    {0x25, "SUSPEND", WalkSuspend, kSuspendResume},
-    {0x26, "RESUME", WalkResume, kSuspendResume},
-    {0x2D, "SUSPEND ACKNOWLEDGE", WalkSuspendAcknowledge, kDisplayOnly},
-    {0x2E, "RESUME ACKNOWLEDGE", WalkResumeAcknowledge, kResumeAcknowledge},
-    {0x45, "DISCONNECT", WalkDisconnect, kDisconnect},
-    {0x46, "RESTART", WalkRestart, kRestart},
-    {0x4D, "RELEASE", WalkRelease, kRelease},
-    {0x4E, "RESTART ACKNOWLEDGE", WalkRestartAcknowledge, kRestart},
-    {0x5A, "RELEASE COMPLETE", WalkReleaseComplete, kRelease},
-    {0x60, "SEGMENT", WalkSegment, {}},
-    {0x6E, "NOTIFY", WalkNotify, kNotify},
-    {0x75, "STATUS ENQUIRY", WalkStatusEnquiry, kDisplayOnly},
-    {0x79, "CONGESTION CONTROL", WalkCongestionControl, kCongestionControl},
-    {0x7B, "INFORMATION", WalkInformation, kInformation},
-    {0x7D, "STATUS", WalkStatus, kStatus},
-};
-
-}  // namespace
-
-const MessageTypeInfo* FindMessageType(Octet value) {
-  for (const MessageTypeInfo& type : kMessageTypes)
-    if (type.value == value) return &type;
-  return nullptr;
 }
 
 }  // namespace velmora

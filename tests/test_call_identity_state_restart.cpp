@@ -1,8 +1,6 @@
 // Call identity, Call state and Restart indicator.
 #include <gtest/gtest.h>
 
-#include "elements/element_decoders.h"
-#include "q931/message.h"
 #include "test_support.h"
 
 namespace velmora {
@@ -11,43 +9,37 @@ const std::string kItuCoding = "\t\tCoding standard=00  ITU-T standardized codin
 const std::string kActive = "\t\tCall state value=001010  U10-Active, N10-Active\n";
 
 TEST(CallIdentityStateRestart, DecodesEachElement) {
-  const testing::DecoderCase cases[] = {
-      {DecodeCallIdentity, {0x10, 0x02, 0x01, 0xA2}, "Call identity\n\t\tCall identity= 0x1 0xa2\n", 4},
+  const testing::ElementCase cases[] = {
+      {{0x10, 0x02, 0x01, 0xA2}, "Call identity\n\t\tCall identity= 0x1 0xa2\n"},
       // Octets after octet 3 are not looked at, but counted.
-      {DecodeCallState, {0x14, 0x03, 0x0A, 0x55, 0x66}, "Call state\n" + kItuCoding + kActive, 5},
+      {{0x14, 0x03, 0x0A, 0x55, 0x66}, "Call state\n" + kItuCoding + kActive},
       // The field name follows the state it names.
-      {DecodeCallState,
-       {0x14, 0x01, 0xC0},
+      {{0x14, 0x01, 0xC0},
        "Call state\n\t\tCoding standard=11  Standard defined for the network (either public or private) present on "
        "the network side of the interface\n"
-       "\t\tCall state value / global interface state value=000000  U0-Null, N0-Null, REST0-Null\n",
-       3},
-      {DecodeCallState,
-       {0x14, 0x01, 0x3D},
-       "Call state\n" + kItuCoding + "\t\tGlobal interface state value=111101  REST1-Restart request\n",
-       3},
+       "\t\tCall state value / global interface state value=000000  U0-Null, N0-Null, REST0-Null\n"},
+      {{0x14, 0x01, 0x3D},
+       "Call state\n" + kItuCoding + "\t\tGlobal interface state value=111101  REST1-Restart request\n"},
       // 000101 names no state: the coding standard line alone.
-      {DecodeCallState, {0x14, 0x01, 0x85}, "Call state\n\t\tCoding standard=10  National standard\n", 3},
-      {DecodeRestartIndicator, {0x79, 0x01, 0x83}, "Restart indicator\n", 3},
+      {{0x14, 0x01, 0x85}, "Call state\n\t\tCoding standard=10  National standard\n"},
+      {{0x79, 0x01, 0x83}, "Restart indicator\n"},
       // L = 0, or a frame ending at the length octet: the heading alone, the count still L + 2.
-      {DecodeCallIdentity, {0x10, 0x00, 0x0A}, "Call identity\n", 2},
-      {DecodeCallState, {0x14, 0x00, 0x0A}, "Call state\n", 2},
-      {DecodeRestartIndicator, {0x79, 0x00, 0x0A}, "Restart indicator\n", 2},
-      {DecodeCallIdentity, {0x10, 0x02}, "Call identity\n", 4},
-      {DecodeCallState, {0x14, 0x02}, "Call state\n", 4},
-      {DecodeRestartIndicator, {0x79, 0x02}, "Restart indicator\n", 4},
+      {{0x10, 0x00, 0x0A}, "Call identity\n"},
+      {{0x14, 0x00, 0x0A}, "Call state\n"},
+      {{0x79, 0x00, 0x0A}, "Restart indicator\n"},
+      {{0x10, 0x02}, "Call identity\n"},
+      {{0x14, 0x02}, "Call state\n"},
+      {{0x79, 0x02}, "Restart indicator\n"},
   };
   testing::ExpectDecodes(cases);
 }
 
 TEST(CallIdentityStateRestart, AsCarriedInStatusAndRestart) {
   const std::vector<Octet> status{0x7D, 0x14, 0x01, 0x0A, 0x28, 0x02, 0x41, 0x42};
-  EXPECT_EQ(testing::CaptureOutput([&](OutputWriter& out) { WalkStatus(out, status); }),
-            "\tInformation element:Call state\n" + kItuCoding + kActive +
-                "\tInformation element:Display\n\t\tDisplay information(IA5)= 0x41 0x42\n");
+  EXPECT_EQ(testing::Walked(status), "\tInformation element:Call state\n" + kItuCoding + kActive +
+                                         "\tInformation element:Display\n\t\tDisplay information(IA5)= 0x41 0x42\n");
   const std::vector<Octet> restart{0x46, 0x79, 0x01, 0x87};
-  EXPECT_EQ(testing::CaptureOutput([&](OutputWriter& out) { WalkRestart(out, restart); }),
-            "\tInformation element:Restart indicator\n\t\tClass=111  All interfaces\n");
+  EXPECT_EQ(testing::Walked(restart), "\tInformation element:Restart indicator\n\t\tClass=111  All interfaces\n");
 }
 
 }  // namespace velmora

@@ -4,7 +4,6 @@
 #include <string>
 #include <vector>
 
-#include "elements/element_decoders.h"
 #include "test_support.h"
 
 namespace velmora {
@@ -29,49 +28,45 @@ const std::string kVideotelephony =
 
 TEST(HighLayerCompatibility, DecodesOctets3To4aUpToTheElementsAndTheFramesEnd) {
   const testing::ElementCase cases[] = {
-      {{0x7D, 0x00}, kHeading, 2},
-      {{0x7D, 0x02, 0x91, 0x81}, kOctet3 + kTelephony, 4},
+      {{0x7D, 0x00}, kHeading},
+      {{0x7D, 0x02, 0x91, 0x81}, kOctet3 + kTelephony},
       // Octet 3 fields without rows print nothing.
-      {{0x7D, 0x02, 0x92, 0x81}, kHeading + kCoding + kInterpretation + kTelephony, 4},
+      {{0x7D, 0x02, 0x92, 0x81}, kHeading + kCoding + kInterpretation + kTelephony},
       {{0x7D, 0x02, 0x81, 0x84},
        kHeading + kCoding + kPresentation +
            "\t\tHigh layer characteristics "
-           "identification=0000100  Facsimile Group 2/3 (Recommendation F.182 [68])\n",
-       4},
+           "identification=0000100  Facsimile Group 2/3 (Recommendation F.182 [68])\n"},
       {{0x7D, 0x03, 0x91, 0x5E, 0x81},
-       kOctet3 + kMaintenance + "\t\tExtended high layer characteristics identification=0000001  Telephony\n",
-       5},
+       kOctet3 + kMaintenance + "\t\tExtended high layer characteristics identification=0000001  Telephony\n"},
       {{0x7D, 0x03, 0x91, 0x5F, 0xDE},
        kOctet3 + "\t\tHigh layer characteristics identification=1011111  Reserved for management\n"
-                 "\t\tExtended high layer characteristics identification=1011110  Not available for assignment\n",
-       5},
+                 "\t\tExtended high layer characteristics identification=1011110  Not available for assignment\n"},
       {{0x7D, 0x03, 0x91, 0x63, 0x81},
        kOctet3 + "\t\tHigh layer characteristics identification=0x63  Reserved for audiovisual services "
                  "(F.700-series Recommendations [80])\n\t\tExtended audiovisual characteristics "
-                 "identification=0000001  Capability set of initial channel of H.221\n",
-       5},
+                 "identification=0000001  Capability set of initial channel of H.221\n"},
       // The reserved-code line belongs to octet 4 only.
-      {{0x7D, 0x03, 0x91, 0x5E, 0xE3}, kOctet3 + kMaintenance, 5},
+      {{0x7D, 0x03, 0x91, 0x5E, 0xE3}, kOctet3 + kMaintenance},
       // Videotelephony gives octet 4a no meaning: it is not shown.
-      {{0x7D, 0x03, 0x91, 0x60, 0x81}, kOctet3 + kVideotelephony, 5},
+      {{0x7D, 0x03, 0x91, 0x60, 0x81}, kOctet3 + kVideotelephony},
       // 1101001: no row, and not a reserved audiovisual code.
-      {{0x7D, 0x02, 0x91, 0xE9}, kOctet3, 4},
+      {{0x7D, 0x02, 0x91, 0xE9}, kOctet3},
       // The element ends after octet 3, or before an announced octet 4a.
-      {{0x7D, 0x01, 0x91, 0x81}, kOctet3, 3},
-      {{0x7D, 0x02, 0x91, 0x5E, 0x81}, kOctet3 + kMaintenance, 4},
+      {{0x7D, 0x01, 0x91, 0x81}, kOctet3},
+      {{0x7D, 0x02, 0x91, 0x5E, 0x81}, kOctet3 + kMaintenance},
       // Octet 4a announced and inside the element, but the frame ends first.
-      {{0x7D, 0x03, 0x91, 0x5E}, kOctet3 + kMaintenance, 5},
+      {{0x7D, 0x03, 0x91, 0x5E}, kOctet3 + kMaintenance},
       // Octets after octet 4 are not decoded.
-      {{0x7D, 0x05, 0x91, 0xE0, 0xAA, 0xBB, 0xCC}, kOctet3 + kVideotelephony, 7},
+      {{0x7D, 0x05, 0x91, 0xE0, 0xAA, 0xBB, 0xCC}, kOctet3 + kVideotelephony},
   };
-  testing::ExpectDecodes(DecodeHighLayerCompatibility, cases);
+  testing::ExpectDecodes(cases);
 }
 
 TEST(HighLayerCompatibility, ReservedAudiovisualCodesAreTwoRanges) {
   // 0x62 and 0x68 have rows of their own; 0x69, 0x6A and 0x70 are nothing.
   for (const Octet code : {0x62, 0x63, 0x67, 0x68, 0x69, 0x6A, 0x6B, 0x6F, 0x70}) {
     const bool reserved = code == 0x63 || code == 0x67 || code == 0x6B || code == 0x6F;
-    const auto text = DecodeOctets(DecodeHighLayerCompatibility, {0x7D, 0x02, 0x91, Octet(0x80 | code)}).text;
+    const auto text = DecodeOctets({0x7D, 0x02, 0x91, Octet(0x80 | code)});
     EXPECT_EQ(text.find("Reserved for audiovisual services") != std::string::npos, reserved) << std::hex << int{code};
   }
 }

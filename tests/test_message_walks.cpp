@@ -4,8 +4,6 @@
 #include <string>
 #include <vector>
 
-#include "elements/element_decoders.h"
-#include "q931/message.h"
 #include "test_support.h"
 
 namespace velmora {
@@ -13,37 +11,30 @@ namespace {
 
 using testing::CaptureOutput;
 
-ElementDecoder Chosen(Octet messageType, Octet identifier) {
-  const MessageTypeInfo* type = FindMessageType(messageType);
-  EXPECT_NE(type, nullptr);
-  return ChooseDecoder(type->accepted, identifier);
+std::string Decode(const std::vector<Octet>& message) {
+  return CaptureOutput([&](OutputWriter& out) { DecodeQ931Message(out, message); });
 }
 
-TEST(Dispatch, KnowsExactlyTheTwentyFiveMessageTypes) {
-  int known = 0;
-  for (int value = 0; value < 256; ++value)
-    if (FindMessageType(static_cast<Octet>(value)) != nullptr) ++known;
-  EXPECT_EQ(known, 25);
-  EXPECT_EQ(FindMessageType(0x5A)->name, "RELEASE COMPLETE");
-  EXPECT_EQ(FindMessageType(0x79)->name, "CONGESTION CONTROL");
-  EXPECT_EQ(FindMessageType(0x62), nullptr);
-  EXPECT_EQ(FindMessageType(0x85), nullptr);  // bit 8 is not masked off
+// The element the walk of a message type picks for an identifier octet.
+const ElementEntry* Chosen(Octet messageType, Octet identifier) {
+  return ChooseElement(FindMessageWalk(messageType)->accepted, identifier);
 }
+const ElementEntry* const kUnknown = nullptr;
 
 TEST(Dispatch, CallReferenceLengthLocatesTheMessageType) {
   // Two-octet call reference, as on a primary-rate interface.
-  const std::vector<Octet> pri{0x08, 0x02, 0x00, 0x05, 0x7D};
-  EXPECT_EQ(CaptureOutput([&](OutputWriter& out) { DecodeQ931Message(out, pri); }), "Message type:STATUS\n");
-  // A call reference that runs past the message leaves no message type.
-  const std::vector<Octet> cut{0x08, 0x03, 0x00, 0x05};
-  EXPECT_EQ(CaptureOutput([&](OutputWriter& out) { DecodeQ931Message(out, cut); }), "Message type:Truncated message\n");
+  EXPECT_EQ(Decode({0x08, 0x02, 0x00, 0x05, 0x7D}), "Message type:STATUS\n");
+  // A call reference that runs to the message's end, or past it, leaves no message type.
+  EXPECT_EQ(Decode({0x08, 0x01, 0x81}), "Message type:Truncated message\n");
+  EXPECT_EQ(Decode({0x08, 0x03, 0x00, 0x05}), "Message type:Truncated message\n");
+  // Bit 8 of the message type is not masked off: 0x85 is no SETUP.
+  EXPECT_EQ(Decode({0x08, 0x01, 0x81, 0x85, 0x04, 0x00}), "Message type:");
 }
 
 TEST(Dispatch, SetupWalkVisitsElementsByTheirCounts) {
   // Sending complete, bearer capability (5 octets), called party number (6).
-  const std::vector<Octet> setup{0x08, 0x01, 0x05, 0x05, 0xA1, 0x04, 0x03, 0x80,
-                                 0x90, 0xA2, 0x70, 0x04, 0x81, 0x31, 0x32, 0x33};
-  const std::string text = CaptureOutput([&](OutputWriter& out) { DecodeQ931Message(out, setup); });
+  const std::string text =
+      Decode({0x08, 0x01, 0x05, 0x05, 0xA1, 0x04, 0x03, 0x80, 0x90, 0xA2, 0x70, 0x04, 0x81, 0x31, 0x32, 0x33});
   EXPECT_EQ(text.rfind("Message type:SETUP\n\tInformation element:Sending complete\n", 0), 0U);
   std::size_t prefixes = 0;
   for (std::size_t at = text.find("\tInformation element:"); at != std::string::npos;
@@ -53,58 +44,55 @@ TEST(Dispatch, SetupWalkVisitsElementsByTheirCounts) {
 }
 
 TEST(WalkRules, WholeOctetSendsSingleOctetsAndStrangersToTheDump) {
-  EXPECT_EQ(Chosen(0x5A, 0x08), &DecodeCause);
-  EXPECT_EQ(Chosen(0x5A, 0x88), &DecodeUnknownElement);
-  EXPECT_EQ(Chosen(0x5A, 0x96), &DecodeUnknownElement);  // shift is never recognised
-  EXPECT_EQ(Chosen(0x05, 0x08), &DecodeUnknownElement);  // no Cause in SETUP
-  EXPECT_EQ(Chosen(0x01, 0x34), &DecodeSignal);
-  EXPECT_EQ(Chosen(0x02, 0x34), &DecodeUnknownElement);  // CALL PROCEEDING has no Signal
-  EXPECT_EQ(Chosen(0x7D, 0x14), &DecodeCallState);
-  EXPECT_EQ(Chosen(0x46, 0x79), &DecodeRestartIndicator);
-  EXPECT_EQ(Chosen(0x26, 0x10), &DecodeCallIdentity);
+  EXPECT_EQ(Chosen(0x5A, 0x08), FindElement(0x08));
+  EXPECT_EQ(Chosen(0x5A, 0x88), kUnknown);
+  EXPECT_EQ(Chosen(0x5A, 0x96), kUnknown);  // shift is never recognised
+  EXPECT_EQ(Chosen(0x05, 0x08), kUnknown);  // no Cause in SETUP
+  EXPECT_EQ(Chosen(0x01, 0x34), FindElement(0x34));
+  EXPECT_EQ(Chosen(0x02, 0x34), kUnknown);  // CALL PROCEEDING has no Signal
+  EXPECT_EQ(Chosen(0x7D, 0x14), FindElement(0x14));
+  EXPECT_EQ(Chosen(0x46, 0x79), FindElement(0x79));
+  EXPECT_EQ(Chosen(0x26, 0x10), FindElement(0x10));
 }
 
 TEST(WalkRules, SetupTakesRepeatIndicatorAndSendingCompleteOnly) {
-  for (int octet = 0xD0; octet <= 0xDF; ++octet)
-    EXPECT_EQ(Chosen(0x05, static_cast<Octet>(octet)), &DecodeRepeatIndicator);
-  EXPECT_EQ(Chosen(0x05, 0xA1), &DecodeSendingComplete);
-  EXPECT_EQ(Chosen(0x05, 0xA0), &DecodeUnknownElement);
-  EXPECT_EQ(Chosen(0x05, 0x21), &DecodeUnknownElement);
-  EXPECT_EQ(Chosen(0x05, 0xB0), &DecodeUnknownElement);
-  EXPECT_EQ(Chosen(0x05, 0x6C), &DecodeCallingPartyNumber);
-  EXPECT_EQ(Chosen(0x05, 0x4A), &DecodeReverseChargingIndication);
+  for (int octet = 0xD0; octet <= 0xDF; ++octet) EXPECT_EQ(Chosen(0x05, static_cast<Octet>(octet)), FindElement(0xD0));
+  EXPECT_EQ(Chosen(0x05, 0xA1), FindElement(0xA1));
+  EXPECT_EQ(Chosen(0x05, 0xA0), kUnknown);
+  EXPECT_EQ(Chosen(0x05, 0x21), kUnknown);
+  EXPECT_EQ(Chosen(0x05, 0xB0), kUnknown);
+  EXPECT_EQ(Chosen(0x05, 0x6C), FindElement(0x6C));
+  EXPECT_EQ(Chosen(0x05, 0x4A), FindElement(0x4A));
 }
 
 TEST(WalkRules, UserInformationAndInformationIgnoreBitEight) {
-  EXPECT_EQ(Chosen(0x20, 0x20), &DecodeMoreData);
-  EXPECT_EQ(Chosen(0x20, 0xA0), &DecodeMoreData);
-  EXPECT_EQ(Chosen(0x20, 0x7E), &DecodeUserUser);
-  EXPECT_EQ(Chosen(0x20, 0xFE), &DecodeUserUser);
-  EXPECT_EQ(Chosen(0x7B, 0x21), &DecodeSendingComplete);
-  EXPECT_EQ(Chosen(0x7B, 0xA1), &DecodeSendingComplete);
-  EXPECT_EQ(Chosen(0x7B, 0x88), &DecodeCause);
-  EXPECT_EQ(Chosen(0x7B, 0xA8), &DecodeDisplay);
-  EXPECT_EQ(Chosen(0x7B, 0xAC), &DecodeKeypadFacility);
-  EXPECT_EQ(Chosen(0x7B, 0xB4), &DecodeSignal);
-  EXPECT_EQ(Chosen(0x7B, 0xF0), &DecodeCalledPartyNumber);
-  EXPECT_EQ(Chosen(0x7B, 0x96), &DecodeUnknownElement);
+  EXPECT_EQ(Chosen(0x20, 0x20), FindElement(0xA0));
+  EXPECT_EQ(Chosen(0x20, 0xA0), FindElement(0xA0));
+  EXPECT_EQ(Chosen(0x20, 0x7E), FindElement(0x7E));
+  EXPECT_EQ(Chosen(0x20, 0xFE), FindElement(0x7E));
+  EXPECT_EQ(Chosen(0x7B, 0x21), FindElement(0xA1));
+  EXPECT_EQ(Chosen(0x7B, 0xA1), FindElement(0xA1));
+  EXPECT_EQ(Chosen(0x7B, 0x88), FindElement(0x08));
+  EXPECT_EQ(Chosen(0x7B, 0xA8), FindElement(0x28));
+  EXPECT_EQ(Chosen(0x7B, 0xAC), FindElement(0x2C));
+  EXPECT_EQ(Chosen(0x7B, 0xB4), FindElement(0x34));
+  EXPECT_EQ(Chosen(0x7B, 0xF0), FindElement(0x70));
+  EXPECT_EQ(Chosen(0x7B, 0x96), kUnknown);
 }
 
 TEST(WalkRules, CongestionControlTestsBitsSevenToFiveFirst) {
-  for (const Octet octet : {0x30, 0x34, 0x3F, 0xB0, 0xBF}) EXPECT_EQ(Chosen(0x79, octet), &DecodeCongestionLevel);
-  EXPECT_EQ(Chosen(0x79, 0x08), &DecodeCause);
-  EXPECT_EQ(Chosen(0x79, 0x28), &DecodeDisplay);
-  EXPECT_EQ(Chosen(0x79, 0xA8), &DecodeUnknownElement);
+  for (const Octet octet : {0x30, 0x34, 0x3F, 0xB0, 0xBF}) EXPECT_EQ(Chosen(0x79, octet), FindElement(0xB0));
+  EXPECT_EQ(Chosen(0x79, 0x08), FindElement(0x08));
+  EXPECT_EQ(Chosen(0x79, 0x28), FindElement(0x28));
+  EXPECT_EQ(Chosen(0x79, 0xA8), kUnknown);
 }
 
 TEST(WalkRules, SegmentShowsNoElementWhateverFollows) {
-  const std::vector<Octet> segment{0x08, 0x01, 0x01, 0x60, 0x04, 0x03, 0x80, 0x90, 0xA2};
-  EXPECT_EQ(CaptureOutput([&](OutputWriter& out) { DecodeQ931Message(out, segment); }), "Message type:SEGMENT\n");
+  EXPECT_EQ(Decode({0x08, 0x01, 0x01, 0x60, 0x04, 0x03, 0x80, 0x90, 0xA2}), "Message type:SEGMENT\n");
 }
 
 TEST(WalkRules, ElementOverrunningTheMessageEndsTheWalk) {
-  const std::vector<Octet> status{0x08, 0x01, 0x81, 0x7D, 0x1C, 0x09, 0x01, 0x02};
-  EXPECT_EQ(CaptureOutput([&](OutputWriter& out) { DecodeQ931Message(out, status); }),
+  EXPECT_EQ(Decode({0x08, 0x01, 0x81, 0x7D, 0x1C, 0x09, 0x01, 0x02}),
             "Message type:STATUS\n\tInformation element:Unknown ( 0x1c 0x9 0x1 0x2 )\n");
 }
 

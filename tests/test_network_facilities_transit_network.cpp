@@ -1,7 +1,6 @@
 // Network-specific facilities and Transit network selection.
 #include <gtest/gtest.h>
 
-#include "elements/element_decoders.h"
 #include "test_support.h"
 
 namespace velmora {
@@ -14,53 +13,36 @@ const std::string kFacility0B = "\t\tNetwork-specific facilities= 0xb\n";
 const std::string kUnknownPlan = "\t\tNetwork identification plan=0000  Unknown\n";
 
 TEST(NetworkFacilitiesTransitNetwork, DecodesEachElement) {
-  const testing::DecoderCase cases[] = {
-      {DecodeTransitNetworkSelection,
-       {0x78, 0x05, 0x21, 0x31, 0x32, 0x33, 0x34},
-       kTransit + kNational + kCarrierCode + "\t\tNetwork identification(IA5)= 0x31 0x32 0x33 0x34\n",
-       7},
+  const testing::ElementCase cases[] = {
+      {{0x78, 0x05, 0x21, 0x31, 0x32, 0x33, 0x34},
+       kTransit + kNational + kCarrierCode + "\t\tNetwork identification(IA5)= 0x31 0x32 0x33 0x34\n"},
       // The data network plan carries its X.121 reference here; bit 8 of a character is dropped.
-      {DecodeTransitNetworkSelection,
-       {0x78, 0x02, 0xA3, 0xB1},
+      {{0x78, 0x02, 0xA3, 0xB1},
        kTransit + kNational +
            "\t\tNetwork identification plan=0011  Data network identification code (Recommendation X.121 [21])\n"
-           "\t\tNetwork identification(IA5)= 0x31\n",
-       4},
+           "\t\tNetwork identification(IA5)= 0x31\n"},
       // No characters: the dump line is empty. Unnamed type 001 prints no line.
-      {DecodeTransitNetworkSelection,
-       {0x78, 0x01, 0x10, 0x31},
-       kTransit + kUnknownPlan + "\t\tNetwork identification(IA5)=\n",
-       3},
-      {DecodeTransitNetworkSelection, {0x78, 0x00, 0x21}, kTransit, 2},
-      {DecodeTransitNetworkSelection,
-       {0x78, 0x05, 0x30, 0x31},
+      {{0x78, 0x01, 0x10, 0x31}, kTransit + kUnknownPlan + "\t\tNetwork identification(IA5)=\n"},
+      {{0x78, 0x00, 0x21}, kTransit},
+      {{0x78, 0x05, 0x30, 0x31},
        kTransit + "\t\tType of network identification=011  International network identification\n" + kUnknownPlan +
-           "\t\tNetwork identification(IA5)= 0x31\n",
-       7},
-      {DecodeNetworkSpecificFacilities,
-       {0x20, 0x06, 0x04, 0x21, 0x31, 0x32, 0x33, 0x0B},
-       kFacilities + kNational + kCarrierCode + "\t\tNetwork identification(IA5)= 0x31 0x32 0x33\n" + kFacility0B,
-       8},
+           "\t\tNetwork identification(IA5)= 0x31\n"},
+      {{0x20, 0x06, 0x04, 0x21, 0x31, 0x32, 0x33, 0x0B},
+       kFacilities + kNational + kCarrierCode + "\t\tNetwork identification(IA5)= 0x31 0x32 0x33\n" + kFacility0B},
       // N = 1: octet 3.1 alone, no characters; the plan has no X.121 reference here.
-      {DecodeNetworkSpecificFacilities,
-       {0x20, 0x03, 0x01, 0x23, 0x8B},
+      {{0x20, 0x03, 0x01, 0x23, 0x8B},
        kFacilities + kNational +
            "\t\tNetwork identification plan=0011  Data network identification code\n"
-           "\t\tNetwork identification(IA5)=\n\t\tNetwork-specific facilities= 0x8b\n",
-       5},
+           "\t\tNetwork identification(IA5)=\n\t\tNetwork-specific facilities= 0x8b\n"},
       // No identification when octet 3 is zero or above 0x7F.
-      {DecodeNetworkSpecificFacilities, {0x20, 0x02, 0x00, 0x0B}, kFacilities + kFacility0B, 4},
-      {DecodeNetworkSpecificFacilities, {0x20, 0x02, 0x80, 0x0B}, kFacilities + kFacility0B, 4},
+      {{0x20, 0x02, 0x00, 0x0B}, kFacilities + kFacility0B},
+      {{0x20, 0x02, 0x80, 0x0B}, kFacilities + kFacility0B},
       // N announces three characters, the element holds one: the octet behind it is neither.
-      {DecodeNetworkSpecificFacilities,
-       {0x20, 0x03, 0x04, 0x21, 0x31, 0x0B},
-       kFacilities + kNational + kCarrierCode + "\t\tNetwork identification(IA5)= 0x31\n",
-       5},
-      {DecodeNetworkSpecificFacilities, {0x20, 0x01, 0x00, 0x0B}, kFacilities, 3},
-      {DecodeNetworkSpecificFacilities,
-       {0x20, 0x06, 0x04, 0x21, 0x31},
-       kFacilities + kNational + kCarrierCode + "\t\tNetwork identification(IA5)= 0x31\n",
-       8},
+      {{0x20, 0x03, 0x04, 0x21, 0x31, 0x0B},
+       kFacilities + kNational + kCarrierCode + "\t\tNetwork identification(IA5)= 0x31\n"},
+      {{0x20, 0x01, 0x00, 0x0B}, kFacilities},
+      {{0x20, 0x06, 0x04, 0x21, 0x31},
+       kFacilities + kNational + kCarrierCode + "\t\tNetwork identification(IA5)= 0x31\n"},
   };
   testing::ExpectDecodes(cases);
 }

@@ -1,95 +1,65 @@
 // The packet-mode elements.
 #include <gtest/gtest.h>
 
-#include "elements/element_decoders.h"
 #include "test_support.h"
 
 namespace velmora {
 
 TEST(PacketMode, DecodesEachElement) {
-  const testing::DecoderCase cases[] = {
-      {DecodeInformationRate,
-       {0x40, 0x04, 0x8B, 0x8B, 0x88, 0x88},
+  const testing::ElementCase cases[] = {
+      {{0x40, 0x04, 0x8B, 0x8B, 0x88, 0x88},
        "Information rate\n"
        "\t\tIncoming information rate=01011  19200 bit/s\n\t\tOutgoing information rate=01011  19200 bit/s\n"
        "\t\tMinimum incoming information rate=01000  2400 bit/s\n"
-       "\t\tMinimum outgoing information rate=01000  2400 bit/s\n",
-       6},
+       "\t\tMinimum outgoing information rate=01000  2400 bit/s\n"},
       // Reserved rate codes are shown in hexadecimal.
-      {DecodeInformationRate,
-       {0x40, 0x04, 0x0E, 0x00, 0x1F, 0x8D},
+      {{0x40, 0x04, 0x0E, 0x00, 0x1F, 0x8D},
        "Information rate\n\t\tIncoming information rate=0xe  Reserved\n\t\tOutgoing information rate=0x0  Reserved\n"
        "\t\tMinimum incoming information rate=0x1f  Reserved\n"
-       "\t\tMinimum outgoing information rate=01101  64000 bit/s\n",
-       6},
+       "\t\tMinimum outgoing information rate=01101  64000 bit/s\n"},
       // A short element at the frame's end: only the rates the frame holds.
-      {DecodeInformationRate,
-       {0x40, 0x01, 0x03, 0x07},
+      {{0x40, 0x01, 0x03, 0x07},
        "Information rate\n"
-       "\t\tIncoming information rate=00011  75 bit/s\n\t\tOutgoing information rate=00111  1200 bit/s\n",
-       3},
-      {DecodeEndToEndTransitDelay,
-       {0x42, 0x03, 0x01, 0x02, 0x03},
-       "End-to-end transit delay\n\t\tCumulative transit delay value= 16643 ms\n",
-       5},
-      {DecodeEndToEndTransitDelay,
-       {0x42, 0x06, 0x01, 0x02, 0x03, 0x00, 0x01, 0x64, 0x7F},
+       "\t\tIncoming information rate=00011  75 bit/s\n\t\tOutgoing information rate=00111  1200 bit/s\n"},
+      {{0x42, 0x03, 0x01, 0x02, 0x03}, "End-to-end transit delay\n\t\tCumulative transit delay value= 16643 ms\n"},
+      {{0x42, 0x06, 0x01, 0x02, 0x03, 0x00, 0x01, 0x64, 0x7F},
        "End-to-end transit delay\n\t\tCumulative transit delay value= 16643 ms\n"
-       "\t\tRequested end-to-end transit delay value= 228 ms\n",
-       8},
+       "\t\tRequested end-to-end transit delay value= 228 ms\n"},
       // Bits above the value's 2 + 7 + 7 are dropped: the maximum is 65535.
-      {DecodeEndToEndTransitDelay,
-       {0x42, 0x09, 0x00, 0x00, 0x00, 0x00, 0x00, 0x01, 0x83, 0xFF, 0xFF},
+      {{0x42, 0x09, 0x00, 0x00, 0x00, 0x00, 0x00, 0x01, 0x83, 0xFF, 0xFF},
        "End-to-end transit delay\n\t\tCumulative transit delay value= 0 ms\n"
        "\t\tRequested end-to-end transit delay value= 1 ms\n"
-       "\t\tMaximum end-to-end transit delay value= 65535 ms\n",
-       11},
-      {DecodeTransitDelaySelection,
-       {0x43, 0x03, 0x00, 0x3E, 0x40},
-       "Transit delay selection and indication\n\t\tTransit delay selection and indication value= 8000 ms\n",
-       5},
+       "\t\tMaximum end-to-end transit delay value= 65535 ms\n"},
+      {{0x43, 0x03, 0x00, 0x3E, 0x40},
+       "Transit delay selection and indication\n\t\tTransit delay selection and indication value= 8000 ms\n"},
       // A short element reads the value behind it, up to the frame end.
-      {DecodeEndToEndTransitDelay,
-       {0x42, 0x01, 0x00, 0x01, 0x05},
-       "End-to-end transit delay\n\t\tCumulative transit delay value= 133 ms\n",
-       3},
-      {DecodeTransitDelaySelection, {0x43, 0x02, 0x00, 0x01}, "Transit delay selection and indication\n", 4},
-      {DecodePacketLayerBinaryParameters,
-       {0x44, 0x01, 0x97},
+      {{0x42, 0x01, 0x00, 0x01, 0x05}, "End-to-end transit delay\n\t\tCumulative transit delay value= 133 ms\n"},
+      {{0x43, 0x02, 0x00, 0x01}, "Transit delay selection and indication\n"},
+      {{0x44, 0x01, 0x97},
        "Packet layer binary parameters\n\t\tFast select=10  Fast select requested with no restriction of response\n"
        "\t\tExpedited data=1  Request indicated/request accepted\n"
-       "\t\tDelivery confirmation=1  End-to-end confirmation\n\t\tModulus=1  Modulus 128 sequencing\n",
-       3},
+       "\t\tDelivery confirmation=1  End-to-end confirmation\n\t\tModulus=1  Modulus 128 sequencing\n"},
       // The backward value only when it lies inside the element.
-      {DecodePacketLayerWindowSize, {0x45, 0x01, 0x02, 0x07}, "Packet layer window size\n\t\tForward value=0x2\n", 3},
-      {DecodePacketSize, {0x46, 0x02, 0x8A, 0x0B}, "Packet size\n\t\tForward value=0xa\n\t\tBackward value=0xb\n", 4},
-      {DecodeClosedUserGroup,
-       {0x47, 0x04, 0x01, 0x31, 0x32, 0x41},
+      {{0x45, 0x01, 0x02, 0x07}, "Packet layer window size\n\t\tForward value=0x2\n"},
+      {{0x46, 0x02, 0x8A, 0x0B}, "Packet size\n\t\tForward value=0xa\n\t\tBackward value=0xb\n"},
+      {{0x47, 0x04, 0x01, 0x31, 0x32, 0x41},
        "Closed user group\n\t\tCUG indication=001  Closed user group selection\n"
-       "\t\tCUG index code=0110001  CUG index=1\n\t\tCUG index code=0110010  CUG index=2\n",
-       6},
-      {DecodeClosedUserGroup,
-       {0x47, 0x02, 0x02, 0xB9},
+       "\t\tCUG index code=0110001  CUG index=1\n\t\tCUG index code=0110010  CUG index=2\n"},
+      {{0x47, 0x02, 0x02, 0xB9},
        "Closed user group\n\t\tCUG indication=010  Closed user group with outgoing access selection and indication\n"
-       "\t\tCUG index code=0111001  CUG index=9\n",
-       4},
-      {DecodeReverseChargingIndication,
-       {0x4A, 0x01, 0x81},
-       "Reverse charging indication\n\t\tReverse charging indication=001  Reverse charging requested\n",
-       3},
-      {DecodeReverseChargingIndication, {0x4A, 0x01, 0x82}, "Reverse charging indication\n", 3},
+       "\t\tCUG index code=0111001  CUG index=9\n"},
+      {{0x4A, 0x01, 0x81},
+       "Reverse charging indication\n\t\tReverse charging indication=001  Reverse charging requested\n"},
+      {{0x4A, 0x01, 0x82}, "Reverse charging indication\n"},
       // L = 0 leaves the heading alone.
-      {DecodeInformationRate, {0x40, 0x00, 0x0B, 0x0B, 0x0B, 0x0B}, "Information rate\n", 2},
-      {DecodeEndToEndTransitDelay, {0x42, 0x00, 0x0B, 0x0B, 0x0B, 0x0B}, "End-to-end transit delay\n", 2},
-      {DecodeTransitDelaySelection,
-       {0x43, 0x00, 0x0B, 0x0B, 0x0B, 0x0B},
-       "Transit delay selection and indication\n",
-       2},
-      {DecodePacketLayerBinaryParameters, {0x44, 0x00, 0x0B, 0x0B, 0x0B, 0x0B}, "Packet layer binary parameters\n", 2},
-      {DecodePacketLayerWindowSize, {0x45, 0x00, 0x0B, 0x0B, 0x0B, 0x0B}, "Packet layer window size\n", 2},
-      {DecodePacketSize, {0x46, 0x00, 0x0B, 0x0B, 0x0B, 0x0B}, "Packet size\n", 2},
-      {DecodeClosedUserGroup, {0x47, 0x00, 0x0B, 0x0B, 0x0B, 0x0B}, "Closed user group\n", 2},
-      {DecodeReverseChargingIndication, {0x4A, 0x00, 0x0B, 0x0B, 0x0B, 0x0B}, "Reverse charging indication\n", 2},
+      {{0x40, 0x00, 0x0B, 0x0B, 0x0B, 0x0B}, "Information rate\n"},
+      {{0x42, 0x00, 0x0B, 0x0B, 0x0B, 0x0B}, "End-to-end transit delay\n"},
+      {{0x43, 0x00, 0x0B, 0x0B, 0x0B, 0x0B}, "Transit delay selection and indication\n"},
+      {{0x44, 0x00, 0x0B, 0x0B, 0x0B, 0x0B}, "Packet layer binary parameters\n"},
+      {{0x45, 0x00, 0x0B, 0x0B, 0x0B, 0x0B}, "Packet layer window size\n"},
+      {{0x46, 0x00, 0x0B, 0x0B, 0x0B, 0x0B}, "Packet size\n"},
+      {{0x47, 0x00, 0x0B, 0x0B, 0x0B, 0x0B}, "Closed user group\n"},
+      {{0x4A, 0x00, 0x0B, 0x0B, 0x0B, 0x0B}, "Reverse charging indication\n"},
   };
   testing::ExpectDecodes(cases);
 }

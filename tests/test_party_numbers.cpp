@@ -1,7 +1,6 @@
 // Calling, called and redirecting numbers and the two subaddresses.
 #include <gtest/gtest.h>
 
-#include "elements/element_decoders.h"
 #include "test_support.h"
 
 namespace velmora {
@@ -12,88 +11,61 @@ const std::string kUnknown = "\t\tType of number=000  Unknown\n" + kE164;
 const std::string kNational = "\t\tType of number=010  National number\n" + kE164;
 
 TEST(PartyNumbers, DecodesEachElement) {
-  const testing::DecoderCase cases[] = {
-      {DecodeCalledPartyNumber,
-       {0x70, 0x05, 0xA1, 0x30, 0x33, 0x30, 0x31},
-       "Called party number\n" + kNational + "\t\tNumber digits (IA5)= 0x30 0x33 0x30 0x31\n",
-       7},
+  const testing::ElementCase cases[] = {
+      {{0x70, 0x05, 0xA1, 0x30, 0x33, 0x30, 0x31},
+       "Called party number\n" + kNational + "\t\tNumber digits (IA5)= 0x30 0x33 0x30 0x31\n"},
       // Bit 8 of octet 3 is 0, yet 0x83 is a digit octet, not octet 3a.
-      {DecodeCalledPartyNumber,
-       {0x70, 0x03, 0x21, 0x83, 0x35},
-       "Called party number\n" + kNational + "\t\tNumber digits (IA5)= 0x3 0x35\n",
-       5},
+      {{0x70, 0x03, 0x21, 0x83, 0x35}, "Called party number\n" + kNational + "\t\tNumber digits (IA5)= 0x3 0x35\n"},
       // No digit: the label still stands.
-      {DecodeCalledPartyNumber,
-       {0x70, 0x01, 0xA1},
-       "Called party number\n" + kNational + "\t\tNumber digits (IA5)=\n",
-       3},
-      {DecodeCallingPartyNumber,
-       {0x6C, 0x07, 0x11, 0xA1, 0x34, 0x39, 0x33, 0x30, 0x31},
+      {{0x70, 0x01, 0xA1}, "Called party number\n" + kNational + "\t\tNumber digits (IA5)=\n"},
+      {{0x6C, 0x07, 0x11, 0xA1, 0x34, 0x39, 0x33, 0x30, 0x31},
        "Calling party number\n\t\tType of number=001  International number\n" + kE164 +
            "\t\tPresentation indicator=01  Presentation restricted\n"
            "\t\tScreening indicator=01  User-provided, verified and passed\n"
-           "\t\tNumber digits (IA5)= 0x34 0x39 0x33 0x30 0x31\n",
-       9},
-      {DecodeCallingPartyNumber,
-       {0x6C, 0x04, 0x21, 0x83, 0x35, 0x36},
+           "\t\tNumber digits (IA5)= 0x34 0x39 0x33 0x30 0x31\n"},
+      {{0x6C, 0x04, 0x21, 0x83, 0x35, 0x36},
        "Calling party number\n" + kNational +
            "\t\tPresentation indicator=00  Presentation allowed\n"
-           "\t\tScreening indicator=11  Network provided\n\t\tNumber digits (IA5)= 0x35 0x36\n",
-       6},
+           "\t\tScreening indicator=11  Network provided\n\t\tNumber digits (IA5)= 0x35 0x36\n"},
       // No digit octets: no digits line.
-      {DecodeCallingPartyNumber,
-       {0x6C, 0x02, 0x01, 0xA0},
+      {{0x6C, 0x02, 0x01, 0xA0},
        "Calling party number\n" + kUnknown +
            "\t\tPresentation indicator=01  Presentation restricted\n"
-           "\t\tScreening indicator=00  User-provided, not screened\n",
-       4},
+           "\t\tScreening indicator=00  User-provided, not screened\n"},
       // Type 101 has no row; no octet 3a is announced.
-      {DecodeCallingPartyNumber, {0x6C, 0x01, 0xD1}, "Calling party number\n" + kE164, 3},
+      {{0x6C, 0x01, 0xD1}, "Calling party number\n" + kE164},
       // An announced octet 3a is read behind the element, but not behind the frame.
-      {DecodeCallingPartyNumber,
-       {0x6C, 0x01, 0x21, 0x83},
+      {{0x6C, 0x01, 0x21, 0x83},
        "Calling party number\n" + kNational +
-           "\t\tPresentation indicator=00  Presentation allowed\n\t\tScreening indicator=11  Network provided\n",
-       3},
-      {DecodeCallingPartyNumber, {0x6C, 0x01, 0x21}, "Calling party number\n" + kNational, 3},
+           "\t\tPresentation indicator=00  Presentation allowed\n\t\tScreening indicator=11  Network provided\n"},
+      {{0x6C, 0x01, 0x21}, "Calling party number\n" + kNational},
       // Octet 3b gives the reason; the digits label has no blank.
-      {DecodeRedirectingNumber,
-       {0x74, 0x05, 0x01, 0x02, 0x8F, 0x37, 0x38},
+      {{0x74, 0x05, 0x01, 0x02, 0x8F, 0x37, 0x38},
        "Redirecting number\n" + kUnknown +
            "\t\tPresentation indicator=00  Presentation allowed\n"
            "\t\tScreening indicator=10  User-provided, verified and failed\n"
            "\t\tReason for redirection=1111  Call forwarding unconditional or systematic call redirection\n"
-           "\t\tNumber digits(IA5)= 0x37 0x38\n",
-       7},
+           "\t\tNumber digits(IA5)= 0x37 0x38\n"},
       // No octet 3a: the digits start at octet 4, bit 8 dropped.
-      {DecodeRedirectingNumber,
-       {0x74, 0x02, 0x81, 0xB9},
-       "Redirecting number\n" + kUnknown + "\t\tNumber digits(IA5)= 0x39\n",
-       4},
+      {{0x74, 0x02, 0x81, 0xB9}, "Redirecting number\n" + kUnknown + "\t\tNumber digits(IA5)= 0x39\n"},
       // Octet 3b would lie behind the frame: no reason line, the empty digits line stays.
-      {DecodeRedirectingNumber,
-       {0x74, 0x02, 0x01, 0x02},
+      {{0x74, 0x02, 0x01, 0x02},
        "Redirecting number\n" + kUnknown +
            "\t\tPresentation indicator=00  Presentation allowed\n"
-           "\t\tScreening indicator=10  User-provided, verified and failed\n\t\tNumber digits(IA5)=\n",
-       4},
-      {DecodeCalledPartySubaddress,
-       {0x71, 0x03, 0xA8, 0x50, 0xF1},
+           "\t\tScreening indicator=10  User-provided, verified and failed\n\t\tNumber digits(IA5)=\n"},
+      {{0x71, 0x03, 0xA8, 0x50, 0xF1},
        "Called party subaddress\n\t\tType of subaddress=010  User specified\n"
-       "\t\tOdd/even indicator=1  Odd number of address signals\n\t\tSubaddress information= 0x50 0xf1\n",
-       5},
+       "\t\tOdd/even indicator=1  Odd number of address signals\n\t\tSubaddress information= 0x50 0xf1\n"},
       // Type 100 has no row; the information label stands even when empty.
-      {DecodeCallingPartySubaddress,
-       {0x6D, 0x01, 0xC0},
+      {{0x6D, 0x01, 0xC0},
        "Calling party subaddress\n\t\tOdd/even indicator=0  Even number of address signals\n"
-       "\t\tSubaddress information=\n",
-       3},
+       "\t\tSubaddress information=\n"},
       // L = 0 leaves the heading alone.
-      {DecodeCallingPartyNumber, {0x6C, 0x00, 0x21}, "Calling party number\n", 2},
-      {DecodeCallingPartySubaddress, {0x6D, 0x00, 0x21}, "Calling party subaddress\n", 2},
-      {DecodeCalledPartyNumber, {0x70, 0x00, 0x21}, "Called party number\n", 2},
-      {DecodeCalledPartySubaddress, {0x71, 0x00, 0x21}, "Called party subaddress\n", 2},
-      {DecodeRedirectingNumber, {0x74, 0x00, 0x21}, "Redirecting number\n", 2},
+      {{0x6C, 0x00, 0x21}, "Calling party number\n"},
+      {{0x6D, 0x00, 0x21}, "Calling party subaddress\n"},
+      {{0x70, 0x00, 0x21}, "Called party number\n"},
+      {{0x71, 0x00, 0x21}, "Called party subaddress\n"},
+      {{0x74, 0x00, 0x21}, "Redirecting number\n"},
   };
   testing::ExpectDecodes(cases);
 }

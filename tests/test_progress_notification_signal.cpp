@@ -1,8 +1,6 @@
 // Progress indicator, Notification indicator and Signal, alone and in an ALERTING message.
 #include <gtest/gtest.h>
 
-#include "elements/element_decoders.h"
-#include "q931/message.h"
 #include "test_support.h"
 
 namespace velmora {
@@ -12,34 +10,22 @@ const std::string kInBand =
     "\t\tProgress description=0001000  In-band information or an appropriate pattern is now available\n";
 
 TEST(ProgressNotificationSignal, DecodesEachElement) {
-  const testing::DecoderCase cases[] = {
-      {DecodeProgressIndicator,
-       {0x1E, 0x02, 0x81, 0x88},
-       kProgress + "\t\tLocation=0001  Private network serving the local user\n" + kInBand,
-       4},
+  const testing::ElementCase cases[] = {
+      {{0x1E, 0x02, 0x81, 0x88}, kProgress + "\t\tLocation=0001  Private network serving the local user\n" + kInBand},
       // Location 0111 has no row.
-      {DecodeProgressIndicator,
-       {0x1E, 0x02, 0x87, 0x82},
-       kProgress + "\t\tProgress description=0000010  Destination address is non-ISDN\n",
-       4},
+      {{0x1E, 0x02, 0x87, 0x82}, kProgress + "\t\tProgress description=0000010  Destination address is non-ISDN\n"},
       // L = 1: the octet behind the element is not its progress description.
-      {DecodeProgressIndicator,
-       {0x1E, 0x01, 0x8A, 0x88},
-       kProgress + "\t\tLocation=1010  Network beyond the interworking point\n",
-       3},
-      {DecodeProgressIndicator, {0x1E, 0x02, 0x80}, kProgress + "\t\tLocation=0000  User\n", 4},
-      {DecodeNotificationIndicator,
-       {0x27, 0x01, 0x80},
-       "Notification indicator\n\t\tNotification description=0000000  User suspended\n",
-       3},
-      {DecodeNotificationIndicator, {0x27, 0x01, 0x83}, "Notification indicator\n", 3},
+      {{0x1E, 0x01, 0x8A, 0x88}, kProgress + "\t\tLocation=1010  Network beyond the interworking point\n"},
+      {{0x1E, 0x02, 0x80}, kProgress + "\t\tLocation=0000  User\n"},
+      {{0x27, 0x01, 0x80}, "Notification indicator\n\t\tNotification description=0000000  User suspended\n"},
+      {{0x27, 0x01, 0x83}, "Notification indicator\n"},
       // The signal value is the whole octet: 0xBF is not Tones off.
-      {DecodeSignal, {0x34, 0x01, 0x3F}, "Signal\n\t\tSignal value=00111111  Tones off\n", 3},
-      {DecodeSignal, {0x34, 0x01, 0xBF}, "Signal\n", 3},
+      {{0x34, 0x01, 0x3F}, "Signal\n\t\tSignal value=00111111  Tones off\n"},
+      {{0x34, 0x01, 0xBF}, "Signal\n"},
       // L = 0 leaves the heading alone.
-      {DecodeProgressIndicator, {0x1E, 0x00, 0x01}, "Progress indicator\n", 2},
-      {DecodeNotificationIndicator, {0x27, 0x00, 0x01}, "Notification indicator\n", 2},
-      {DecodeSignal, {0x34, 0x00, 0x01}, "Signal\n", 2},
+      {{0x1E, 0x00, 0x01}, "Progress indicator\n"},
+      {{0x27, 0x00, 0x01}, "Notification indicator\n"},
+      {{0x34, 0x00, 0x01}, "Signal\n"},
   };
   testing::ExpectDecodes(cases);
 }

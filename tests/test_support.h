@@ -1,19 +1,20 @@
 #pragma once
-// Runs a piece of decoding with a writer into a string, so a test can
-// compare the exact text that was printed.
+// Decoding into a string, so a test can compare the exact text printed.
 #include <gtest/gtest.h>
 
-#include <initializer_list>
 #include <span>
 #include <string>
 #include <utility>
 #include <vector>
 
 #include "core/output_writer.h"
-#include "q931/element.h"
+#include "elements/element_registry.h"
+#include "q931/message.h"
 
 namespace velmora::testing {
 
+// Runs body(writer) with a writer into a string; a small buffer, so the
+// writer's flushes are taken too.
 template <typename Body>
 std::string CaptureOutput(Body&& body) {
   std::string text;
@@ -24,50 +25,33 @@ std::string CaptureOutput(Body&& body) {
   return text;
 }
 
-// What an element decoder printed and the count it returned.
-struct Decoded {
-  std::string text;
-  int count = 0;
-};
-
-// Decodes octets that stand at the very end of a frame: nothing follows them,
-// so a decoder that reads past its element's end reads past the frame.
-inline Decoded DecodeOctets(ElementDecoder decoder, std::vector<Octet> octets) {
-  Decoded result;
-  result.text =
-      CaptureOutput([&](OutputWriter& out) { result.count = decoder(out, ElementOctets(OctetSpan(octets))); });
-  return result;
+// Decodes octets that stand at the very end of a frame as the element their
+// identifier names (the unknown-element dump when none): heading and field
+// lines. Nothing follows them, so a decoder that reads past its element's
+// end reads past the frame.
+inline std::string DecodeOctets(const std::vector<Octet>& octets) {
+  return CaptureOutput([&](OutputWriter& out) {
+    const ElementOctets element{OctetSpan(octets)};
+    DecodeElement(out, FindElement(element.Identifier()), element);
+  });
 }
 
-// One row of a decoder table: octets at the frame's end, the exact text
-// and the count the decoder must give for them.
+// One row of a decoder table: octets at the frame's end and the exact text.
 struct ElementCase {
   std::vector<Octet> octets;
   std::string text;
-  int count;
 };
-// The same, for tables that mix several decoders.
-struct DecoderCase {
-  ElementDecoder decoder;
-  std::vector<Octet> octets;
-  std::string text;
-  int count;
-};
+inline void ExpectDecodes(std::span<const ElementCase> cases) {
+  for (std::size_t row = 0; row < cases.size(); ++row) {
+    SCOPED_TRACE("table row " + std::to_string(row));
+    EXPECT_EQ(DecodeOctets(cases[row].octets), cases[row].text);
+  }
+}
 
-inline void ExpectDecodes(ElementDecoder decoder, const std::vector<Octet>& octets, const std::string& text, int count,
-                          std::size_t row) {
-  SCOPED_TRACE("table row " + std::to_string(row));
-  const Decoded decoded = DecodeOctets(decoder, octets);
-  EXPECT_EQ(decoded.text, text);
-  EXPECT_EQ(decoded.count, count);
-}
-inline void ExpectDecodes(ElementDecoder decoder, std::span<const ElementCase> cases) {
-  for (std::size_t row = 0; row < cases.size(); ++row)
-    ExpectDecodes(decoder, cases[row].octets, cases[row].text, cases[row].count, row);
-}
-inline void ExpectDecodes(std::span<const DecoderCase> cases) {
-  for (std::size_t row = 0; row < cases.size(); ++row)
-    ExpectDecodes(cases[row].decoder, cases[row].octets, cases[row].text, cases[row].count, row);
+// The element lines a message's walk prints, from the message type octet on.
+inline std::string Walked(const std::vector<Octet>& fromMessageType) {
+  return CaptureOutput(
+      [&](OutputWriter& out) { WalkElements(out, *FindMessageWalk(fromMessageType.front()), fromMessageType); });
 }
 
 }  // namespace velmora::testing

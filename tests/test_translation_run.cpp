@@ -1,5 +1,5 @@
-// The translation run: outcomes, path checks, pieces of long lines and
-// the report of bytes and errors.
+// The translation run: path checks, pieces of long lines and the report of
+// bytes and errors.
 #include <gtest/gtest.h>
 
 #include <filesystem>
@@ -20,32 +20,6 @@ std::string ControlFrameLine(const char* control) {
   std::string line = "00001 10:00:00.000 **** D-CH RX HDLC:3  | 0x00 0x81 0x";
   line += control;
   return line + std::string(90 - line.size(), ' ') + "\n";
-}
-
-TEST(Outcomes, CarryTheExactTextsCaptionsAndIcons) {
-  struct Case {
-    TranslationOutcome outcome;
-    std::string text;
-    std::string caption;
-    int icon;
-  };
-  const Case cases[] = {
-      {TranslationOutcome::InputNotSelected, "Please select input log file!", "Error", 16},
-      {TranslationOutcome::OutputNotSelected, "Please select output message file!", "Error", 16},
-      {TranslationOutcome::OutputSameAsInput,
-       "The output message file is as same as the input log file.\nPlease select them again!", "Error", 16},
-      {TranslationOutcome::InputOpenFailed, "Cannot open Input log file!", "Error", 16},
-      {TranslationOutcome::OutputOpenFailed, "Cannot open output message file!", "Error", 16},
-      {TranslationOutcome::NoFrameFound, "The input log file contains no useful information!", "Error", 16},
-      {TranslationOutcome::TranslationDone, "Translation is done!", "Velmora", 64},
-  };
-  for (const Case& c : cases) {
-    SCOPED_TRACE(c.text);
-    const auto described = DescribeOutcome(c.outcome);
-    EXPECT_EQ(described.text, c.text);
-    EXPECT_EQ(described.caption, c.caption);
-    EXPECT_EQ(static_cast<int>(described.icon), c.icon);
-  }
 }
 
 TEST_F(TranslationRun, PathChecksComeBeforeAnyFileIsTouched) {

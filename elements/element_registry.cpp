@@ -1,0 +1,21 @@
+#include "elements/element_registry.h"
+
+namespace velmora {
+
+std::size_t OccupiedOctets(const ElementEntry* entry, const ElementOctets& element) {
+  const bool single = entry != nullptr ? entry->form == ElementForm::SingleOctet : element.IsSingleOctet();
+  return single ? 1 : element.Count();
+}
+
+std::size_t DecodeElement(OutputWriter& out, const ElementEntry* entry, const ElementOctets& element) {
+  if (entry == nullptr) {
+    DecodeUnknownElement(out, element);
+  } else {
+    out.Put(entry->name);
+    out.Put('\n');
+    entry->decode(out, element);
+  }
+  return OccupiedOctets(entry, element);
+}
+
+}  // namespace velmora

@@ -36,6 +36,11 @@ constexpr RateAdaptionPair kRateAdaptionPairs[] = {
 
 constexpr ValueText kSynchronousAsynchronous[] = {{0, "Synchronous data"}, {1, "Asynchronous data"}};
 constexpr ValueText kNegotiation[] = {{0, "In-band negotiation not possible"}, {1, "In-band negotiation possible"}};
+// Octet 5a but its user rate, which the element words its own way.
+constexpr CodedField kOctet5a[] = {
+    {"Synchronous/Asynchronous", 7, 7, kSynchronousAsynchronous},
+    {"Negotiation", 6, 6, kNegotiation},
+};
 
 constexpr ValueText kIntermediateRate[] = {
     {0b00, "Not used"}, {0b01, "8 kbit/s"}, {0b10, "16 kbit/s"}, {0b11, "32 kbit/s"}};
@@ -56,7 +61,7 @@ constexpr ValueText kFlowControlOnReception[] = {
     {1, "Can accept data with flow control mechanism"},
 };
 // Octet 5b for V.110 / I.460 / X.30 rate adaption; bit 1 is spare.
-constexpr OctetField kOctet5bRateAdaption[] = {
+constexpr CodedField kOctet5bRateAdaption[] = {
     {"Intermediate rate", 7, 6, kIntermediateRate},
     {"Network Independent Clock (NIC) on transmission (Tx)", 5, 5, kNicOnTransmission},
     {"Network Independent Clock (NIC) on reception (Rx)", 4, 4, kNicOnReception},
@@ -81,7 +86,7 @@ constexpr ValueText kInBandOutBandNegotiation[] = {
     {1, "Negotiation is done in-band using logical link zero"},
 };
 // Octet 5b for V.120 rate adaption; bit 1 is spare.
-constexpr OctetField kOctet5bV120[] = {
+constexpr CodedField kOctet5bV120[] = {
     {"Rate adaption header/no header", 7, 7, kRateAdaptionHeader},
     {"Multiple frame establishment support in data link", 6, 6, kMultipleFrameEstablishment},
     {"Mode of operation", 5, 5, kV120ModeOfOperation},
@@ -94,14 +99,14 @@ constexpr ValueText kStopBits[] = {{0b00, "Not used"}, {0b01, "1 bit"}, {0b10, "
 constexpr ValueText kDataBits[] = {{0b00, "Not used"}, {0b01, "5 bit"}, {0b10, "7 bits"}, {0b11, "8 bits"}};
 constexpr ValueText kParity[] = {
     {0b000, "Odd"}, {0b010, "Even"}, {0b011, "None"}, {0b100, "Forced to 0"}, {0b101, "Forced to 1"}};
-constexpr OctetField kOctet5c[] = {
+constexpr CodedField kOctet5c[] = {
     {"Number of stop bits", 7, 6, kStopBits},
     {"Number of data bits excluding parity Bit if present", 5, 4, kDataBits},
     {"Parity information", 3, 1, kParity},
 };
 
 constexpr ValueText kDuplexMode[] = {{0, "Half duplex"}, {1, "Full duplex"}};
-constexpr OctetField kOctet5dDuplex[] = {{"Mode duplex", 7, 7, kDuplexMode}};
+constexpr CodedField kDuplexModeField{"Mode duplex", 7, 7, kDuplexMode};
 
 // Modem types named by range; their line shows the value in decimal.
 constexpr RangeText kModemTypeRanges[] = {
@@ -128,7 +133,7 @@ constexpr ValueText kAdditionalLayer3Information[] = {
 // shared ones; Low layer compatibility words transfer mode 10 otherwise and
 // names more protocols, so it keeps its own.
 static_assert(std::size(kUserRate) == 31 && kUserRate[30].value == 0b10000);
-constexpr ValueTable kBearerUserRate = ValueTable(kUserRate).first(std::size(kUserRate) - 1);
+constexpr CodedField kBearerUserRateField = kUserRateField.With(ValueTable(kUserRate).first(std::size(kUserRate) - 1));
 
 // Layer identification, bits 7-6 of a layer octet.
 enum LayerIdentification : unsigned { kNoLayer = 0b00, kLayer1 = 0b01, kLayer2 = 0b10, kLayer3 = 0b11 };
@@ -139,13 +144,16 @@ bool RateAdaptionHolds(unsigned capability, unsigned layer1Protocol) {
   return false;
 }
 
-std::span<const OctetField> Octet5bFields(unsigned layer1Protocol) {
+std::span<const CodedField> Octet5bFields(unsigned layer1Protocol) {
   if (layer1Protocol == kLayer1V110) return kOctet5bRateAdaption;
   if (layer1Protocol == kLayer1V120) return kOctet5bV120;
   return {};
 }
 
-void PrintModemType(OutputWriter& out, unsigned modemType) {
+constexpr CodedField kModemTypeField{"Modem type", 6, 1, kModemType};
+
+void PrintModemType(OutputWriter& out, Octet octet5d) {
+  const unsigned modemType = kModemTypeField.ValueIn(octet5d);
   if (const RangeText* range = FindRange(kModemTypeRanges, modemType)) {
     PrintFieldName(out, "Modem type");
     out.Decimal(modemType);
@@ -154,65 +162,61 @@ void PrintModemType(OutputWriter& out, unsigned modemType) {
     out.Put('\n');
     return;
   }
-  PrintField(out, "Modem type", modemType, 6, kModemType);
+  PrintField(out, kModemTypeField, octet5d);
 }
 
 // Octet 5 and whichever of 5a to 5d follow it. An octet that a step does not
 // take is left for the next step, and in the end for the layer-octet walk.
-void DecodeLayer1Group(OutputWriter& out, Octet octet5, unsigned capability, ValueTable userRate, OctetReader& octets) {
-  const unsigned protocol = FieldBits(octet5, 5, 1);
-  PrintField(out, "User information layer 1 protocol", protocol, 5, kLayer1Protocol);
+void DecodeLayer1Group(OutputWriter& out, Octet octet5, unsigned capability, const CodedField& userRate,
+                       OctetReader& octets) {
+  const unsigned protocol = kLayer1ProtocolField.ValueIn(octet5);
+  PrintField(out, kLayer1ProtocolField, octet5);
   const bool rateAdaption = RateAdaptionHolds(capability, protocol);
   bool more = AnnouncesMore(octet5);
 
   if (more && rateAdaption) {
     const auto octet5a = octets.Take();
     if (!octet5a) return;
-    const OctetField fields[] = {
-        {"Synchronous/Asynchronous", 7, 7, kSynchronousAsynchronous},
-        {"Negotiation", 6, 6, kNegotiation},
-        {"User rate", 5, 1, userRate},
-    };
-    PrintOctetFields(out, *octet5a, fields);
+    PrintFields(out, *octet5a, kOctet5a);
+    PrintField(out, userRate, *octet5a);
     more = AnnouncesMore(*octet5a);
   }
   // Octet 5b depends on the layer 1 protocol alone.
   if (const auto fields5b = Octet5bFields(protocol); more && !fields5b.empty()) {
     const auto octet5b = octets.Take();
     if (!octet5b) return;
-    PrintOctetFields(out, *octet5b, fields5b);
+    PrintFields(out, *octet5b, fields5b);
     more = AnnouncesMore(*octet5b);
   }
   if (more && rateAdaption) {
     const auto octet5c = octets.Take();
     if (!octet5c) return;
-    PrintOctetFields(out, *octet5c, kOctet5c);
+    PrintFields(out, *octet5c, kOctet5c);
     more = AnnouncesMore(*octet5c);
   }
   if (more && rateAdaption) {
     const auto octet5d = octets.Take();
     if (!octet5d) return;
-    PrintOctetFields(out, *octet5d, kOctet5dDuplex);
-    PrintModemType(out, FieldBits(*octet5d, 6, 1));
+    PrintField(out, kDuplexModeField, *octet5d);
+    PrintModemType(out, *octet5d);
   }
 }
 
 // Octet 6: the protocol alone; bit 8 is not looked at.
 void DecodeBearerLayer2Group(OutputWriter& out, Octet octet6, OctetReader& /*octets*/) {
-  PrintField(out, kLayer2ProtocolName, FieldBits(octet6, 5, 1), 5, kBearerLayer2Protocol);
+  PrintField(out, kBearerLayer2ProtocolField, octet6);
 }
 
 // Octet 7; after ISO/IEC TR 9577, octets 7a and 7b follow whatever bit 8 says.
 void DecodeBearerLayer3Group(OutputWriter& out, Octet octet7, OctetReader& octets) {
-  const unsigned protocol = FieldBits(octet7, 5, 1);
-  PrintField(out, kLayer3ProtocolName, protocol, 5, kBearerLayer3Protocol);
-  if (protocol == kLayer3Tr9577) DecodeAdditionalLayer3Information(out, octets);
+  PrintField(out, kBearerLayer3ProtocolField, octet7);
+  if (kBearerLayer3ProtocolField.ValueIn(octet7) == kLayer3Tr9577) DecodeAdditionalLayer3Information(out, octets);
 }
 
 constexpr CapabilityVariant kBearerCapability = {
     .negotiationIndicator = {},
-    .transferMode = kBearerTransferMode,
-    .userRate = kBearerUserRate,
+    .transferMode = kBearerTransferModeField,
+    .userRate = kBearerUserRateField,
     .layer2Group = DecodeBearerLayer2Group,
     .layer3Group = DecodeBearerLayer3Group,
 };
@@ -241,23 +245,21 @@ void DecodeCapabilityElement(OutputWriter& out, const ElementOctets& element, co
 
   const auto octet3 = octets.Take();
   if (!octet3) return;
-  const unsigned capability = FieldBits(*octet3, 5, 1);
-  PrintField(out, "Coding standard", FieldBits(*octet3, 7, 6), 2, kCodingStandard);
-  PrintField(out, "Information transfer capability", capability, 5, kInformationTransferCapability);
+  PrintField(out, kCodingStandardField, *octet3);
+  PrintField(out, kTransferCapabilityField, *octet3);
 
-  if (!variant.negotiationIndicator.empty() && AnnouncesMore(*octet3)) {
+  if (!variant.negotiationIndicator.meanings.empty() && AnnouncesMore(*octet3)) {
     const auto octet3a = octets.Take();
     if (!octet3a) return;
-    PrintField(out, "Negotiation indicator", FieldBits(*octet3a, 7, 7), 1, variant.negotiationIndicator);
+    PrintField(out, variant.negotiationIndicator, *octet3a);
   }
 
   const auto octet4 = octets.Take();
   if (!octet4) return;
-  const unsigned rate = FieldBits(*octet4, 5, 1);
-  PrintField(out, "Transfer mode", FieldBits(*octet4, 7, 6), 2, variant.transferMode);
-  PrintField(out, "Information transfer rate", rate, 5, kInformationTransferRate);
+  PrintField(out, variant.transferMode, *octet4);
+  PrintField(out, kTransferRateField, *octet4);
 
-  if (rate == kMultirate) {
+  if (kTransferRateField.ValueIn(*octet4) == kMultirate) {
     const auto rateMultiplier = octets.Take();
     if (!rateMultiplier) return;
     PrintHexField(out, "Rate multiplier", FieldBits(*rateMultiplier, 7, 1));
@@ -267,7 +269,7 @@ void DecodeCapabilityElement(OutputWriter& out, const ElementOctets& element, co
   while (const auto layerOctet = octets.Take()) {
     switch (FieldBits(*layerOctet, 7, 6)) {
       case kLayer1:
-        DecodeLayer1Group(out, *layerOctet, capability, variant.userRate, octets);
+        DecodeLayer1Group(out, *layerOctet, kTransferCapabilityField.ValueIn(*octet3), variant.userRate, octets);
         break;
       case kLayer2:
         variant.layer2Group(out, *layerOctet, octets);

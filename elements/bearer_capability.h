@@ -70,9 +70,7 @@ inline constexpr ValueText kUserRate[] = {
     {0b10000, "64 kbit/s Recommendation X.1"},
 };
 
-// Field names both elements print for their own layer 2 and 3 tables.
-inline constexpr std::string_view kLayer2ProtocolName = "User information layer 2 protocol";
-inline constexpr std::string_view kLayer3ProtocolName = "User information layer 3 protocol";
+inline constexpr CodedField kUserRateField{"User rate", 5, 1, kUserRate};
 
 // Layer 3 protocol 01011 (ISO/IEC TR 9577): octets 7a and 7b follow.
 inline constexpr unsigned kLayer3Tr9577 = 0b01011;
@@ -84,11 +82,11 @@ using LayerGroupDecoder = void (*)(OutputWriter& out, Octet layerOctet, OctetRea
 // Everything in which the two elements differ; the rest is decoded alike.
 struct CapabilityVariant {
   // Octet 3a's negotiation indicator (bit 7), announced by bit 8 of octet 3
-  // = 0. Empty for an element without octet 3a: bit 8 of octet 3 is then
-  // not looked at.
-  ValueTable negotiationIndicator;
-  ValueTable transferMode;  // octet 4 bits 7-6
-  ValueTable userRate;      // octet 5a bits 5-1
+  // = 0. No meanings for an element without octet 3a: bit 8 of octet 3 is
+  // then not looked at.
+  CodedField negotiationIndicator;
+  CodedField transferMode;  // octet 4 bits 7-6
+  CodedField userRate;      // octet 5a bits 5-1
   LayerGroupDecoder layer2Group;
   LayerGroupDecoder layer3Group;
 };

@@ -16,6 +16,7 @@ constexpr ValueText kCallStateCodingStandard[] = {
     {0b10, "National standard"},
     {0b11, "Standard defined for the network (either public or private) present on the network side of the interface"},
 };
+constexpr CodedField kCallStateCodingStandardField{"Coding standard", 8, 7, kCallStateCodingStandard};
 
 constexpr ValueText kCallStateValue[] = {
     {0b000000, "U0-Null, N0-Null, REST0-Null"},
@@ -46,13 +47,14 @@ constexpr ValueText kCallStateFieldName[] = {
     {0b111101, "Global interface state value"},
     {0b111110, "Global interface state value"},
 };
-constexpr std::string_view kCallStateDefaultName = "Call state value";
+constexpr CodedField kCallStateValueField{"Call state value", 6, 1, kCallStateValue};
 
 constexpr ValueText kRestartClass[] = {
     {0b000, "Indicated channels"},
     {0b110, "Single interface"},
     {0b111, "All interfaces"},
 };
+constexpr CodedField kRestartClassField{"Class", 3, 1, kRestartClass};
 
 }  // namespace
 
@@ -65,14 +67,14 @@ void DecodeCallState(OutputWriter& out, const ElementOctets& element) {
   const auto octet3 = element.At(2);
   if (!octet3) return;
 
-  PrintField(out, "Coding standard", FieldBits(*octet3, 8, 7), 2, kCallStateCodingStandard);
-  const unsigned state = FieldBits(*octet3, 6, 1);
-  const ValueText* named = FindRow(kCallStateFieldName, state);
-  PrintField(out, named != nullptr ? named->text : kCallStateDefaultName, state, 6, kCallStateValue);
+  PrintField(out, kCallStateCodingStandardField, *octet3);
+  CodedField stateField = kCallStateValueField;
+  if (const ValueText* named = FindRow(kCallStateFieldName, stateField.ValueIn(*octet3))) stateField.name = named->text;
+  PrintField(out, stateField, *octet3);
 }
 
 void DecodeRestartIndicator(OutputWriter& out, const ElementOctets& element) {
-  if (const auto octet3 = element.At(2)) PrintField(out, "Class", FieldBits(*octet3, 3, 1), 3, kRestartClass);
+  if (const auto octet3 = element.At(2)) PrintField(out, kRestartClassField, *octet3);
 }
 
 }  // namespace velmora

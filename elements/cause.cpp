@@ -19,6 +19,7 @@ constexpr ValueText kCauseCodingStandard[] = {
     {0b10, "National standard"},
     {0b11, "Standard specific to identified location"},
 };
+constexpr CodedField kCauseCodingStandardField{"Coding standard", 7, 6, kCauseCodingStandard};
 
 // 0110, 1000, 1001 and 1011 have no meaning here; 1100 to 1111 are national.
 constexpr ValueText kLocations[] = {
@@ -31,6 +32,7 @@ constexpr ValueText kLocations[] = {
     {0b0111, "international network (INTL)"},
     {0b1010, "network beyond interworking point (BI)"},
 };
+constexpr CodedField kLocationField{"Location", 4, 1, kLocations};
 constexpr unsigned kFirstNationalLocation = 0b1100;
 
 constexpr ValueText kRecommendations[] = {
@@ -39,6 +41,7 @@ constexpr ValueText kRecommendations[] = {
     {0b0000100, "X.25"},
     {0b0000101, "public land mobile networks, Q.1031/Q.1051"},
 };
+constexpr CodedField kRecommendationField{"Recommendation", 7, 1, kRecommendations};
 
 constexpr ValueText kCauseClasses[] = {
     {0b000, "normal event"},
@@ -50,6 +53,7 @@ constexpr ValueText kCauseClasses[] = {
     {0b110, "protocol error"},
     {0b111, "interworking"},
 };
+constexpr CodedField kCauseClassField{"Cause Class", 7, 5, kCauseClasses};
 
 // Keyed by the whole 7-bit cause value (class in bits 7-5, value in bits 4-1),
 // the way Q.931 numbers its causes; the value line shows bits 4-1 only.
@@ -170,15 +174,16 @@ constexpr CauseDiagnosticKind DiagnosticKindOf(unsigned cause) {
   return row != std::ranges::end(kCauseDiagnostics) ? row->kind : CauseDiagnosticKind::None;
 }
 
-void PrintLocation(OutputWriter& out, unsigned location) {
+void PrintLocation(OutputWriter& out, Octet octet3) {
+  const unsigned location = kLocationField.ValueIn(octet3);
   if (location >= kFirstNationalLocation) {
     // This line has a blank after "=".
-    PrintFieldName(out, "Location");
+    PrintFieldName(out, kLocationField.name);
     out.SpaceHex(location);
     out.Put("  reserved for national use\n");
     return;
   }
-  PrintField(out, "Location", location, 4, kLocations);
+  PrintField(out, kLocationField, octet3);
 }
 
 }  // namespace
@@ -189,24 +194,26 @@ void PrintLocation(OutputWriter& out, unsigned location) {
 void DecodeCause(OutputWriter& out, const ElementOctets& element) {
   const std::optional<Octet> octet3 = element.At(2);
   if (!octet3) return;
-  PrintField(out, "Coding standard", FieldBits(*octet3, 7, 6), 2, kCauseCodingStandard);
-  PrintLocation(out, FieldBits(*octet3, 4, 1));
+  PrintField(out, kCauseCodingStandardField, *octet3);
+  PrintLocation(out, *octet3);
 
   std::size_t octet4Position = 3;
   if (AnnouncesMore(*octet3)) {
     const std::optional<Octet> octet3a = element.At(3);
     if (!octet3a) return;
-    PrintField(out, "Recommendation", FieldBits(*octet3a, 7, 1), 7, kRecommendations);
+    PrintField(out, kRecommendationField, *octet3a);
     // Octet 3a's own extension bit is not looked at: octet 4 always follows.
     octet4Position = 4;
   }
 
   const std::optional<Octet> octet4 = element.At(octet4Position);
   if (!octet4) return;
+  PrintField(out, kCauseClassField, *octet4);
+  // The value line shows bits 4-1 of the cause, its meaning all seven.
   const unsigned cause = FieldBits(*octet4, 7, 1);
-  PrintField(out, "Cause Class", FieldBits(*octet4, 7, 5), 3, kCauseClasses);
-  const bool known = PrintField(out, "Cause Value", cause, 4, kCauseValues);
-  const CauseDiagnosticKind kind = known ? DiagnosticKindOf(cause) : CauseDiagnosticKind::None;
+  const ValueText* value = FindRow(kCauseValues, cause);
+  if (value != nullptr) PrintCodedValue(out, "Cause Value", cause, 4, value->text);
+  const CauseDiagnosticKind kind = value != nullptr ? DiagnosticKindOf(cause) : CauseDiagnosticKind::None;
 
   // Diagnostics only when their first octet lies inside the element and the frame.
   const OctetSpan diagnostics = element.Slice(octet4Position + 1);

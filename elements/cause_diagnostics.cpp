@@ -17,12 +17,14 @@ constexpr Indent kSub = Indent::SubField;
 constexpr ValueText kServiceSides[] = {{0, "Network service - Provider"}, {1, "Network service - User"}};
 constexpr ValueText kNormality[] = {{0, "Normal"}, {1, "Abnormal"}};
 constexpr ValueText kPersistence[] = {{0b00, "Unknown"}, {0b01, "Permanent"}, {0b10, "Transient"}};
+constexpr CodedField kConditionFields[] = {
+    {"Bit 4", 4, 4, kServiceSides},
+    {"Bit 3", 3, 3, kNormality},
+    {"Bits 2-1", 2, 1, kPersistence},
+};
 
 void DecodeCondition(OutputWriter& out, OctetSpan diagnostics) {
-  const Octet octet = diagnostics.front();
-  PrintField(out, "Bit 4", FieldBits(octet, 4, 4), 1, kServiceSides, kSub);
-  PrintField(out, "Bit 3", FieldBits(octet, 3, 3), 1, kNormality, kSub);
-  PrintField(out, "Bits 2-1", FieldBits(octet, 2, 1), 2, kPersistence, kSub);
+  PrintFields(out, diagnostics.front(), kConditionFields, kSub);
 }
 
 // --- CCBS indicator (one whole octet) ---
@@ -32,11 +34,12 @@ constexpr ValueText kCcbsIndicators[] = {
     {0x02, "CCBS not possible"},
     {0xFF, "Reserved for extension"},
 };
+constexpr CodedField kCcbsIndicatorField{"Bits 8-1", 8, 1, kCcbsIndicators};
 
 void DecodeCcbsIndicator(OutputWriter& out, OctetSpan diagnostics) {
   const Octet octet = diagnostics.front();
-  if (PrintField(out, "Bits 8-1", octet, 8, kCcbsIndicators, kSub)) return;
-  PrintHexMeaning(out, "Bits 8-1", octet, octet < 0x80 ? "Spare" : "Spare for national use", kSub);
+  if (PrintField(out, kCcbsIndicatorField, octet, kSub)) return;
+  PrintHexMeaning(out, kCcbsIndicatorField.name, octet, octet < 0x80 ? "Spare" : "Spare for national use", kSub);
 }
 
 // --- Call rejected (reason and condition, then the reason's octets) ---
@@ -50,22 +53,25 @@ constexpr ValueText kRejectionReasons[] = {
     {kElementMissing, "information element missing"},
     {kContentsNotSufficient, "information element contents are not sufficient"},
 };
+constexpr CodedField kRejectionReasonField{"Rejection reason", 7, 3, kRejectionReasons};
 constexpr ValueText kRejectionConditions[] = {
     {0b00, "unknown"},
     {0b01, "permanent"},
     {0b10, "transient"},
     {0b11, "spare"},
 };
+constexpr CodedField kRejectionConditionField{"Condition", 2, 1, kRejectionConditions};
 constexpr ValueText kElementTypes[] = {
     {0, "variable length information element"},
     {1, "fixed length information element"},
 };
+constexpr CodedField kElementTypeField{"Information element type", 8, 8, kElementTypes};
 
 void DecodeCallRejected(OutputWriter& out, OctetSpan diagnostics) {
   const Octet first = diagnostics.front();
-  const unsigned reason = FieldBits(first, 7, 3);
-  PrintField(out, "Rejection reason", reason, 5, kRejectionReasons, kSub);
-  PrintField(out, "Condition", FieldBits(first, 2, 1), 2, kRejectionConditions, kSub);
+  const unsigned reason = kRejectionReasonField.ValueIn(first);
+  PrintField(out, kRejectionReasonField, first, kSub);
+  PrintField(out, kRejectionConditionField, first, kSub);
 
   const OctetSpan rest = diagnostics.subspan(1);
   if (rest.empty()) return;
@@ -74,7 +80,7 @@ void DecodeCallRejected(OutputWriter& out, OctetSpan diagnostics) {
   } else if (reason == kElementMissing || reason == kContentsNotSufficient) {
     // Each octet names an information element: bit 8 its kind, bits 7-1 its identifier.
     for (const Octet named : rest) {
-      PrintField(out, "Information element type", FieldBits(named, 8, 8), 1, kElementTypes, kSub);
+      PrintField(out, kElementTypeField, named, kSub);
       PrintSpacedHexField(out, "Information element identifier", FieldBits(named, 7, 1), kSub);
     }
   }
@@ -84,27 +90,18 @@ void DecodeCallRejected(OutputWriter& out, OctetSpan diagnostics) {
 // The values read as Bearer capability's octets 3 to 7, with its tables.
 
 constexpr ValueText kLayers[] = {{0b01, "layer 1"}, {0b10, "layer 2"}, {0b11, "layer 3"}};
-struct LayerProtocols {
-  std::string_view field;
-  ValueTable protocols;
-};
-// Indexed by the layer, bits 7-6; layer 0 names nothing.
-constexpr LayerProtocols kLayerProtocols[] = {
-    {{}, {}},
-    {"User information layer 1 protocol", kLayer1Protocol},
-    {"User information layer 2 protocol", kBearerLayer2Protocol},
-    {"User information layer 3 protocol", kBearerLayer3Protocol},
+constexpr CodedField kLayerField{"Layer identification", 7, 6, kLayers};
+// The protocol field of each layer, indexed by the layer; layer 0 names nothing.
+constexpr CodedField kLayerProtocolFields[] = {
+    {},
+    kLayer1ProtocolField,
+    kBearerLayer2ProtocolField,
+    kBearerLayer3ProtocolField,
 };
 
-void PrintTransferCapability(OutputWriter& out, Octet value) {
-  PrintField(out, "Information transfer capability", FieldBits(value, 5, 1), 5, kInformationTransferCapability, kSub);
-}
-void PrintTransferMode(OutputWriter& out, Octet value) {
-  PrintField(out, "Transfer mode", FieldBits(value, 7, 6), 2, kBearerTransferMode, kSub);
-}
-void PrintTransferRate(OutputWriter& out, Octet value) {
-  PrintField(out, "Information transfer rate", FieldBits(value, 5, 1), 5, kInformationTransferRate, kSub);
-}
+void PrintTransferCapability(OutputWriter& out, Octet value) { PrintField(out, kTransferCapabilityField, value, kSub); }
+void PrintTransferMode(OutputWriter& out, Octet value) { PrintField(out, kBearerTransferModeField, value, kSub); }
+void PrintTransferRate(OutputWriter& out, Octet value) { PrintField(out, kTransferRateField, value, kSub); }
 // The next five have one meaning each in Q.931 (1988), whatever their bits.
 void PrintStructure(OutputWriter& out, Octet value) {
   PrintHexMeaning(out, "Structure", FieldBits(value, 7, 5), "8 kHz integrity", kSub);
@@ -125,9 +122,8 @@ void PrintReverseTransferRate(OutputWriter& out, Octet value) {
   out.Put("  Reference in Recommendation Q.931 (1988)\n");
 }
 void PrintLayerIdentification(OutputWriter& out, Octet value) {
-  const unsigned layer = FieldBits(value, 7, 6);
-  if (!PrintField(out, "Layer identification", layer, 2, kLayers, kSub)) return;
-  PrintField(out, kLayerProtocols[layer].field, FieldBits(value, 5, 1), 5, kLayerProtocols[layer].protocols, kSub);
+  if (!PrintField(out, kLayerField, value, kSub)) return;
+  PrintField(out, kLayerProtocolFields[kLayerField.ValueIn(value)], value, kSub);
 }
 
 struct Attribute {
@@ -175,7 +171,8 @@ void DecodeAttributeIdentity(OutputWriter& out, OctetSpan diagnostics) {
 // --- Channel type (one octet, bits 4-1, Channel identification's table) ---
 
 void DecodeChannelType(OutputWriter& out, OctetSpan diagnostics) {
-  PrintField(out, "Channel type", FieldBits(diagnostics.front(), 4, 1), 4, kChannelType, kSub);
+  constexpr CodedField kChannelTypeField{"Channel type", 4, 1, kChannelType};
+  PrintField(out, kChannelTypeField, diagnostics.front(), kSub);
 }
 
 // --- Message type (every octet, named as the message dispatch names it) ---

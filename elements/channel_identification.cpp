@@ -13,18 +13,26 @@ constexpr ValueText kInterfaceIdentifierPresent[] = {
     {0, "Interface implicitly identified"},
     {1, "Interface explicitly identified in one or more octets, beginning with octet 3.1"},
 };
+constexpr CodedField kInterfaceIdentifierPresentField{"Interface identifier present", 7, 7,
+                                                      kInterfaceIdentifierPresent};
 constexpr ValueText kInterfaceType[] = {
     {0, "Basic interface"},
     {1, "Other interface"},
 };
+constexpr CodedField kInterfaceTypeField{"Interface type", 6, 6, kInterfaceType};
 constexpr ValueText kPreferredExclusive[] = {
     {0, "Indicated channel is preferred"},
     {1, "Exclusive; only the indicated channel is acceptable"},
 };
+constexpr CodedField kPreferredExclusiveField{"Preferred/Exclusive", 4, 4, kPreferredExclusive};
 constexpr ValueText kDChannelIndicator[] = {
     {0, "The channel identified is not the D-channel"},
     {1, "The channel identified is the D-channel"},
 };
+constexpr CodedField kDChannelIndicatorField{"D-channel indicator", 3, 3, kDChannelIndicator};
+constexpr CodedField kOctet3Fields[] = {kInterfaceIdentifierPresentField, kInterfaceTypeField, kPreferredExclusiveField,
+                                        kDChannelIndicatorField};
+// The channel selection, bits 2-1, worded by the interface type.
 constexpr ValueText kBasicChannelSelection[] = {
     {0b00, "No channel"},
     {0b01, "B1 channel"},
@@ -37,12 +45,17 @@ constexpr ValueText kOtherChannelSelection[] = {
     {0b10, "Reserved"},
     {0b11, "Any channel"},
 };
+constexpr CodedField kBasicChannelSelectionField{"Information channel selection", 2, 1, kBasicChannelSelection};
+constexpr CodedField kOtherChannelSelectionField = kBasicChannelSelectionField.With(kOtherChannelSelection);
 
 // Octet 3.2; its coding standard and channel type tables are shared.
 constexpr ValueText kNumberMap[] = {
     {0, "Channel is indicated by the number in the following octet"},
     {1, "Channel is indicated by the slot map (Map) in the following octet(s)"},
 };
+constexpr CodedField kNumberMapField{"Number/map", 5, 5, kNumberMap};
+constexpr CodedField kOctet32Fields[] = {
+    kCodingStandardField, {"Channel type/map element type", 4, 1, kChannelType}, kNumberMapField};
 
 // The octets of an extended group starting at `first`: up to and including
 // the one whose extension bit is 1, or to the element's end if none is.
@@ -63,14 +76,10 @@ void DecodeChannelIdentification(OutputWriter& out, const ElementOctets& element
   const auto octet3 = element.At(2);
   if (!octet3) return;
 
-  const bool interfaceIdentified = FieldBits(*octet3, 7, 7);
-  const bool otherInterface = FieldBits(*octet3, 6, 6);
-  PrintField(out, "Interface identifier present", interfaceIdentified, 1, kInterfaceIdentifierPresent);
-  PrintField(out, "Interface type", otherInterface, 1, kInterfaceType);
-  PrintField(out, "Preferred/Exclusive", FieldBits(*octet3, 4, 4), 1, kPreferredExclusive);
-  PrintField(out, "D-channel indicator", FieldBits(*octet3, 3, 3), 1, kDChannelIndicator);
-  PrintField(out, "Information channel selection", FieldBits(*octet3, 2, 1), 2,
-             otherInterface ? ValueTable(kOtherChannelSelection) : ValueTable(kBasicChannelSelection));
+  const bool interfaceIdentified = kInterfaceIdentifierPresentField.ValueIn(*octet3) != 0;
+  const bool otherInterface = kInterfaceTypeField.ValueIn(*octet3) != 0;
+  PrintFields(out, *octet3, kOctet3Fields);
+  PrintField(out, otherInterface ? kOtherChannelSelectionField : kBasicChannelSelectionField, *octet3);
 
   std::size_t index = 3;
   if (interfaceIdentified) {
@@ -85,11 +94,8 @@ void DecodeChannelIdentification(OutputWriter& out, const ElementOctets& element
   const auto octet32 = element.At(index);
   if (!octet32) return;
   ++index;
-  PrintField(out, "Coding standard", FieldBits(*octet32, 7, 6), 2, kCodingStandard);
-  PrintField(out, "Channel type/map element type", FieldBits(*octet32, 4, 1), 4, kChannelType);
-  const bool slotMap = FieldBits(*octet32, 5, 5);
-  PrintField(out, "Number/map", slotMap, 1, kNumberMap);
-  if (slotMap) {
+  PrintFields(out, *octet32, kOctet32Fields);
+  if (kNumberMapField.ValueIn(*octet32) != 0) {
     // The map runs to the element's end; its bits are not named one by one.
     PrintOctetString(out, "Slot map", element.Slice(index));
   } else {

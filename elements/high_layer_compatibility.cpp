@@ -20,13 +20,12 @@ constexpr ValueText kInterpretation[] = {
 constexpr ValueText kPresentationMethod[] = {
     {0b01, "High layer protocol profile (without specification of attributes)"},
 };
-constexpr OctetField kOctet3[] = {
+constexpr CodedField kOctet3[] = {
     {"Coding standard", 7, 6, kCodingStandard},
     {"Interpretation", 5, 3, kInterpretation},
     {"Presentation method of protocol profile", 2, 1, kPresentationMethod},
 };
 
-constexpr std::string_view kCharacteristicsName = "High layer characteristics identification";
 constexpr ValueText kHighLayerCharacteristics[] = {
     {0b0000001, "Telephony"},
     {0b0000100, "Facsimile Group 2/3 (Recommendation F.182 [68])"},
@@ -49,6 +48,8 @@ constexpr ValueText kHighLayerCharacteristics[] = {
      "optionally 2a1, 2a3, 2b1, 2b2, and 2bc)"},
     {0b1101000, "Multimedia services F.700-series Recommendations [80]"},
 };
+constexpr CodedField kCharacteristicsField{"High layer characteristics identification", 7, 1,
+                                           kHighLayerCharacteristics};
 constexpr unsigned kMaintenance = 0b1011110;
 constexpr unsigned kManagement = 0b1011111;
 
@@ -84,15 +85,11 @@ bool IsReservedAudiovisual(unsigned characteristics) {
 
 // What octet 4a means after octet 4's code. For any other code octet 4a
 // has no settled meaning and is not shown.
-struct Octet4aForm {
-  std::string_view name;
-  ValueTable meanings;
-};
-Octet4aForm Octet4aFormAfter(unsigned characteristics) {
+CodedField Octet4aFieldAfter(unsigned characteristics) {
   if (characteristics == kMaintenance || characteristics == kManagement)
-    return {"Extended high layer characteristics identification", kExtendedHighLayerCharacteristics};
+    return {"Extended high layer characteristics identification", 7, 1, kExtendedHighLayerCharacteristics};
   if (IsReservedAudiovisual(characteristics))
-    return {"Extended audiovisual characteristics identification", kExtendedAudiovisualCharacteristics};
+    return {"Extended audiovisual characteristics identification", 7, 1, kExtendedAudiovisualCharacteristics};
   return {};
 }
 
@@ -101,21 +98,20 @@ Octet4aForm Octet4aFormAfter(unsigned characteristics) {
 void DecodeHighLayerCompatibility(OutputWriter& out, const ElementOctets& element) {
   const auto octet3 = element.At(kOctet3Position);
   if (!octet3) return;
-  PrintOctetFields(out, *octet3, kOctet3);
+  PrintFields(out, *octet3, kOctet3);
 
   const auto octet4 = element.At(kOctet4Position);
   if (!octet4) return;
-  const unsigned characteristics = FieldBits(*octet4, 7, 1);
-  PrintField(out, kCharacteristicsName, characteristics, 7, kHighLayerCharacteristics);
+  const unsigned characteristics = kCharacteristicsField.ValueIn(*octet4);
+  PrintField(out, kCharacteristicsField, *octet4);
   if (const RangeText* reserved = FindRange(kReservedAudiovisual, characteristics))
-    PrintHexMeaning(out, kCharacteristicsName, characteristics, reserved->text);
+    PrintHexMeaning(out, kCharacteristicsField.name, characteristics, reserved->text);
   if (!AnnouncesMore(*octet4)) return;
 
   // Octet 4a; whatever follows it is never decoded.
   const auto octet4a = element.At(kOctet4aPosition);
   if (!octet4a) return;
-  const Octet4aForm form = Octet4aFormAfter(characteristics);
-  PrintField(out, form.name, FieldBits(*octet4a, 7, 1), 7, form.meanings);
+  PrintField(out, Octet4aFieldAfter(characteristics), *octet4a);
 }
 
 }  // namespace velmora

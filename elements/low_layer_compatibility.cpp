@@ -4,6 +4,7 @@
 // octets 6a, 6b and 7a to 7c.
 #include "elements/bearer_capability.h"
 #include "elements/element_registry.h"
+#include "q931/common_tables.h"
 
 namespace velmora {
 namespace {
@@ -43,7 +44,7 @@ constexpr ValueText kQ933Use[] = {
     {0b00, "For use when the coding defined in Recommendation Q.933 is not used"},
 };
 // Octet 6a after HDLC ARM, NRM or ABM; bits 5-3 are not looked at.
-constexpr OctetField kOctet6aHdlc[] = {
+constexpr CodedField kOctet6aHdlc[] = {
     {"Mode of operation", 7, 6, kHdlcModeOfOperation},
     {"Q.933 use", 2, 1, kQ933Use},
 };
@@ -66,12 +67,14 @@ constexpr ValueText kX25ModeOfOperation[] = {
     {0b01, "Normal packet sequence numbering"},
     {0b10, "Extended packet sequence numbering"},
 };
+constexpr CodedField kX25ModeOfOperationField{"Mode of operation", 7, 6, kX25ModeOfOperation};
 
 constexpr ValueText kDefaultPacketSize[] = {
     {0b0100, "16 octets"},   {0b0101, "32 octets"},   {0b0110, "64 octets"},
     {0b0111, "128 octets"},  {0b1000, "256 octets"},  {0b1001, "512 octets"},
     {0b1010, "1024 octets"}, {0b1011, "2048 octets"}, {0b1100, "4096 octets"},
 };
+constexpr CodedField kDefaultPacketSizeField{"Default packet size", 4, 1, kDefaultPacketSize};
 
 // HDLC ARM, NRM and ABM carry octets 6a and 6b.
 bool IsHdlc(unsigned layer2Protocol) { return layer2Protocol >= 0b01001 && layer2Protocol <= 0b01011; }
@@ -81,15 +84,16 @@ bool IsX25Family(unsigned layer3Protocol) { return layer3Protocol >= 0b00110 && 
 
 // Octet 6, then 6a in its HDLC or user-specified form and 6b for HDLC.
 void DecodeLayer2Group(OutputWriter& out, Octet octet6, OctetReader& octets) {
-  const unsigned protocol = FieldBits(octet6, 5, 1);
-  PrintField(out, capability::kLayer2ProtocolName, protocol, 5, kLayer2Protocol);
+  constexpr CodedField kProtocolField = kBearerLayer2ProtocolField.With(kLayer2Protocol);
+  const unsigned protocol = kProtocolField.ValueIn(octet6);
+  PrintField(out, kProtocolField, octet6);
   bool more = AnnouncesMore(octet6);
 
   if (more && (IsHdlc(protocol) || protocol == kLayer2UserSpecified)) {
     const auto octet6a = octets.Take();
     if (!octet6a) return;
     if (IsHdlc(protocol))
-      PrintOctetFields(out, *octet6a, kOctet6aHdlc);
+      PrintFields(out, *octet6a, kOctet6aHdlc);
     else
       PrintSpacedHexField(out, "User specified layer 2 protocol information", FieldBits(*octet6a, 7, 1));
     more = AnnouncesMore(*octet6a);
@@ -104,8 +108,9 @@ void DecodeLayer2Group(OutputWriter& out, Octet octet6, OctetReader& octets) {
 // Octet 7, then 7a (user specified), 7a to 7c (X.25 family) or 7a and 7b
 // (ISO/IEC TR 9577), each only when bit 8 of octet 7 announces them.
 void DecodeLayer3Group(OutputWriter& out, Octet octet7, OctetReader& octets) {
-  const unsigned protocol = FieldBits(octet7, 5, 1);
-  PrintField(out, capability::kLayer3ProtocolName, protocol, 5, kLayer3Protocol);
+  constexpr CodedField kProtocolField = kBearerLayer3ProtocolField.With(kLayer3Protocol);
+  const unsigned protocol = kProtocolField.ValueIn(octet7);
+  PrintField(out, kProtocolField, octet7);
   if (!AnnouncesMore(octet7)) return;
 
   if (protocol == kLayer3UserSpecified) {
@@ -114,11 +119,11 @@ void DecodeLayer3Group(OutputWriter& out, Octet octet7, OctetReader& octets) {
   } else if (IsX25Family(protocol)) {
     const auto octet7a = octets.Take();
     if (!octet7a) return;
-    PrintField(out, "Mode of operation", FieldBits(*octet7a, 7, 6), 2, kX25ModeOfOperation);
+    PrintField(out, kX25ModeOfOperationField, *octet7a);
     if (!AnnouncesMore(*octet7a)) return;
     const auto octet7b = octets.Take();
     if (!octet7b) return;
-    PrintField(out, "Default packet size", FieldBits(*octet7b, 4, 1), 4, kDefaultPacketSize);
+    PrintField(out, kDefaultPacketSizeField, *octet7b);
     if (!AnnouncesMore(*octet7b)) return;
     if (const auto octet7c = octets.Take()) PrintSpacedHexField(out, "Packet window size", FieldBits(*octet7c, 7, 1));
   } else if (protocol == capability::kLayer3Tr9577) {
@@ -127,9 +132,9 @@ void DecodeLayer3Group(OutputWriter& out, Octet octet7, OctetReader& octets) {
 }
 
 constexpr capability::CapabilityVariant kLowLayerCompatibility = {
-    .negotiationIndicator = kNegotiationIndicator,
-    .transferMode = kTransferMode,
-    .userRate = capability::kUserRate,
+    .negotiationIndicator = {"Negotiation indicator", 7, 7, kNegotiationIndicator},
+    .transferMode = kBearerTransferModeField.With(kTransferMode),
+    .userRate = capability::kUserRateField,
     .layer2Group = DecodeLayer2Group,
     .layer3Group = DecodeLayer3Group,
 };

@@ -13,6 +13,8 @@ constexpr ValueText kNetworkIdentificationType[] = {
     {0b010, "National network identification"},
     {0b011, "International network identification"},
 };
+constexpr CodedField kNetworkIdentificationTypeField{"Type of network identification", 7, 5,
+                                                     kNetworkIdentificationType};
 
 // The two elements word the data network plan differently.
 constexpr ValueText kFacilitiesIdentificationPlan[] = {
@@ -25,10 +27,12 @@ constexpr ValueText kTransitIdentificationPlan[] = {
     {0b0001, "Carrier Identification Code"},
     {0b0011, "Data network identification code (Recommendation X.121 [21])"},
 };
+constexpr CodedField kFacilitiesPlanField{"Network identification plan", 4, 1, kFacilitiesIdentificationPlan};
+constexpr CodedField kTransitPlanField = kFacilitiesPlanField.With(kTransitIdentificationPlan);
 
-void PrintNetworkIdentification(OutputWriter& out, Octet octet, ValueTable plans) {
-  PrintField(out, "Type of network identification", FieldBits(octet, 7, 5), 3, kNetworkIdentificationType);
-  PrintField(out, "Network identification plan", FieldBits(octet, 4, 1), 4, plans);
+void PrintNetworkIdentification(OutputWriter& out, Octet octet, const CodedField& plan) {
+  PrintField(out, kNetworkIdentificationTypeField, octet);
+  PrintField(out, plan, octet);
 }
 
 // The network identification's characters, shown as their IA5 codes.
@@ -47,7 +51,7 @@ void DecodeNetworkSpecificFacilities(OutputWriter& out, const ElementOctets& ele
 
   std::size_t facilityIndex = 3;
   if (*identificationLength >= 0x01 && *identificationLength <= 0x7F) {
-    if (const auto octet31 = element.At(3)) PrintNetworkIdentification(out, *octet31, kFacilitiesIdentificationPlan);
+    if (const auto octet31 = element.At(3)) PrintNetworkIdentification(out, *octet31, kFacilitiesPlanField);
     const OctetSpan characters = element.Slice(4);
     const std::size_t characterCount = *identificationLength - 1U;
     PrintIa5String(out, kNetworkIdentificationName, characters.first(std::min(characterCount, characters.size())));
@@ -61,7 +65,7 @@ void DecodeNetworkSpecificFacilities(OutputWriter& out, const ElementOctets& ele
 void DecodeTransitNetworkSelection(OutputWriter& out, const ElementOctets& element) {
   const auto octet3 = element.At(2);
   if (!octet3) return;
-  PrintNetworkIdentification(out, *octet3, kTransitIdentificationPlan);
+  PrintNetworkIdentification(out, *octet3, kTransitPlanField);
   PrintIa5String(out, kNetworkIdentificationName, element.Slice(3));
 }
 

@@ -19,11 +19,11 @@ constexpr ValueText kInformationRate[] = {
 };
 
 // Octets 3 to 6 of Information rate, in order.
-constexpr std::string_view kRateLabels[] = {
-    "Incoming information rate",
-    "Outgoing information rate",
-    "Minimum incoming information rate",
-    "Minimum outgoing information rate",
+constexpr CodedField kRateFields[] = {
+    {"Incoming information rate", 5, 1, kInformationRate},
+    {"Outgoing information rate", 5, 1, kInformationRate},
+    {"Minimum incoming information rate", 5, 1, kInformationRate},
+    {"Minimum outgoing information rate", 5, 1, kInformationRate},
 };
 
 // A 16-bit delay value spread over three octets (2 + 7 + 7 bits), the
@@ -63,23 +63,32 @@ constexpr ValueText kModulus[] = {
     {0, "Modulus 8 sequencing"},
     {1, "Modulus 128 sequencing"},
 };
+// Octet 3 of Packet layer binary parameters.
+constexpr CodedField kBinaryParameterFields[] = {
+    {"Fast select", 5, 4, kFastSelect},
+    {"Expedited data", 3, 3, kExpeditedData},
+    {"Delivery confirmation", 2, 2, kDeliveryConfirmation},
+    {"Modulus", 1, 1, kModulus},
+};
 
 constexpr ValueText kCugIndication[] = {
     {0b001, "Closed user group selection"},
     {0b010, "Closed user group with outgoing access selection and indication"},
 };
+constexpr CodedField kCugIndicationField{"CUG indication", 3, 1, kCugIndication};
 
 constexpr ValueText kReverseChargingIndication[] = {
     {0b001, "Reverse charging requested"},
 };
+constexpr CodedField kReverseChargingIndicationField{"Reverse charging indication", 3, 1, kReverseChargingIndication};
 
 // Whether the element has contents to decode: L of 0, or a frame that ends
 // at the length octet, leaves the heading alone.
 bool HasContents(const ElementOctets& element) { return element.Has(2); }
 
 // A rate line: the code's bits and rate, or the code in hexadecimal as reserved.
-void PrintRate(OutputWriter& out, std::string_view label, unsigned code) {
-  if (!PrintField(out, label, code, 5, kInformationRate)) PrintHexMeaning(out, label, code, "Reserved");
+void PrintRate(OutputWriter& out, const CodedField& rate, Octet octet) {
+  if (!PrintField(out, rate, octet)) PrintHexMeaning(out, rate.name, rate.ValueIn(octet), "Reserved");
 }
 
 void PrintDelayValue(OutputWriter& out, const ElementOctets& element, const DelayField& field) {
@@ -108,10 +117,10 @@ void DecodeForwardBackward(OutputWriter& out, const ElementOctets& element) {
 void DecodeInformationRate(OutputWriter& out, const ElementOctets& element) {
   if (!HasContents(element)) return;
   std::size_t position = 2;
-  for (const std::string_view label : kRateLabels) {
+  for (const CodedField& rate : kRateFields) {
     const auto octet = element.FrameAt(position++);
     if (!octet) break;
-    PrintRate(out, label, FieldBits(*octet, 5, 1));
+    PrintRate(out, rate, *octet);
   }
 }
 
@@ -129,10 +138,7 @@ void DecodeTransitDelaySelection(OutputWriter& out, const ElementOctets& element
 void DecodePacketLayerBinaryParameters(OutputWriter& out, const ElementOctets& element) {
   if (!HasContents(element)) return;
   const Octet octet3 = *element.At(2);
-  PrintField(out, "Fast select", FieldBits(octet3, 5, 4), 2, kFastSelect);
-  PrintField(out, "Expedited data", FieldBits(octet3, 3, 3), 1, kExpeditedData);
-  PrintField(out, "Delivery confirmation", FieldBits(octet3, 2, 2), 1, kDeliveryConfirmation);
-  PrintField(out, "Modulus", FieldBits(octet3, 1, 1), 1, kModulus);
+  PrintFields(out, octet3, kBinaryParameterFields);
 }
 
 void DecodePacketLayerWindowSize(OutputWriter& out, const ElementOctets& element) {
@@ -143,7 +149,7 @@ void DecodePacketSize(OutputWriter& out, const ElementOctets& element) { DecodeF
 
 void DecodeClosedUserGroup(OutputWriter& out, const ElementOctets& element) {
   if (!HasContents(element)) return;
-  PrintField(out, "CUG indication", FieldBits(*element.At(2), 3, 1), 3, kCugIndication);
+  PrintField(out, kCugIndicationField, *element.At(2));
   // One IA5 digit per octet; anything but 0 to 9 is no index digit.
   for (const Octet octet : element.Slice(3)) {
     const unsigned code = FieldBits(octet, 7, 1);
@@ -158,7 +164,7 @@ void DecodeClosedUserGroup(OutputWriter& out, const ElementOctets& element) {
 
 void DecodeReverseChargingIndication(OutputWriter& out, const ElementOctets& element) {
   if (!HasContents(element)) return;
-  PrintField(out, "Reverse charging indication", FieldBits(*element.At(2), 3, 1), 3, kReverseChargingIndication);
+  PrintField(out, kReverseChargingIndicationField, *element.At(2));
 }
 
 }  // namespace velmora

@@ -28,6 +28,10 @@ constexpr ValueText kNumberingPlan[] = {
     {0b1001, "Private numbering plan"},
     {0b1111, "Reserved for extension"},
 };
+constexpr CodedField kNumberOctet3Fields[] = {
+    {"Type of number", 7, 5, kTypeOfNumber},
+    {"Numbering plan identification", 4, 1, kNumberingPlan},
+};
 
 constexpr ValueText kPresentationIndicator[] = {
     {0b00, "Presentation allowed"},
@@ -42,6 +46,11 @@ constexpr ValueText kScreeningIndicator[] = {
     {0b10, "User-provided, verified and failed"},
     {0b11, "Network provided"},
 };
+// Octet 3a of the calling party and redirecting numbers.
+constexpr CodedField kNumberOctet3aFields[] = {
+    {"Presentation indicator", 7, 6, kPresentationIndicator},
+    {"Screening indicator", 2, 1, kScreeningIndicator},
+};
 
 constexpr ValueText kReasonForRedirection[] = {
     {0b0000, "Unknown"},
@@ -52,6 +61,7 @@ constexpr ValueText kReasonForRedirection[] = {
     {0b1010, "Call forwarding by the called DTE"},
     {0b1111, "Call forwarding unconditional or systematic call redirection"},
 };
+constexpr CodedField kReasonForRedirectionField{"Reason for redirection", 4, 1, kReasonForRedirection};
 
 constexpr ValueText kTypeOfSubaddress[] = {
     {0b000, "NSAP (ITU-T Rec. X.213 [23] and ISO/IEC 8348 Add.2 [24])"},
@@ -61,6 +71,10 @@ constexpr ValueText kTypeOfSubaddress[] = {
 constexpr ValueText kOddEvenIndicator[] = {
     {0, "Even number of address signals"},
     {1, "Odd number of address signals"},
+};
+constexpr CodedField kSubaddressOctet3Fields[] = {
+    {"Type of subaddress", 7, 5, kTypeOfSubaddress},
+    {"Odd/even indicator", 4, 4, kOddEvenIndicator},
 };
 
 // How one number element departs from the common octet 3 / digits shape.
@@ -79,8 +93,7 @@ void DecodeNumber(OutputWriter& out, const ElementOctets& element, const NumberL
   const auto octet3 = element.At(2);
   if (!octet3) return;
 
-  PrintField(out, "Type of number", FieldBits(*octet3, 7, 5), 3, kTypeOfNumber);
-  PrintField(out, "Numbering plan identification", FieldBits(*octet3, 4, 1), 4, kNumberingPlan);
+  PrintFields(out, *octet3, kNumberOctet3Fields);
 
   // Octets 3a and 3b are announced by extension bits, not by the length, so
   // they are read even when they lie behind the element's last octet. Behind
@@ -89,12 +102,10 @@ void DecodeNumber(OutputWriter& out, const ElementOctets& element, const NumberL
   if (layout.readsOctet3a && AnnouncesMore(*octet3)) {
     digitsFrom = 4;
     if (const auto octet3a = element.FrameAt(3)) {
-      PrintField(out, "Presentation indicator", FieldBits(*octet3a, 7, 6), 2, kPresentationIndicator);
-      PrintField(out, "Screening indicator", FieldBits(*octet3a, 2, 1), 2, kScreeningIndicator);
+      PrintFields(out, *octet3a, kNumberOctet3aFields);
       if (layout.readsOctet3b && AnnouncesMore(*octet3a)) {
         digitsFrom = 5;
-        if (const auto octet3b = element.FrameAt(4))
-          PrintField(out, "Reason for redirection", FieldBits(*octet3b, 4, 1), 4, kReasonForRedirection);
+        if (const auto octet3b = element.FrameAt(4)) PrintField(out, kReasonForRedirectionField, *octet3b);
       }
     }
   }
@@ -107,8 +118,7 @@ void DecodeSubaddress(OutputWriter& out, const ElementOctets& element) {
   const auto octet3 = element.At(2);
   if (!octet3) return;
 
-  PrintField(out, "Type of subaddress", FieldBits(*octet3, 7, 5), 3, kTypeOfSubaddress);
-  PrintField(out, "Odd/even indicator", FieldBits(*octet3, 4, 4), 1, kOddEvenIndicator);
+  PrintFields(out, *octet3, kSubaddressOctet3Fields);
   PrintOctetString(out, "Subaddress information", element.Slice(3));
 }
 

@@ -17,6 +17,7 @@ constexpr ValueText kLocation[] = {
     {0b0101, "Private network serving the remote user"},
     {0b1010, "Network beyond the interworking point"},
 };
+constexpr CodedField kProgressOctet3Fields[] = {kCodingStandardField, {"Location", 4, 1, kLocation}};
 
 // Progress indicator octet 4.
 constexpr ValueText kProgressDescription[] = {
@@ -27,12 +28,14 @@ constexpr ValueText kProgressDescription[] = {
     {0b0000101, "Interworking has occurred and has resulted in a telecommunication service change"},
     {0b0001000, "In-band information or an appropriate pattern is now available"},
 };
+constexpr CodedField kProgressDescriptionField{"Progress description", 7, 1, kProgressDescription};
 
 constexpr ValueText kNotificationDescription[] = {
     {0b0000000, "User suspended"},
     {0b0000001, "User resumed"},
     {0b0000010, "Bearer service change"},
 };
+constexpr CodedField kNotificationDescriptionField{"Notification description", 7, 1, kNotificationDescription};
 
 constexpr ValueText kSignalValue[] = {
     {0x00, "Dial tone on"},
@@ -56,29 +59,29 @@ constexpr ValueText kSignalValue[] = {
     {0x47, "Alerting on - pattern 7"},
     {0x4F, "Alerting off"},
 };
+// The signal value takes the whole octet: bit 8 is part of the value.
+constexpr CodedField kSignalValueField{"Signal value", 8, 1, kSignalValue};
 
 }  // namespace
 
 void DecodeProgressIndicator(OutputWriter& out, const ElementOctets& element) {
   if (const auto octet3 = element.At(2)) {
-    PrintField(out, "Coding standard", FieldBits(*octet3, 7, 6), 2, kCodingStandard);
-    PrintField(out, "Location", FieldBits(*octet3, 4, 1), 4, kLocation);
+    PrintFields(out, *octet3, kProgressOctet3Fields);
   }
   // Octet 4 always follows octet 3, whatever octet 3's extension bit says.
   if (const auto octet4 = element.At(3)) {
-    PrintField(out, "Progress description", FieldBits(*octet4, 7, 1), 7, kProgressDescription);
+    PrintField(out, kProgressDescriptionField, *octet4);
   }
 }
 
 void DecodeNotificationIndicator(OutputWriter& out, const ElementOctets& element) {
   if (const auto octet3 = element.At(2)) {
-    PrintField(out, "Notification description", FieldBits(*octet3, 7, 1), 7, kNotificationDescription);
+    PrintField(out, kNotificationDescriptionField, *octet3);
   }
 }
 
 void DecodeSignal(OutputWriter& out, const ElementOctets& element) {
-  // The signal value takes the whole octet: bit 8 is part of the value.
-  if (const auto octet3 = element.At(2)) PrintField(out, "Signal value", *octet3, 8, kSignalValue);
+  if (const auto octet3 = element.At(2)) PrintField(out, kSignalValueField, *octet3);
 }
 
 }  // namespace velmora

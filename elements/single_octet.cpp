@@ -10,16 +10,18 @@ namespace {
 constexpr ValueText kRepeatIndication[] = {
     {0b0010, "Prioritized list for selecting one possibility"},
 };
+constexpr CodedField kRepeatIndicationField{"Repeat indication", 4, 1, kRepeatIndication};
 
 constexpr ValueText kCongestionLevel[] = {
     {0b0000, "Receiver ready"},
     {0b1111, "Receiver not ready"},
 };
+constexpr CodedField kCongestionLevelField{"Congestion level", 4, 1, kCongestionLevel};
 
 }  // namespace
 
 void DecodeRepeatIndicator(OutputWriter& out, const ElementOctets& element) {
-  PrintField(out, "Repeat indication", FieldBits(element.Identifier(), 4, 1), 4, kRepeatIndication);
+  PrintField(out, kRepeatIndicationField, element.Identifier());
 }
 
 // Their heading says all there is.
@@ -27,7 +29,7 @@ void DecodeSendingComplete(OutputWriter&, const ElementOctets&) {}
 void DecodeMoreData(OutputWriter&, const ElementOctets&) {}
 
 void DecodeCongestionLevel(OutputWriter& out, const ElementOctets& element) {
-  PrintField(out, "Congestion level", FieldBits(element.Identifier(), 4, 1), 4, kCongestionLevel);
+  PrintField(out, kCongestionLevelField, element.Identifier());
 }
 
 }  // namespace velmora

@@ -16,6 +16,7 @@ constexpr ValueText kProtocolDiscriminator[] = {
     {0x07, "Recommendation V.120 [9] rate adaption"},
     {0x08, "Q.931/I.451 user-network call control messages"},
 };
+constexpr CodedField kProtocolDiscriminatorField{"Protocol discriminator", 8, 1, kProtocolDiscriminator};
 
 // Discriminators named by range rather than one by one; these lines show
 // the octet as "0x%x" instead of its bits.
@@ -26,9 +27,9 @@ constexpr RangeText kProtocolDiscriminatorRanges[] = {
 };
 
 void PrintProtocolDiscriminator(OutputWriter& out, Octet discriminator) {
-  if (PrintField(out, "Protocol discriminator", discriminator, 8, kProtocolDiscriminator)) return;
+  if (PrintField(out, kProtocolDiscriminatorField, discriminator)) return;
   if (const RangeText* range = FindRange(kProtocolDiscriminatorRanges, discriminator))
-    PrintHexMeaning(out, "Protocol discriminator", discriminator, range->text);
+    PrintHexMeaning(out, kProtocolDiscriminatorField.name, discriminator, range->text);
 }
 
 }  // namespace

@@ -17,18 +17,16 @@ void PrintCodedValue(OutputWriter& out, std::string_view name, std::uint32_t val
   out.Put('\n');
 }
 
-bool PrintField(OutputWriter& out, std::string_view name, std::uint32_t value, unsigned width, ValueTable table,
-                Indent indent) {
-  const ValueText* row = FindRow(table, value);
+bool PrintField(OutputWriter& out, const CodedField& field, Octet octet, Indent indent) {
+  const unsigned value = field.ValueIn(octet);
+  const ValueText* row = FindRow(field.meanings, value);
   if (row == nullptr) return false;
-  PrintCodedValue(out, name, value, width, row->text, indent);
+  PrintCodedValue(out, field.name, value, field.Width(), row->text, indent);
   return true;
 }
 
-void PrintOctetFields(OutputWriter& out, Octet octet, std::span<const OctetField> fields) {
-  for (const OctetField& field : fields)
-    PrintField(out, field.name, FieldBits(octet, field.highBit, field.lowBit), field.highBit - field.lowBit + 1,
-               field.meanings);
+void PrintFields(OutputWriter& out, Octet octet, std::span<const CodedField> fields, Indent indent) {
+  for (const CodedField& field : fields) PrintField(out, field, octet, indent);
 }
 
 void PrintHexMeaning(OutputWriter& out, std::string_view name, std::uint32_t value, std::string_view meaning,

@@ -52,12 +52,6 @@ constexpr bool AnnouncesMore(Octet octet) { return (octet & 0x80) == 0; }
 // Line indents: field lines two tabs, sub-fields (cause diagnostics) three.
 enum class Indent { Field = 2, SubField = 3 };
 
-// The heading behind "\tInformation element:": the element's name and "\n".
-inline void PrintHeading(OutputWriter& out, std::string_view name) {
-  out.Put(name);
-  out.Put('\n');
-}
-
 // "<indent><name>=": how every field line begins. For lines of their own
 // form, which go on with the writer.
 void PrintFieldName(OutputWriter& out, std::string_view name, Indent indent = Indent::Field);
@@ -66,21 +60,27 @@ void PrintFieldName(OutputWriter& out, std::string_view name, Indent indent = In
 void PrintCodedValue(OutputWriter& out, std::string_view name, std::uint32_t value, unsigned width,
                      std::string_view meaning, Indent indent = Indent::Field);
 
-// The coded-value line when the table has a row for value; nothing at all
-// otherwise. Returns whether a line was printed.
-bool PrintField(OutputWriter& out, std::string_view name, std::uint32_t value, unsigned width, ValueTable table,
-                Indent indent = Indent::Field);
-
-// One coded field of an octet and the table of its meanings.
-struct OctetField {
+// A coded field of an octet: its name, its bits (highBit to lowBit) and the
+// table of its meanings, stated once, together.
+struct CodedField {
   std::string_view name;
   unsigned highBit;
   unsigned lowBit;
   ValueTable meanings;
+
+  constexpr unsigned Width() const { return highBit - lowBit + 1; }
+  // The field's bits of an octet, shifted down to a plain value.
+  constexpr unsigned ValueIn(Octet octet) const { return FieldBits(octet, highBit, lowBit); }
+  // The same field with other meanings, for an element that words it its own way.
+  constexpr CodedField With(ValueTable otherMeanings) const { return {name, highBit, lowBit, otherMeanings}; }
 };
 
-// Prints each field's line, in order; a value without a row prints nothing.
-void PrintOctetFields(OutputWriter& out, Octet octet, std::span<const OctetField> fields);
+// The field's coded-value line for an octet when its table names the value;
+// nothing at all otherwise. Returns whether a line was printed.
+bool PrintField(OutputWriter& out, const CodedField& field, Octet octet, Indent indent = Indent::Field);
+
+// Each field's line for one octet, in order.
+void PrintFields(OutputWriter& out, Octet octet, std::span<const CodedField> fields, Indent indent = Indent::Field);
 
 // "<indent><name>=0x%x  <meaning>\n": a value whose meaning it shares with
 // others (a range of values, or every value), shown in hexadecimal instead

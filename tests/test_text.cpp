@@ -47,9 +47,9 @@ TEST(LineForms, EachFormAtBothIndents) {
   EXPECT_EQ(CaptureOutput([](OutputWriter& out) { PrintIa5String(out, "Digits", {}); }), "\t\tDigits=\n");
   // Octet fields print in order and skip values without a row.
   static constexpr ValueText kOnlyOne[] = {{1, "one"}};
-  static constexpr OctetField kFields[] = {
+  static constexpr CodedField kFields[] = {
       {"Coding standard", 7, 6, kCodingStandard}, {"Bit 5", 5, 5, kOnlyOne}, {"Bit 4", 4, 4, kOnlyOne}};
-  EXPECT_EQ(CaptureOutput([&](OutputWriter& out) { PrintOctetFields(out, 0xC8, kFields); }),
+  EXPECT_EQ(CaptureOutput([&](OutputWriter& out) { PrintFields(out, 0xC8, kFields); }),
             "\t\tCoding standard=10  National standard\n\t\tBit 4=1  one\n");
 }
 

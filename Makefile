@@ -3,7 +3,7 @@
 SHELL := /bin/bash
 .DEFAULT_GOAL := demo
 
-PACKAGES := cmake ninja-build g++ clang libclang-rt-14-dev libgtest-dev libgmock-dev \
+PACKAGES := cmake ninja-build g++ clang clang-format libclang-rt-14-dev libgtest-dev libgmock-dev \
             libbenchmark-dev qt6-base-dev time bc
 JOBS ?= $(shell nproc)
 

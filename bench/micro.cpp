@@ -5,8 +5,8 @@
 #include <string>
 #include <vector>
 
-#include "core/line_scanner.h"
-#include "q931/message.h"
+#include "line_scanner.h"
+#include "q931_message.h"
 
 namespace {
 

@@ -12,7 +12,8 @@
 #include <thread>
 #include <vector>
 
-#include "core/translation.h"
+#include "translation.h"
+#include "velmora_version.h"
 
 namespace {
 

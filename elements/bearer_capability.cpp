@@ -1,11 +1,11 @@
 // Bearer capability (0x04), and the octet groups Low layer compatibility
 // decodes the same way (see bearer_capability.h).
-#include "elements/bearer_capability.h"
+#include "bearer_capability.h"
 
 #include <iterator>
 
-#include "elements/element_registry.h"
-#include "q931/common_tables.h"
+#include "common_tables.h"
+#include "element_registry.h"
 
 namespace velmora {
 namespace capability {

@@ -7,8 +7,8 @@
 #include <optional>
 #include <string_view>
 
-#include "q931/element.h"
-#include "q931/text.h"
+#include "element_octets.h"
+#include "field_text.h"
 
 namespace velmora::capability {
 

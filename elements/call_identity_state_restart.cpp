@@ -1,8 +1,8 @@
 // Call identity (0x10), Call state (0x14), Restart indicator (0x79).
 // Each reads octet 3 (or octets 3 to L + 2) and stops at the element's end;
 // a frame that ends before octet 3 leaves the heading alone, as L = 0 does.
-#include "elements/element_registry.h"
-#include "q931/text.h"
+#include "element_registry.h"
+#include "field_text.h"
 
 namespace velmora {
 

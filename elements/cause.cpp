@@ -1,12 +1,12 @@
 // Cause (0x08): coding standard, location, recommendation, cause class and
 // value; the diagnostic octets go to the coding the cause value selects.
-#include "elements/cause.h"
+#include "cause.h"
 
 #include <algorithm>
 #include <optional>
 
-#include "elements/element_registry.h"
-#include "q931/text.h"
+#include "element_registry.h"
+#include "field_text.h"
 
 namespace velmora {
 namespace {

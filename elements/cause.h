@@ -1,8 +1,8 @@
 #pragma once
 // The Cause element's diagnostics (octet 5 onward): which coding the cause
 // value selects, and its decoder.
-#include "core/octet.h"
-#include "core/output_writer.h"
+#include "octet.h"
+#include "output_writer.h"
 
 namespace velmora {
 

@@ -3,9 +3,9 @@
 #include <algorithm>
 #include <string_view>
 
-#include "elements/cause.h"
-#include "q931/common_tables.h"
-#include "q931/text.h"
+#include "cause.h"
+#include "common_tables.h"
+#include "field_text.h"
 
 namespace velmora {
 namespace {

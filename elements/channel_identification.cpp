@@ -1,9 +1,9 @@
 // Channel identification (0x18): the interface and the channel a call uses,
 // a B-channel of a basic interface or, on a primary-rate interface, a channel
 // number or a slot map.
-#include "elements/element_registry.h"
-#include "q931/common_tables.h"
-#include "q931/text.h"
+#include "common_tables.h"
+#include "element_registry.h"
+#include "field_text.h"
 
 namespace velmora {
 namespace {

@@ -1,8 +1,8 @@
 // Display (0x28), Keypad facility (0x2C), Date/time (0x29).
 // Display and keypad characters are shown as their IA5 codes, never as
 // text, so a trace with control characters still reads on one line.
-#include "elements/element_registry.h"
-#include "q931/text.h"
+#include "element_registry.h"
+#include "field_text.h"
 
 namespace velmora {
 

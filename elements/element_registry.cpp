@@ -1,4 +1,4 @@
-#include "elements/element_registry.h"
+#include "element_registry.h"
 
 namespace velmora {
 

@@ -6,9 +6,9 @@
 #include <cstddef>
 #include <string_view>
 
-#include "core/octet.h"
-#include "core/output_writer.h"
-#include "q931/element.h"
+#include "element_octets.h"
+#include "octet.h"
+#include "output_writer.h"
 
 namespace velmora {
 

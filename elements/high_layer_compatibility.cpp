@@ -4,8 +4,8 @@
 #include <array>
 #include <iterator>
 
-#include "elements/element_registry.h"
-#include "q931/common_tables.h"
+#include "common_tables.h"
+#include "element_registry.h"
 
 namespace velmora {
 namespace {

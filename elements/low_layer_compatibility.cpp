@@ -2,9 +2,9 @@
 // bearer_capability.h); what is its own is octet 3a, the wording of transfer
 // mode 10, user rate 10000, and the layer 2 and layer 3 groups with their
 // octets 6a, 6b and 7a to 7c.
-#include "elements/bearer_capability.h"
-#include "elements/element_registry.h"
-#include "q931/common_tables.h"
+#include "bearer_capability.h"
+#include "common_tables.h"
+#include "element_registry.h"
 
 namespace velmora {
 namespace {

@@ -2,8 +2,8 @@
 // network named by its identification type, plan and IA5 characters.
 #include <algorithm>
 
-#include "elements/element_registry.h"
-#include "q931/text.h"
+#include "element_registry.h"
+#include "field_text.h"
 
 namespace velmora {
 namespace {

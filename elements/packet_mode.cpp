@@ -5,8 +5,8 @@
 // are read whatever L says, so a short element takes them from the octets
 // that follow it. Behind the frame's last octet there are none: a field
 // whose octets the frame does not hold gets no line.
-#include "elements/element_registry.h"
-#include "q931/text.h"
+#include "element_registry.h"
+#include "field_text.h"
 
 namespace velmora {
 

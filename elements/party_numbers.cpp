@@ -2,8 +2,8 @@
 // The three numbers share one decoder, told by a small layout record which
 // optional octets it reads and how it shows the digits; the two subaddresses
 // share another.
-#include "elements/element_registry.h"
-#include "q931/text.h"
+#include "element_registry.h"
+#include "field_text.h"
 
 namespace velmora {
 

@@ -1,8 +1,8 @@
 // Progress indicator (0x1E), Notification indicator (0x27), Signal (0x34):
 // what the network tells the user about a call's progress and the tones it plays.
-#include "elements/element_registry.h"
-#include "q931/common_tables.h"
-#include "q931/text.h"
+#include "common_tables.h"
+#include "element_registry.h"
+#include "field_text.h"
 
 namespace velmora {
 namespace {

@@ -1,7 +1,7 @@
 // Single-octet elements (bit 8 = 1). The walks pick the octets by mask; these
 // decoders do not test the identifier bits again.
-#include "elements/element_registry.h"
-#include "q931/text.h"
+#include "element_registry.h"
+#include "field_text.h"
 
 namespace velmora {
 

@@ -1,7 +1,7 @@
 // User-user (0x7E): the protocol discriminator of the user information and
 // the user information octets, always shown in hexadecimal.
-#include "elements/element_registry.h"
-#include "q931/text.h"
+#include "element_registry.h"
+#include "field_text.h"
 
 namespace velmora {
 namespace {

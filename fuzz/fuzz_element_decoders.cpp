@@ -12,7 +12,7 @@
 #include <string>
 #include <string_view>
 
-#include "fuzz/fuzz_support.h"
+#include "fuzz_support.h"
 
 namespace {
 

@@ -10,9 +10,9 @@
 #include <string_view>
 #include <vector>
 
-#include "core/lapd.h"
-#include "core/line_scanner.h"
-#include "fuzz/fuzz_support.h"
+#include "fuzz_support.h"
+#include "lapd.h"
+#include "line_scanner.h"
 
 namespace {
 

@@ -9,8 +9,8 @@
 #include <string>
 #include <string_view>
 
-#include "fuzz/fuzz_support.h"
-#include "q931/message.h"
+#include "fuzz_support.h"
+#include "q931_message.h"
 
 namespace {
 

@@ -12,8 +12,8 @@
 #include <string_view>
 #include <vector>
 
-#include "core/output_writer.h"
-#include "elements/element_registry.h"
+#include "element_registry.h"
+#include "output_writer.h"
 
 namespace velmora::fuzz {
 

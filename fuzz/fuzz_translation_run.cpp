@@ -24,11 +24,11 @@
 #include <thread>
 #include <vector>
 
-#include "core/line_reader.h"
-#include "core/line_scanner.h"
-#include "core/parallel_run.h"
-#include "core/translation.h"
-#include "fuzz/fuzz_support.h"
+#include "fuzz_support.h"
+#include "line_reader.h"
+#include "line_scanner.h"
+#include "parallel_run.h"
+#include "translation.h"
 
 namespace {
 

@@ -1,4 +1,4 @@
-#include "q931/message.h"
+#include "q931_message.h"
 
 namespace velmora {
 

@@ -1,6 +1,6 @@
 // Which elements each message type accepts, and the one walk over them.
-#include "q931/common_tables.h"
-#include "q931/message.h"
+#include "common_tables.h"
+#include "q931_message.h"
 
 namespace velmora {
 namespace {

@@ -8,7 +8,7 @@
 #include <cstdlib>
 #include <string>
 
-#include "scratch_directory.h"
+#include "trace_files.h"
 
 namespace {
 

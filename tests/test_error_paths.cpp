@@ -16,7 +16,7 @@
 #include <string>
 #include <tuple>
 
-#include "scratch_directory.h"
+#include "trace_files.h"
 
 namespace {
 

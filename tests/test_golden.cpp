@@ -10,7 +10,7 @@
 #include <string>
 #include <vector>
 
-#include "core/translation.h"
+#include "translation.h"
 
 namespace velmora {
 namespace {

@@ -5,7 +5,7 @@
 #include <string>
 #include <vector>
 
-#include "core/lapd.h"
+#include "lapd.h"
 #include "test_support.h"
 
 namespace velmora {

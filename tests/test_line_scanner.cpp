@@ -3,7 +3,7 @@
 
 #include <string>
 
-#include "core/line_scanner.h"
+#include "line_scanner.h"
 #include "test_support.h"
 
 namespace velmora {

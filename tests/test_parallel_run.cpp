@@ -8,7 +8,7 @@
 #include <sstream>
 #include <string>
 
-#include "core/translation.h"
+#include "translation.h"
 
 namespace velmora {
 namespace {

@@ -7,9 +7,9 @@
 #include <utility>
 #include <vector>
 
-#include "core/output_writer.h"
-#include "elements/element_registry.h"
-#include "q931/message.h"
+#include "element_registry.h"
+#include "output_writer.h"
+#include "q931_message.h"
 
 namespace velmora::testing {
 

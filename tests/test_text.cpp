@@ -1,8 +1,8 @@
 // The shared line forms and octet-field helpers every decoder prints with.
 #include <gtest/gtest.h>
 
-#include "q931/common_tables.h"
-#include "q931/text.h"
+#include "common_tables.h"
+#include "field_text.h"
 #include "test_support.h"
 
 namespace velmora {

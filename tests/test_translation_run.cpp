@@ -5,8 +5,8 @@
 #include <filesystem>
 #include <string>
 
-#include "core/translation.h"
-#include "scratch_directory.h"
+#include "trace_files.h"
+#include "translation.h"
 
 namespace velmora {
 namespace {

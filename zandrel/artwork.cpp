@@ -14,8 +14,8 @@
 #include <cstdio>
 #include <vector>
 
-#include "zandrel/resource.h"
-#include "zandrel/zandreldlg.h"
+#include "resource.h"
+#include "zandreldlg.h"
 
 namespace {
 

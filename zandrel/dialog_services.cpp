@@ -1,4 +1,4 @@
-#include "zandrel/dialog_services.h"
+#include "dialog_services.h"
 
 #include <QDir>
 #include <QFileDialog>

@@ -1,4 +1,4 @@
-#include "zandrel/dialog_template.h"
+#include "dialog_template.h"
 
 #include <QDialog>
 #include <QFontMetrics>
@@ -7,7 +7,7 @@
 #include <QPushButton>
 #include <QVariant>
 
-#include "zandrel/resource.h"
+#include "resource.h"
 
 // Resources of a static library are registered by name from outside any
 // namespace; doing it here keeps the icon working for every user of the library.

@@ -1,4 +1,4 @@
-#include "zandrel/zandrel.h"
+#include "zandrel.h"
 
 int main(int argc, char** argv) {
   CZandrelApp app(argc, argv);

@@ -1,7 +1,8 @@
-#include "zandrel/zandrel.h"
+#include "zandrel.h"
 
-#include "zandrel/dialog_template.h"
-#include "zandrel/zandreldlg.h"
+#include "dialog_template.h"
+#include "velmora_version.h"
+#include "zandreldlg.h"
 
 CZandrelApp::CZandrelApp(int& argc, char** argv) : QApplication(argc, argv) {
   setApplicationName(QStringLiteral("zandrel"));

@@ -1,4 +1,4 @@
-#include "zandrel/zandreldlg.h"
+#include "zandreldlg.h"
 
 #include <QAction>
 #include <QDir>
@@ -12,9 +12,9 @@
 #include <QUrl>
 #include <string_view>
 
-#include "zandrel/dialog_services.h"
-#include "zandrel/dialog_template.h"
-#include "zandrel/resource.h"
+#include "dialog_services.h"
+#include "dialog_template.h"
+#include "resource.h"
 
 #ifdef Q_OS_WIN
 #ifndef WIN32_LEAN_AND_MEAN

@@ -5,7 +5,7 @@
 #include <QIcon>
 #include <QString>
 
-#include "core/translation.h"
+#include "translation.h"
 
 class QLineEdit;
 

@@ -6,8 +6,8 @@
 #include <optional>
 #include <vector>
 
-#include "zandrel/dialog_services.h"
-#include "zandrel/zandreldlg.h"
+#include "dialog_services.h"
+#include "zandreldlg.h"
 
 struct ShownDialog final : zandrel::DialogServices {
   using Answer = std::optional<QString>;

@@ -5,10 +5,10 @@
 #include <QTimer>
 #include <functional>
 
+#include "dialog_template.h"
 #include "dialog_test_support.h"
-#include "zandrel/dialog_template.h"
-#include "zandrel/resource.h"
-#include "zandrel/zandrel.h"
+#include "resource.h"
+#include "zandrel.h"
 
 #ifdef Q_OS_WIN
 #include <windows.h>

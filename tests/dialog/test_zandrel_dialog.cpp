@@ -11,7 +11,7 @@
 #include <thread>
 
 #include "dialog_test_support.h"
-#include "zandrel/resource.h"
+#include "resource.h"
 
 namespace {
 

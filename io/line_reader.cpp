@@ -1,4 +1,4 @@
-#include "core/line_reader.h"
+#include "line_reader.h"
 
 #include <unistd.h>
 

@@ -1,4 +1,4 @@
-#include "core/parallel_run.h"
+#include "parallel_run.h"
 
 #include <unistd.h>
 
@@ -12,10 +12,10 @@
 #include <thread>
 #include <vector>
 
-#include "core/decode_context.h"
-#include "core/lapd.h"
-#include "core/line_scanner.h"
-#include "core/pieces.h"
+#include "decode_context.h"
+#include "lapd.h"
+#include "line_scanner.h"
+#include "pieces.h"
 
 namespace velmora {
 

@@ -1,6 +1,6 @@
-#include "core/line_scanner.h"
+#include "line_scanner.h"
 
-#include "core/lapd.h"
+#include "lapd.h"
 
 namespace velmora {
 

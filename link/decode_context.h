@@ -6,7 +6,7 @@
 #include <cstdint>
 #include <vector>
 
-#include "core/output_writer.h"
+#include "output_writer.h"
 
 namespace velmora {
 

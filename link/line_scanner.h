@@ -5,8 +5,8 @@
 #include <cstddef>
 #include <string_view>
 
-#include "core/decode_context.h"
-#include "core/octet.h"
+#include "decode_context.h"
+#include "octet.h"
 
 namespace velmora {
 

@@ -3,9 +3,9 @@
 #include <span>
 #include <string_view>
 
-#include "core/octet.h"
-#include "core/output_writer.h"
-#include "elements/element_registry.h"
+#include "element_registry.h"
+#include "octet.h"
+#include "output_writer.h"
 
 namespace velmora {
 

@@ -1,5 +1,5 @@
-#include "q931/element.h"
-#include "q931/text.h"
+#include "element_octets.h"
+#include "field_text.h"
 
 namespace velmora {
 

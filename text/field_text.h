@@ -6,8 +6,8 @@
 #include <span>
 #include <string_view>
 
-#include "core/octet.h"
-#include "core/output_writer.h"
+#include "octet.h"
+#include "output_writer.h"
 
 namespace velmora {
 
@@ -61,11 +61,12 @@ void PrintCodedValue(OutputWriter& out, std::string_view name, std::uint32_t val
                      std::string_view meaning, Indent indent = Indent::Field);
 
 // A coded field of an octet: its name, its bits (highBit to lowBit) and the
-// table of its meanings, stated once, together.
+// table of its meanings, stated once, together. An empty CodedField{} is the
+// whole octet with no meanings, which prints nothing.
 struct CodedField {
   std::string_view name;
-  unsigned highBit;
-  unsigned lowBit;
+  unsigned highBit = 8;
+  unsigned lowBit = 1;
   ValueTable meanings;
 
   constexpr unsigned Width() const { return highBit - lowBit + 1; }

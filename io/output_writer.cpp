@@ -1,4 +1,4 @@
-#include "core/output_writer.h"
+#include "output_writer.h"
 
 #include <unistd.h>
 

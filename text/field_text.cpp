@@ -1,4 +1,4 @@
-#include "q931/text.h"
+#include "field_text.h"
 
 namespace velmora {
 

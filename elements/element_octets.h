@@ -5,8 +5,8 @@
 #include <cstdint>
 #include <optional>
 
-#include "core/octet.h"
-#include "core/output_writer.h"
+#include "octet.h"
+#include "output_writer.h"
 
 namespace velmora {
 

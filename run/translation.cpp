@@ -1,4 +1,4 @@
-#include "core/translation.h"
+#include "translation.h"
 
 #include <fcntl.h>
 #include <sys/stat.h>
@@ -7,10 +7,10 @@
 #include <cerrno>
 #include <string>
 
-#include "core/decode_context.h"
-#include "core/line_reader.h"
-#include "core/line_scanner.h"
-#include "core/parallel_run.h"
+#include "decode_context.h"
+#include "line_reader.h"
+#include "line_scanner.h"
+#include "parallel_run.h"
 
 namespace velmora {
 

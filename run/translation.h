@@ -1,6 +1,6 @@
 #pragma once
 // The translation run: the one operation behind the dialog's Translate
-// button and the velmora command. This header is the core's whole API.
+// button and the velmora command. This header is all the front ends use.
 #include <cstdint>
 #include <functional>
 #include <string_view>

@@ -7,7 +7,7 @@
 #include <optional>
 #include <string_view>
 
-#include "core/pieces.h"
+#include "pieces.h"
 
 namespace velmora {
 

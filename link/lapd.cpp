@@ -1,8 +1,8 @@
-#include "core/lapd.h"
+#include "lapd.h"
 
 #include <string_view>
 
-#include "q931/message.h"
+#include "q931_message.h"
 
 namespace velmora {
 namespace {

@@ -2,7 +2,7 @@
 // Meaning tables that several element groups print with the same wording.
 // A table that merely looks alike but words one row differently stays with
 // its own element (Cause and Call state keep their own coding standards).
-#include "q931/text.h"
+#include "field_text.h"
 
 namespace velmora {
 

@@ -4,8 +4,8 @@
 #include <cstdint>
 #include <functional>
 
-#include "core/output_writer.h"
-#include "core/translation.h"
+#include "output_writer.h"
+#include "translation.h"
 
 namespace velmora {
 

@@ -2,8 +2,8 @@
 // Q.921 (LAPD) frame kinds, told by the control field.
 #include <string_view>
 
-#include "core/decode_context.h"
-#include "core/octet.h"
+#include "decode_context.h"
+#include "octet.h"
 
 namespace velmora {
 

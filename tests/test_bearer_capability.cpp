@@ -9,8 +9,6 @@
 namespace velmora {
 namespace {
 
-using testing::DecodeOctets;
-
 const std::string kHeading = "Bearer capability\n";
 const std::string kCoding = "\t\tCoding standard=00  ITU-T standardized coding\n";
 const std::string kSpeechCap = "\t\tInformation transfer capability=00000  Speech\n";

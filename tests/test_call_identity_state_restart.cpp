@@ -22,6 +22,7 @@ TEST(CallIdentityStateRestart, DecodesEachElement) {
        "Call state\n" + kItuCoding + "\t\tGlobal interface state value=111101  REST1-Restart request\n"},
       // 000101 names no state: the coding standard line alone.
       {{0x14, 0x01, 0x85}, "Call state\n\t\tCoding standard=10  National standard\n"},
+      {{0x79, 0x01, 0x87}, "Restart indicator\n\t\tClass=111  All interfaces\n"},
       {{0x79, 0x01, 0x83}, "Restart indicator\n"},
       // L = 0, or a frame ending at the length octet: the heading alone, the count still L + 2.
       {{0x10, 0x00, 0x0A}, "Call identity\n"},
@@ -32,14 +33,6 @@ TEST(CallIdentityStateRestart, DecodesEachElement) {
       {{0x79, 0x02}, "Restart indicator\n"},
   };
   testing::ExpectDecodes(cases);
-}
-
-TEST(CallIdentityStateRestart, AsCarriedInStatusAndRestart) {
-  const std::vector<Octet> status{0x7D, 0x14, 0x01, 0x0A, 0x28, 0x02, 0x41, 0x42};
-  EXPECT_EQ(testing::Walked(status), "\tInformation element:Call state\n" + kItuCoding + kActive +
-                                         "\tInformation element:Display\n\t\tDisplay information(IA5)= 0x41 0x42\n");
-  const std::vector<Octet> restart{0x46, 0x79, 0x01, 0x87};
-  EXPECT_EQ(testing::Walked(restart), "\tInformation element:Restart indicator\n\t\tClass=111  All interfaces\n");
 }
 
 }  // namespace velmora

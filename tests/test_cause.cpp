@@ -10,7 +10,6 @@ namespace velmora {
 namespace {
 
 using testing::CaptureOutput;
-using testing::DecodeOctets;
 
 const std::string kItu = "Cause\n\t\tCoding standard=00  ITU-T standardized coding\n";
 const std::string kItuUser = kItu + "\t\tLocation=0000  user (U)\n";
@@ -80,19 +79,6 @@ TEST(Cause, DecodesOctets3To4UpToTheElementsAndTheFramesEnd) {
            "parameter name\n\t\t\tDiagnostic field= 0x1 0x2\n"},
   };
   testing::ExpectDecodes(cases);
-}
-
-TEST(Cause, ReleaseCompleteWalksPastEachCause) {
-  // Two Cause elements: the walk moves on by each one's count.
-  const std::vector<Octet> message{0x08, 0x01, 0x81, 0x5A,               // header
-                                   0x08, 0x03, 0x80, 0x90, 0x8A,         // normal call clearing
-                                   0x08, 0x04, 0x02, 0x80, 0x91, 0x02};  // user busy
-  EXPECT_EQ(CaptureOutput([&](OutputWriter& out) { DecodeQ931Message(out, OctetSpan(message)); }),
-            "Message type:RELEASE COMPLETE\n\tInformation element:" + kClearing +
-                "\t\tDiagnostics: Coding of condition\n\t\t\tBit 4=1  Network service - User\n"
-                "\t\t\tBit 3=0  Normal\n\t\t\tBits 2-1=10  Transient\n"
-                "\tInformation element:" +
-                kBusy + "\t\tDiagnostics: Coding of CCBS indicator\n\t\t\tBits 8-1=00000010  CCBS not possible\n");
 }
 
 }  // namespace

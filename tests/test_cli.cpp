@@ -10,20 +10,14 @@
 
 #include "trace_files.h"
 
+namespace velmora::testing {
 namespace {
 
-using Cli = velmora::testing::ScratchDirectoryTest;
-
-std::string FrameLine(const char* control) {
-  std::string line = "00001 10:00:00.000 **** D-CH RX HDLC:3  | 0x00 0x81 0x";
-  line += control;
-  return line + std::string(90 - line.size(), ' ') + "\n";
-}
-const std::string kSabme = "ISDN Layer 2: SABME(set asynchronous balanced mode extended), Request to establish link\n";
+using Cli = ScratchDirectoryTest;
 
 TEST_F(Cli, ReaderThatGoesAwayIsAWriteFailureNotASilentDeath) {
   std::string big;
-  while (big.size() < 4 * 1024 * 1024) big += FrameLine("01");
+  while (big.size() < 4 * 1024 * 1024) big += FrameLine("0x00 0x81 0x01");
   Write("big.txt", big);
   const std::string command = std::string("set -o pipefail; ") + VELMORA_CLI_PATH + " " + Path("big.txt") + " - 2>" +
                               Path("stderr") + " | head -c 10 >/dev/null";
@@ -40,12 +34,13 @@ TEST_F(Cli, FilterAnswersEachLineBeforeTheInputEnds) {
       ("bash -c 'set -o pipefail; " + std::string(VELMORA_CLI_PATH) + " -q - - | cat >" + Path("stdout") + "'").c_str(),
       "w");
   ASSERT_NE(input, nullptr);
-  const std::string wanted = FrameLine("7f") + kSabme;
-  std::fputs(FrameLine("7f").c_str(), input);
+  const std::string sabme = FrameLine("0x00 0x81 0x7f");
+  std::fputs(sabme.c_str(), input);
   std::fflush(input);
-  for (int tries = 0; tries < 500 && Read("stdout") != wanted; ++tries) ::usleep(10000);
-  EXPECT_EQ(Read("stdout"), wanted);
+  for (int tries = 0; tries < 500 && Read("stdout") != sabme + kSabmeText; ++tries) ::usleep(10000);
+  EXPECT_EQ(Read("stdout"), sabme + kSabmeText);
   EXPECT_EQ(::pclose(input), 0);
 }
 
 }  // namespace
+}  // namespace velmora::testing

@@ -25,17 +25,12 @@ namespace fs = std::filesystem;
 const std::string kCannotOpenInput = "Cannot open Input log file!\n";
 const std::string kCannotOpenOutput = "Cannot open output message file!\n";
 const std::string kSameFile = "The output message file is as same as the input log file.\nPlease select them again!\n";
-const std::string kUaEstablished =
-    "ISDN Layer 2: UA(unnumbered acknowledgement), Acknowledge to SABME, link established\n";
+
 const std::string kNothingUseful = "The input log file contains no useful information!\n";
 const std::string kDoneText = "Translation is done!";
-const std::string kSabme = "ISDN Layer 2: SABME(set asynchronous balanced mode extended), Request to establish link\n";
-
-// A frame line with octets 0x00 0x81 and `control`, padded to 90 characters with its line end.
-std::string FrameLine(const char* control = "7f") {
-  const std::string line = "00001 2026-03-14 10:00:00.000 **** D-CH TX HDLC:3  | 0x00 0x81 0x" + std::string(control);
-  return line + std::string(89 - line.size(), ' ') + "\n";
-}
+using velmora::testing::kSabmeText;
+const std::string kSabmeLine = velmora::testing::FrameLine("0x00 0x81 0x7f");
+const std::string kUaLine = velmora::testing::FrameLine("0x00 0x81 0x73");
 
 struct Finished {
   int status = -1;
@@ -55,8 +50,8 @@ class ErrorPaths : public velmora::testing::ScratchDirectoryTest {
 };
 
 TEST_F(ErrorPaths, UsageAndOutcomes) {
-  Write("frames.txt", FrameLine());
-  Write("ua.txt", FrameLine("73"));
+  Write("frames.txt", kSabmeLine);
+  Write("ua.txt", kUaLine);
   struct Case {
     std::string args;
     int status;
@@ -84,14 +79,14 @@ TEST_F(ErrorPaths, UsageAndOutcomes) {
       EXPECT_EQ(run.err, c.err);
     }
   }
-  EXPECT_EQ(Read("out.txt"), FrameLine() + kSabme);
-  EXPECT_EQ(Read("o2.txt"), FrameLine("73") + kUaEstablished);
+  EXPECT_EQ(Read("out.txt"), kSabmeLine + kSabmeText);
+  EXPECT_EQ(Read("o2.txt"), kUaLine + velmora::testing::kUaAfterSabmeText);
   EXPECT_NE(Velmora("--help").out.find("Usage: velmora"), std::string::npos);
   EXPECT_EQ(Velmora("--version").out, "velmora 1.0.0.1\n");
 }
 
 TEST_F(ErrorPaths, OpenFailures) {
-  Write("frames.txt", FrameLine());
+  Write("frames.txt", kSabmeLine);
   fs::create_directories(dir_ / "folder");
   fs::create_symlink(Path("frames.txt"), Path("link.txt"));
   fs::create_hard_link(Path("frames.txt"), Path("hard.txt"));
@@ -118,21 +113,17 @@ TEST_F(ErrorPaths, OpenFailures) {
       {"frames.txt folder", 73, kCannotOpenOutput},
       {"frames.txt frames.txt/out.txt", 73, kCannotOpenOutput},
       {"frames.txt socket", 73, kCannotOpenOutput},
-      // One file under two spellings.
-      {Path("frames.txt") + " " + dir_.string() + "//frames.txt", 64, kSameFile},
-      {Path("frames.txt") + " " + dir_.string() + "/./frames.txt", 64, kSameFile},
-      {"frames.txt link.txt", 64, kSameFile},
+      // One file under two spellings, or two names.
+      {"./frames.txt ../" + dir_.filename().string() + "//frames.txt", 64, kSameFile},
       {"link.txt frames.txt", 64, kSameFile},
       {"frames.txt hard.txt", 64, kSameFile},
-      {"frames.txt " + Path("frames.txt"), 64, kSameFile},
-      {"./frames.txt ../" + dir_.filename().string() + "/frames.txt", 64, kSameFile},
   };
   for (const Case& c : cases) {
     SCOPED_TRACE(c.args.substr(0, 120));
     const Finished run = Velmora(c.args);
     EXPECT_EQ(run.status, c.status);
     EXPECT_EQ(run.err, c.err);
-    EXPECT_EQ(Read("frames.txt"), FrameLine());
+    EXPECT_EQ(Read("frames.txt"), kSabmeLine);
     EXPECT_FALSE(fs::exists(Path("out.txt")));
     EXPECT_FALSE(fs::exists(Path("nowhere")));
   }
@@ -140,8 +131,8 @@ TEST_F(ErrorPaths, OpenFailures) {
 }
 
 TEST_F(ErrorPaths, FilesWithoutPermission) {
-  Write("frames.txt", FrameLine());
-  Write("locked.txt", FrameLine());
+  Write("frames.txt", kSabmeLine);
+  Write("locked.txt", kSabmeLine);
   fs::permissions(Path("locked.txt"), fs::perms::none);
   Write("readonly.txt", "earlier results\n");
   fs::permissions(Path("readonly.txt"), fs::perms::owner_read | fs::perms::group_read | fs::perms::others_read);
@@ -167,7 +158,7 @@ TEST_F(ErrorPaths, FilesWithoutPermission) {
 TEST_F(ErrorPaths, ReadAndWriteFailuresNeverClaimSuccess) {
   // Opening a process's own memory works; reading its first page fails (EIO).
   // Quiet mode hides success only.
-  Write("frames.txt", FrameLine());
+  Write("frames.txt", kSabmeLine);
   for (const std::string quiet : {"", "-q "}) {
     const Finished run = Velmora(quiet + "/proc/self/mem out.txt");
     EXPECT_EQ(run.status, 74);
@@ -195,8 +186,8 @@ TEST_F(ErrorPaths, FullDeviceIsAnIoErrorWhateverTheSizeOrStream) {
   // One line, and enough lines to fill the writer's buffer many times over,
   // translated by one thread and by several, to a file and to standard output.
   std::string many;
-  while (many.size() < 6 * 1024 * 1024) many += FrameLine();
-  Write("one.txt", FrameLine());
+  while (many.size() < 6 * 1024 * 1024) many += kSabmeLine;
+  Write("one.txt", kSabmeLine);
   Write("many.txt", many);
   struct Case {
     std::string args;
@@ -219,7 +210,7 @@ TEST_F(ErrorPaths, FullDeviceIsAnIoErrorWhateverTheSizeOrStream) {
   // A failed pair keeps its status; the pairs after it still run.
   const Finished run = Velmora("one.txt /dev/full one.txt out.txt");
   EXPECT_EQ(run.status, 74);
-  EXPECT_EQ(Read("out.txt"), FrameLine() + kSabme);
+  EXPECT_EQ(Read("out.txt"), kSabmeLine + kSabmeText);
   EXPECT_NE(run.err.find("one.txt: " + kDoneText), std::string::npos) << run.err;
   EXPECT_EQ(run.err.find(kDoneText), run.err.rfind(kDoneText)) << "only the second pair is done";
 }
@@ -253,7 +244,7 @@ TEST_F(ErrorPaths, EmptyCutOffAndOddInputByFileAndThroughStandardInput) {
       {"plain", "first\nsecond % line\nthird without end", 1, "first\nsecond % line\nthird without end"},
       {"empty", "", 1, ""},
       {"binary", binary, 1, binary},
-      {"absurd", absurd, 0, absurd + kSabme},
+      {"absurd", absurd, 0, absurd + kSabmeText},
   };
   for (const Case& c : cases) {
     SCOPED_TRACE(c.name);
@@ -280,8 +271,8 @@ TEST_F(ErrorPaths, GigabyteLineThroughAPipeInConstantMemory) {
   std::string unit = "00001 2026-03-14 10:00:00.000 **** D-CH TX HDLC:3  | 0x00 0x81 0x7f";
   unit += std::string(kPiece - unit.size(), '.');
   const std::size_t tailSize = kTotal % kPiece;
-  const std::string tail = unit.substr(0, tailSize) + (tailSize >= 80 ? kSabme : "");
-  const std::string period = unit + kSabme;  // `yes` adds its line end
+  const std::string tail = unit.substr(0, tailSize) + (tailSize >= 80 ? kSabmeText : "");
+  const std::string period = unit + kSabmeText;  // `yes` adds its line end
   const std::uint64_t periods = kTotal / kPiece * period.size();
   FILE* source = ::popen(("yes '" + unit + "' | tr -d '\\n' | head -c " + std::to_string(kTotal)).c_str(), "r");
   FILE* check = ::popen(("bash -c \"cmp - <({ yes '" + period.substr(0, period.size() - 1) + "' | head -c " +

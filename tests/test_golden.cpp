@@ -1,72 +1,54 @@
 // Whole traces: every NAME.in.txt in tests/data is translated and compared
-// byte for byte with NAME.expected.txt, written by hand. The traces run in
-// name order in one process with the link memory cleared before each.
+// byte for byte with NAME.expected.txt, written by hand. Each trace starts
+// with a link memory of its own.
 #include <gtest/gtest.h>
 
 #include <algorithm>
 #include <filesystem>
-#include <fstream>
-#include <sstream>
 #include <string>
 #include <vector>
 
+#include "trace_files.h"
 #include "translation.h"
 
-namespace velmora {
+namespace velmora::testing {
 namespace {
 
 namespace fs = std::filesystem;
 
-std::string ReadAll(const fs::path& path) {
-  std::ifstream in(path, std::ios::binary);
-  std::ostringstream text;
-  text << in.rdbuf();
-  return text.str();
-}
-
-std::vector<fs::path> GoldenInputs() {
-  std::vector<fs::path> inputs;
+// The NAMEs, made of letters, digits and underscores.
+std::vector<std::string> GoldenNames() {
+  std::vector<std::string> names;
   for (const auto& entry : fs::directory_iterator(VELMORA_TEST_DATA)) {
-    const std::string name = entry.path().filename().string();
-    if (name.size() > 7 && name.ends_with(".in.txt")) inputs.push_back(entry.path());
+    const std::string file = entry.path().filename().string();
+    if (file.ends_with(".in.txt")) names.push_back(file.substr(0, file.size() - 7));
   }
-  std::sort(inputs.begin(), inputs.end());
-  return inputs;
+  std::sort(names.begin(), names.end());
+  return names;
 }
 
-class Golden : public ::testing::TestWithParam<fs::path> {};
+class Golden : public ::testing::TestWithParam<std::string> {};
 
 TEST_P(Golden, OutputMatchesTheHandWrittenExpectation) {
-  const fs::path input = GetParam();
-  std::string stem = input.filename().string();
-  stem.resize(stem.size() - 7);
-  const fs::path expected = input.parent_path() / (stem + ".expected.txt");
-  ASSERT_TRUE(fs::exists(expected)) << expected;
-  const fs::path output = fs::temp_directory_path() / ("velmora_golden_" + stem + ".txt");
-
+  const fs::path data = VELMORA_TEST_DATA;
+  const fs::path output = fs::temp_directory_path() / ("velmora_golden_" + GetParam() + ".txt");
   LinkMemory link;
-  const TranslationOutcome outcome = TranslateTraceFile(input.string(), output.string(), link);
-  EXPECT_EQ(outcome, TranslationOutcome::TranslationDone);
+  EXPECT_EQ(TranslateTraceFile((data / (GetParam() + ".in.txt")).string(), output.string(), link),
+            TranslationOutcome::TranslationDone);
   const std::string actual = ReadAll(output);
-  const std::string wanted = ReadAll(expected);
-  if (actual != wanted) {
-    const auto [a, w] = std::mismatch(actual.begin(), actual.end(), wanted.begin(), wanted.end());
-    const std::size_t at = static_cast<std::size_t>(a - actual.begin());
-    const std::size_t lineStart = actual.rfind('\n', at == 0 ? 0 : at - 1);
-    ADD_FAILURE() << stem << ": first difference at byte " << at
-                  << "\n  actual:   " << actual.substr(lineStart + 1, 160)
-                  << "\n  expected: " << wanted.substr(lineStart + 1, 160);
-  }
+  const std::string wanted = ReadAll(data / (GetParam() + ".expected.txt"));
+  ASSERT_FALSE(wanted.empty());
+  // The line of the first difference, rather than both texts whole.
+  const std::size_t at = static_cast<std::size_t>(
+      std::mismatch(actual.begin(), actual.end(), wanted.begin(), wanted.end()).first - actual.begin());
+  const std::size_t line = actual.rfind('\n', at == 0 ? 0 : at - 1) + 1;
+  EXPECT_TRUE(actual == wanted) << "first difference at byte " << at << "\n  actual:   " << actual.substr(line, 160)
+                                << "\n  expected: " << wanted.substr(line, 160);
   fs::remove(output);
 }
 
-INSTANTIATE_TEST_SUITE_P(Traces, Golden, ::testing::ValuesIn(GoldenInputs()), [](const auto& info) {
-  std::string name = info.param.filename().string();
-  name.resize(name.size() - 7);
-  std::replace_if(
-      name.begin(), name.end(), [](char c) { return !std::isalnum(static_cast<unsigned char>(c)); }, '_');
-  return name;
-});
+INSTANTIATE_TEST_SUITE_P(Traces, Golden, ::testing::ValuesIn(GoldenNames()),
+                         [](const auto& info) { return info.param; });
 
 }  // namespace
-}  // namespace velmora
+}  // namespace velmora::testing

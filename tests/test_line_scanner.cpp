@@ -103,9 +103,12 @@ TEST(HexCells, NeverReadsPastTheLineOrTheFrameBuffer) {
   std::string line = std::string(70, '-') + "**** HDLC 40 abc0x01 0x02\n";
   Octet frame[kFrameCapacity];
   EXPECT_EQ(ReadFrameOctets(line, frame), 2U);
-  // A cell whose low digit would be the line end is not present.
+  // A cell whose low digit would be the line end is not present, the first
+  // cell as any other.
   line = std::string(70, '-') + "**** HDLC 40 abc0x01 0x0\n";
   EXPECT_EQ(ReadFrameOctets(line, frame), 1U);
+  EXPECT_EQ(ReadFrameOctets(std::string(70, '-') + "**** HDLC 40 abc0x01\n", frame), 1U);
+  EXPECT_EQ(ReadFrameOctets(std::string(70, '-') + "**** HDLC 40 abc0x0\n", frame), 0U);
 
   // A length above the 300-octet buffer decodes the first 300 octets.
   std::string big = "**** HDLC 99999999999999999999 abc";

@@ -9,8 +9,6 @@
 namespace velmora {
 namespace {
 
-using testing::DecodeOctets;
-
 const std::string kOctet3 =
     "Low layer compatibility\n\t\tCoding standard=00  ITU-T standardized coding\n"
     "\t\tInformation transfer capability=01000  Unrestricted digital information\n";

@@ -15,12 +15,6 @@ std::string Decode(const std::vector<Octet>& message) {
   return CaptureOutput([&](OutputWriter& out) { DecodeQ931Message(out, message); });
 }
 
-// The element the walk of a message type picks for an identifier octet.
-const ElementEntry* Chosen(Octet messageType, Octet identifier) {
-  return ChooseElement(FindMessageWalk(messageType)->accepted, identifier);
-}
-const ElementEntry* const kUnknown = nullptr;
-
 TEST(Dispatch, CallReferenceLengthLocatesTheMessageType) {
   // Two-octet call reference, as on a primary-rate interface.
   EXPECT_EQ(Decode({0x08, 0x02, 0x00, 0x05, 0x7D}), "Message type:STATUS\n");
@@ -43,48 +37,37 @@ TEST(Dispatch, SetupWalkVisitsElementsByTheirCounts) {
   EXPECT_EQ(prefixes, 3U);
 }
 
-TEST(WalkRules, WholeOctetSendsSingleOctetsAndStrangersToTheDump) {
-  EXPECT_EQ(Chosen(0x5A, 0x08), FindElement(0x08));
-  EXPECT_EQ(Chosen(0x5A, 0x88), kUnknown);
-  EXPECT_EQ(Chosen(0x5A, 0x96), kUnknown);  // shift is never recognised
-  EXPECT_EQ(Chosen(0x05, 0x08), kUnknown);  // no Cause in SETUP
-  EXPECT_EQ(Chosen(0x01, 0x34), FindElement(0x34));
-  EXPECT_EQ(Chosen(0x02, 0x34), kUnknown);  // CALL PROCEEDING has no Signal
-  EXPECT_EQ(Chosen(0x7D, 0x14), FindElement(0x14));
-  EXPECT_EQ(Chosen(0x46, 0x79), FindElement(0x79));
-  EXPECT_EQ(Chosen(0x26, 0x10), FindElement(0x10));
-}
+// The element a message type's walk picks for an identifier octet: the
+// registry's entry for `picked`, or the unknown-element dump for 0.
+struct Pick {
+  Octet messageType;
+  Octet identifier;
+  Octet picked;
+};
 
-TEST(WalkRules, SetupTakesRepeatIndicatorAndSendingCompleteOnly) {
-  for (int octet = 0xD0; octet <= 0xDF; ++octet) EXPECT_EQ(Chosen(0x05, static_cast<Octet>(octet)), FindElement(0xD0));
-  EXPECT_EQ(Chosen(0x05, 0xA1), FindElement(0xA1));
-  EXPECT_EQ(Chosen(0x05, 0xA0), kUnknown);
-  EXPECT_EQ(Chosen(0x05, 0x21), kUnknown);
-  EXPECT_EQ(Chosen(0x05, 0xB0), kUnknown);
-  EXPECT_EQ(Chosen(0x05, 0x6C), FindElement(0x6C));
-  EXPECT_EQ(Chosen(0x05, 0x4A), FindElement(0x4A));
-}
-
-TEST(WalkRules, UserInformationAndInformationIgnoreBitEight) {
-  EXPECT_EQ(Chosen(0x20, 0x20), FindElement(0xA0));
-  EXPECT_EQ(Chosen(0x20, 0xA0), FindElement(0xA0));
-  EXPECT_EQ(Chosen(0x20, 0x7E), FindElement(0x7E));
-  EXPECT_EQ(Chosen(0x20, 0xFE), FindElement(0x7E));
-  EXPECT_EQ(Chosen(0x7B, 0x21), FindElement(0xA1));
-  EXPECT_EQ(Chosen(0x7B, 0xA1), FindElement(0xA1));
-  EXPECT_EQ(Chosen(0x7B, 0x88), FindElement(0x08));
-  EXPECT_EQ(Chosen(0x7B, 0xA8), FindElement(0x28));
-  EXPECT_EQ(Chosen(0x7B, 0xAC), FindElement(0x2C));
-  EXPECT_EQ(Chosen(0x7B, 0xB4), FindElement(0x34));
-  EXPECT_EQ(Chosen(0x7B, 0xF0), FindElement(0x70));
-  EXPECT_EQ(Chosen(0x7B, 0x96), kUnknown);
-}
-
-TEST(WalkRules, CongestionControlTestsBitsSevenToFiveFirst) {
-  for (const Octet octet : {0x30, 0x34, 0x3F, 0xB0, 0xBF}) EXPECT_EQ(Chosen(0x79, octet), FindElement(0xB0));
-  EXPECT_EQ(Chosen(0x79, 0x08), FindElement(0x08));
-  EXPECT_EQ(Chosen(0x79, 0x28), FindElement(0x28));
-  EXPECT_EQ(Chosen(0x79, 0xA8), kUnknown);
+TEST(WalkRules, EachRulePicksItsElementsAndSendsTheRestToTheDump) {
+  // clang-format off
+  const Pick picks[] = {
+      // Whole octet: bit 8 counts; single octets and elements the type does not take are unknown.
+      {0x5A, 0x08, 0x08}, {0x5A, 0x88, 0}, {0x5A, 0x96, 0}, {0x05, 0x08, 0}, {0x01, 0x34, 0x34}, {0x02, 0x34, 0},
+      {0x7D, 0x14, 0x14}, {0x46, 0x79, 0x79}, {0x26, 0x10, 0x10},
+      // SETUP: Repeat indicator 1101xxxx and Sending complete, no other single octet.
+      {0x05, 0xD0, 0xD0}, {0x05, 0xDF, 0xD0}, {0x05, 0xA1, 0xA1}, {0x05, 0xA0, 0}, {0x05, 0x21, 0}, {0x05, 0xB0, 0},
+      {0x05, 0x6C, 0x6C}, {0x05, 0x4A, 0x4A},
+      // USER INFORMATION and INFORMATION: bit 8 is ignored.
+      {0x20, 0x20, 0xA0}, {0x20, 0xA0, 0xA0}, {0x20, 0x7E, 0x7E}, {0x20, 0xFE, 0x7E}, {0x7B, 0x21, 0xA1},
+      {0x7B, 0xA1, 0xA1}, {0x7B, 0x88, 0x08}, {0x7B, 0xA8, 0x28}, {0x7B, 0xAC, 0x2C}, {0x7B, 0xB4, 0x34},
+      {0x7B, 0xF0, 0x70}, {0x7B, 0x96, 0},
+      // CONGESTION CONTROL: bits 7-5 of 011 first, whatever bit 8 says.
+      {0x79, 0x30, 0xB0}, {0x79, 0x34, 0xB0}, {0x79, 0x3F, 0xB0}, {0x79, 0xB0, 0xB0}, {0x79, 0xBF, 0xB0},
+      {0x79, 0x08, 0x08}, {0x79, 0x28, 0x28}, {0x79, 0xA8, 0},
+  };
+  // clang-format on
+  for (const Pick& pick : picks) {
+    SCOPED_TRACE(::testing::Message() << std::hex << int{pick.messageType} << " " << int{pick.identifier});
+    const ElementEntry* chosen = ChooseElement(FindMessageWalk(pick.messageType)->accepted, pick.identifier);
+    EXPECT_EQ(chosen, pick.picked == 0 ? nullptr : FindElement(pick.picked));
+  }
 }
 
 TEST(WalkRules, SegmentShowsNoElementWhateverFollows) {

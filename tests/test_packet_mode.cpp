@@ -30,6 +30,20 @@ TEST(PacketMode, DecodesEachElement) {
        "End-to-end transit delay\n\t\tCumulative transit delay value= 0 ms\n"
        "\t\tRequested end-to-end transit delay value= 1 ms\n"
        "\t\tMaximum end-to-end transit delay value= 65535 ms\n"},
+      // The requested value needs L of 4 or more, the maximum 7 or more, even
+      // when the frame holds their octets behind the element.
+      {{0x42, 0x03, 0x01, 0x02, 0x03, 0x00, 0x01, 0x64},
+       "End-to-end transit delay\n\t\tCumulative transit delay value= 16643 ms\n"},
+      {{0x42, 0x04, 0x01, 0x02, 0x03, 0x00, 0x01, 0x64},
+       "End-to-end transit delay\n\t\tCumulative transit delay value= 16643 ms\n"
+       "\t\tRequested end-to-end transit delay value= 228 ms\n"},
+      {{0x42, 0x06, 0x00, 0x00, 0x00, 0x00, 0x00, 0x01, 0x83, 0xFF, 0xFF},
+       "End-to-end transit delay\n\t\tCumulative transit delay value= 0 ms\n"
+       "\t\tRequested end-to-end transit delay value= 1 ms\n"},
+      {{0x42, 0x07, 0x00, 0x00, 0x00, 0x00, 0x00, 0x01, 0x83, 0xFF, 0xFF},
+       "End-to-end transit delay\n\t\tCumulative transit delay value= 0 ms\n"
+       "\t\tRequested end-to-end transit delay value= 1 ms\n"
+       "\t\tMaximum end-to-end transit delay value= 65535 ms\n"},
       {{0x43, 0x03, 0x00, 0x3E, 0x40},
        "Transit delay selection and indication\n\t\tTransit delay selection and indication value= 8000 ms\n"},
       // A short element reads the value behind it, up to the frame end.

@@ -2,32 +2,25 @@
 // writes, whatever lands on either side of a chunk boundary.
 #include <gtest/gtest.h>
 
-#include <filesystem>
-#include <fstream>
+#include <algorithm>
 #include <random>
-#include <sstream>
 #include <string>
 
+#include "trace_files.h"
 #include "translation.h"
 
-namespace velmora {
+namespace velmora::testing {
 namespace {
 
-namespace fs = std::filesystem;
+using ParallelRun = ScratchDirectoryTest;
 
-std::string FrameLine(const std::string& cells, int octets) {
-  std::string line = "00042 09:00:00.000 **** D-CH RX HDLC:" + std::to_string(octets) + "  | " + cells;
-  if (line.size() < 84) line += std::string(84 - line.size(), ' ');
-  return line + "\n";
-}
-const std::string kSabme = FrameLine("0x00 0x81 0x7f ", 3);
-const std::string kDisc = FrameLine("0x00 0x81 0x53 ", 3);
-const std::string kUa = FrameLine("0x00 0x81 0x73 ", 3);
+const std::string kSabme = FrameLine("0x00 0x81 0x7f");
+const std::string kDisc = FrameLine("0x00 0x81 0x53");
+const std::string kUa = FrameLine("0x00 0x81 0x73");
 const std::string kSetup = FrameLine(
-    "0x00 0x81 0x00 0x00 0x08 0x01 0x05 0x05 0xa1 0x04 0x03 0x80 0x90 0xa3 0x18 0x01 0x83 "
-    "0x70 0x04 0x81 0x31 0x32 0x33 ",
-    23);
-const std::string kRelease = FrameLine("0x02 0x81 0x02 0x02 0x08 0x01 0x85 0x5a 0x08 0x02 0x80 0x90 ", 12);
+    "0x00 0x81 0x00 0x00 0x08 0x01 0x05 0x05 0xa1 0x04 0x03 0x80 0x90 0xa3 0x18 0x01 0x83 0x70 0x04 0x81 0x31 0x32 "
+    "0x33");
+const std::string kRelease = FrameLine("0x02 0x81 0x02 0x02 0x08 0x01 0x85 0x5a 0x08 0x02 0x80 0x90");
 
 // Several megabytes of trace: link frames now dense, now many chunks apart,
 // lines longer than a piece and longer than a chunk, NUL bytes, and a last
@@ -66,62 +59,42 @@ std::string BuildTrace(unsigned seed) {
   return trace;
 }
 
-std::string ReadAll(const fs::path& path) {
-  std::ifstream in(path, std::ios::binary);
-  std::ostringstream text;
-  text << in.rdbuf();
-  return text.str();
-}
-
-TEST(ParallelRun, OutputAndLinkMemoryMatchTheSingleThreadedRun) {
-  const fs::path dir = fs::temp_directory_path() / ("velmora_parallel_" + std::to_string(::getpid()));
-  fs::create_directories(dir);
+TEST_F(ParallelRun, OutputAndLinkMemoryMatchTheSingleThreadedRun) {
   for (const unsigned seed : {1U, 2U}) {
-    const fs::path input = dir / "trace.txt";
-    std::ofstream(input, std::ios::binary) << BuildTrace(seed);
-
-    for (const bool startState : {false, true}) {
-      LinkMemory singleLink{startState};
-      ASSERT_EQ(TranslateTraceFile(input.string(), (dir / "single.txt").string(), singleLink),
+    Write("trace.txt", BuildTrace(seed));
+    for (const bool setupPending : {false, true}) {
+      LinkMemory singleLink{setupPending};
+      ASSERT_EQ(TranslateTraceFile(Path("trace.txt"), Path("single.txt"), singleLink),
                 TranslationOutcome::TranslationDone);
-      const std::string expected = ReadAll(dir / "single.txt");
-      ASSERT_GT(expected.size(), fs::file_size(input));
-
+      const std::string expected = Read("single.txt");
       for (const unsigned jobs : {2U, 3U, 7U}) {
-        LinkMemory parallelLink{startState};
+        SCOPED_TRACE("seed " + std::to_string(seed) + ", jobs " + std::to_string(jobs) + ", setup pending " +
+                     std::to_string(setupPending));
+        LinkMemory parallelLink{setupPending};
         TranslationOptions parallel;
         parallel.jobs = jobs;
-        ASSERT_EQ(TranslateTraceFile(input.string(), (dir / "parallel.txt").string(), parallelLink, parallel),
+        ASSERT_EQ(TranslateTraceFile(Path("trace.txt"), Path("parallel.txt"), parallelLink, parallel),
                   TranslationOutcome::TranslationDone);
-        EXPECT_EQ(parallelLink.setupPending, singleLink.setupPending) << "jobs " << jobs;
-        const std::string actual = ReadAll(dir / "parallel.txt");
-        if (actual != expected) {
-          std::size_t at = 0;
-          while (at < actual.size() && at < expected.size() && actual[at] == expected[at]) ++at;
-          ADD_FAILURE() << "seed " << seed << " jobs " << jobs << " start " << startState
-                        << ": outputs differ from byte " << at << " (sizes " << actual.size() << ", " << expected.size()
-                        << ")";
-        }
+        EXPECT_EQ(parallelLink.setupPending, singleLink.setupPending);
+        const std::string actual = Read("parallel.txt");
+        // The first difference, rather than megabytes of both.
+        const auto [differs, _] = std::mismatch(actual.begin(), actual.end(), expected.begin(), expected.end());
+        EXPECT_TRUE(actual == expected) << "outputs differ from byte " << (differs - actual.begin());
       }
     }
   }
-  fs::remove_all(dir);
 }
 
-TEST(ParallelRun, FileWithoutFramesStaysNoFrameFound) {
-  const fs::path dir = fs::temp_directory_path() / ("velmora_parallel_plain_" + std::to_string(::getpid()));
-  fs::create_directories(dir);
+TEST_F(ParallelRun, FileWithoutFramesStaysNoFrameFound) {
   std::string text;
   while (text.size() < 5 * 1024 * 1024) text += "a line without any frame in it at all\n";
-  std::ofstream(dir / "in.txt", std::ios::binary) << text;
+  Write("in.txt", text);
   LinkMemory link;
   TranslationOptions parallel;
   parallel.jobs = 2;
-  EXPECT_EQ(TranslateTraceFile((dir / "in.txt").string(), (dir / "out.txt").string(), link, parallel),
-            TranslationOutcome::NoFrameFound);
-  EXPECT_EQ(ReadAll(dir / "out.txt"), text);
-  fs::remove_all(dir);
+  EXPECT_EQ(TranslateTraceFile(Path("in.txt"), Path("out.txt"), link, parallel), TranslationOutcome::NoFrameFound);
+  EXPECT_TRUE(Read("out.txt") == text);
 }
 
 }  // namespace
-}  // namespace velmora
+}  // namespace velmora::testing

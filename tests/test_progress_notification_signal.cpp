@@ -30,19 +30,4 @@ TEST(ProgressNotificationSignal, DecodesEachElement) {
   testing::ExpectDecodes(cases);
 }
 
-TEST(ProgressNotificationSignal, AlertingWithRingbackFromTheNetwork) {
-  // ALERTING: channel B1, in-band information, ring back tone.
-  const std::vector<Octet> message{0x08, 0x01, 0x81, 0x01, 0x18, 0x01, 0x89, 0x1E, 0x02, 0x82, 0x88, 0x34, 0x01, 0x01};
-  EXPECT_EQ(testing::CaptureOutput([&](OutputWriter& out) { DecodeQ931Message(out, message); }),
-            "Message type:ALERTING\n\tInformation element:Channel identification\n"
-            "\t\tInterface identifier present=0  Interface implicitly identified\n"
-            "\t\tInterface type=0  Basic interface\n"
-            "\t\tPreferred/Exclusive=1  Exclusive; only the indicated channel is acceptable\n"
-            "\t\tD-channel indicator=0  The channel identified is not the D-channel\n"
-            "\t\tInformation channel selection=01  B1 channel\n\tInformation element:Progress indicator\n"
-            "\t\tCoding standard=00  ITU-T standardized coding\n"
-            "\t\tLocation=0010  Public network serving the local user\n" +
-                kInBand + "\tInformation element:Signal\n\t\tSignal value=00000001  Ring back tone on\n");
-}
-
 }  // namespace velmora

@@ -13,14 +13,8 @@ namespace {
 
 namespace fs = std::filesystem;
 
+using testing::FrameLine;
 using TranslationRun = testing::ScratchDirectoryTest;
-
-// A frame line carrying octets 0x00 0x81 and the given control octet.
-std::string ControlFrameLine(const char* control) {
-  std::string line = "00001 10:00:00.000 **** D-CH RX HDLC:3  | 0x00 0x81 0x";
-  line += control;
-  return line + std::string(90 - line.size(), ' ') + "\n";
-}
 
 TEST_F(TranslationRun, PathChecksComeBeforeAnyFileIsTouched) {
   Write("in.txt", "keep me\n");
@@ -39,14 +33,12 @@ TEST_F(TranslationRun, LongLinesArriveInPiecesOf2047Characters) {
   // characters. A frame line form that fills the start of the third piece
   // is decoded behind that piece, which ends the line.
   std::string longLine(5000, 'a');
-  const std::string frame = ControlFrameLine("7f");
+  const std::string frame = FrameLine("0x00 0x81 0x7f");
   longLine.replace(4094, frame.size() - 1, frame.substr(0, frame.size() - 1));
   Write("in.txt", longLine + "\n");
   LinkMemory link;
   EXPECT_EQ(TranslateTraceFile(Path("in.txt"), Path("out.txt"), link), TranslationOutcome::TranslationDone);
-  const std::string decoded =
-      "ISDN Layer 2: SABME(set asynchronous balanced mode extended), Request to establish link\n";
-  EXPECT_EQ(Read("out.txt"), longLine + "\n" + decoded);
+  EXPECT_EQ(Read("out.txt"), longLine + "\n" + testing::kSabmeText);
 
   // A line of exactly 2047 characters plus its line end: the "\n" is a piece of its own.
   Write("in.txt", std::string(2047, 'b') + "\nnext\n");
@@ -55,13 +47,13 @@ TEST_F(TranslationRun, LongLinesArriveInPiecesOf2047Characters) {
 }
 
 TEST_F(TranslationRun, ReportCountsBytesAndWriteFailures) {
-  Write("in.txt", ControlFrameLine("01"));
+  Write("in.txt", FrameLine("0x00 0x81 0x01"));
   LinkMemory link;
   TranslationReport report;
   TranslationOptions options;
   options.report = &report;
   EXPECT_EQ(TranslateTraceFile(Path("in.txt"), Path("out.txt"), link, options), TranslationOutcome::TranslationDone);
-  EXPECT_EQ(report.bytesRead, ControlFrameLine("01").size());
+  EXPECT_EQ(report.bytesRead, FrameLine("0x00 0x81 0x01").size());
   EXPECT_EQ(report.bytesWritten, Read("out.txt").size());
   EXPECT_EQ(report.readError, 0);
   EXPECT_EQ(report.writeError, 0);

@@ -39,12 +39,4 @@ TEST(UserUser, DumpCoversExactlyTheElement) {
   EXPECT_EQ(decoded.size(), 87U + 128U * 5U + 1U);
 }
 
-TEST(UserUser, UserInformationMessageTakesTheIdentifierWithBit8Set) {
-  // USER INFORMATION matches on bits 7 to 1, so 0xFE is a User-user element too.
-  const std::vector<Octet> message{0x08, 0x01, 0x01, 0x20, 0xFE, 0x03, 0x04, 0x4F, 0x4B};
-  EXPECT_EQ(testing::CaptureOutput([&](OutputWriter& out) { DecodeQ931Message(out, message); }),
-            "Message type:USER INFORMATION\n\tInformation element:User-user\n"
-            "\t\tProtocol discriminator=00000100  IA5 characters\n\t\tUser information= 0x4f 0x4b\n");
-}
-
 }  // namespace velmora

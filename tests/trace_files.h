@@ -1,6 +1,6 @@
 #pragma once
-// A test fixture with a fresh directory of its own for files a test writes
-// and reads back, removed after the test.
+// Trace files for the run, command and golden tests: frame lines to write,
+// whole files read back, and a fresh scratch directory per test.
 #include <gtest/gtest.h>
 #include <unistd.h>
 
@@ -8,8 +8,31 @@
 #include <fstream>
 #include <sstream>
 #include <string>
+#include <string_view>
 
 namespace velmora::testing {
+
+// The file's bytes as they are; empty when it cannot be read.
+inline std::string ReadAll(const std::filesystem::path& path) {
+  std::ifstream in(path, std::ios::binary);
+  std::ostringstream text;
+  text << in.rdbuf();
+  return text.str();
+}
+
+// A frame line carrying the octet cells ("0x00 0x81 0x7f"), with their count
+// as its length field, padded to 90 characters with its line end.
+inline std::string FrameLine(std::string_view cells) {
+  std::string line = "00001 2026-03-14 10:00:00.000 **** D-CH RX HDLC:" + std::to_string((cells.size() + 1) / 5) +
+                     "  | " + std::string(cells);
+  return line + std::string(line.size() < 89 ? 89 - line.size() : 1, ' ') + "\n";
+}
+
+// The layer-2 lines of the link frames the tests use most.
+inline const std::string kSabmeText =
+    "ISDN Layer 2: SABME(set asynchronous balanced mode extended), Request to establish link\n";
+inline const std::string kUaAfterSabmeText =
+    "ISDN Layer 2: UA(unnumbered acknowledgement), Acknowledge to SABME, link established\n";
 
 class ScratchDirectoryTest : public ::testing::Test {
  protected:
@@ -26,12 +49,7 @@ class ScratchDirectoryTest : public ::testing::Test {
   void Write(const std::string& name, const std::string& text) const {
     std::ofstream(Path(name), std::ios::binary) << text;
   }
-  std::string Read(const std::string& name) const {
-    std::ifstream in(Path(name), std::ios::binary);
-    std::ostringstream text;
-    text << in.rdbuf();
-    return text.str();
-  }
+  std::string Read(const std::string& name) const { return ReadAll(dir_ / name); }
 
   std::filesystem::path dir_;
 };

@@ -23,5 +23,6 @@ struct ShownDialog final : zandrel::DialogServices {
   void ShowMessage(QWidget*, const zandrel::MessageRequest& request) override { messages.push_back(request); }
   QString Text(int id) const { return qobject_cast<QLineEdit*>(dlg.GetDlgItem(id))->text(); }
   void Type(int id, const QString& text) { QTest::keyClicks(dlg.GetDlgItem(id), text); }
+  void Set(int id, const QString& text) { qobject_cast<QLineEdit*>(dlg.GetDlgItem(id))->setText(text); }
   void Click(int id) { QTest::mouseClick(dlg.GetDlgItem(id), Qt::LeftButton); }
 };

@@ -25,17 +25,10 @@ const std::string kNotAuthorized =
     "Attribute identity\n\t\t\tAttribute number=0110001  Information transfer capability\n" +
     "\t\t\tInformation transfer capability=01000  Unrestricted digital information\n";
 const std::string kQ931 = "\t\tRecommendation=0000000  Q.931\n";
-const std::string kBusy = kItu + "\t\tLocation=0010  public network serving the local user (LN)\n" + kQ931 + kNormal +
-                          "\t\tCause Value=0001  User busy\n";
 
 TEST(Cause, DecodesOctets3To4UpToTheElementsAndTheFramesEnd) {
   const testing::ElementCase cases[] = {
-      {{0x08, 0x02, 0x80, 0x90}, kClearing},
-      {{0x08, 0x03, 0x02, 0x80, 0x91}, kBusy},
-      {{0x08, 0x03, 0x67, 0x04, 0xAA},
-       "Cause\n\t\tCoding standard=11  Standard specific to identified location\n"
-       "\t\tLocation=0111  international network (INTL)\n\t\tRecommendation=0000100  X.25\n"
-       "\t\tCause Class=010  resource unavailable\n\t\tCause Value=1010  Switching equipment congestion\n"},
+
       {{0x08, 0x02, 0xCA, 0xFF},
        "Cause\n\t\tCoding standard=10  National standard\n\t\tLocation=1010  network beyond interworking point (BI)\n"
        "\t\tCause Class=111  interworking\n\t\tCause Value=1111  Interworking, unspecified\n"},

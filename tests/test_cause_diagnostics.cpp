@@ -31,7 +31,7 @@ TEST(CauseDiagnostics, EachCodingThroughACauseValueThatSelectsIt) {
       {0x83, {0x83, 0xFF}, kProvider + "\t\t\tBit 3=0  Normal\n"},
       // Unallocated number, abnormal and permanent; bits 8-5 play no part.
       {0x81, {0xF5}, kProvider + "\t\t\tBit 3=1  Abnormal\n\t\t\tBits 2-1=01  Permanent\n"},
-      // CCBS not possible: see the Cause element's message walk.
+      // CCBS indicators: named values, else spare below 0x80 and national from it.
       {0x91, {0x01}, kCcbs + "00000001  CCBS possible\n"},
       {0x91, {0x80}, kCcbs + "0x80  Spare for national use\n"},
       {0x91, {0x7F, 0x01}, kCcbs + "0x7f  Spare\n"},

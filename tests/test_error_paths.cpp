@@ -2,8 +2,6 @@
 // full devices, one file under two names, odd input and a gigabyte line.
 #include <fcntl.h>
 #include <gtest/gtest.h>
-#include <sys/socket.h>
-#include <sys/un.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
@@ -14,7 +12,6 @@
 #include <filesystem>
 #include <fstream>
 #include <string>
-#include <tuple>
 
 #include "trace_files.h"
 
@@ -90,13 +87,7 @@ TEST_F(ErrorPaths, OpenFailures) {
   fs::create_directories(dir_ / "folder");
   fs::create_symlink(Path("frames.txt"), Path("link.txt"));
   fs::create_hard_link(Path("frames.txt"), Path("hard.txt"));
-  // A Unix socket: a file that open() refuses even to root (ENXIO).
-  const int socketFd = ::socket(AF_UNIX, SOCK_STREAM, 0);
-  sockaddr_un address{};
-  address.sun_family = AF_UNIX;
-  ASSERT_LT(Path("socket").size(), sizeof address.sun_path);
-  std::strncpy(address.sun_path, Path("socket").c_str(), sizeof address.sun_path - 1);
-  ASSERT_EQ(::bind(socketFd, reinterpret_cast<sockaddr*>(&address), sizeof address), 0) << std::strerror(errno);
+
   struct Case {
     std::string args;
     int status;
@@ -104,15 +95,10 @@ TEST_F(ErrorPaths, OpenFailures) {
   };
   const Case cases[] = {
       {"missing.txt out.txt", 66, kCannotOpenInput},
-      {"folder out.txt", 66, kCannotOpenInput},                    // a directory opens but is no log
-      {"frames.txt/inner out.txt", 66, kCannotOpenInput},          // ENOTDIR, for root too
-      {std::string(300, 'n') + " out.txt", 66, kCannotOpenInput},  // ENAMETOOLONG
-      {"socket out.txt", 66, kCannotOpenInput},
+      {"folder out.txt", 66, kCannotOpenInput},     // a directory opens but is no log
       {"- out.txt <folder", 66, kCannotOpenInput},  // a directory on standard input
       {"frames.txt nowhere/out.txt", 73, kCannotOpenOutput},
       {"frames.txt folder", 73, kCannotOpenOutput},
-      {"frames.txt frames.txt/out.txt", 73, kCannotOpenOutput},
-      {"frames.txt socket", 73, kCannotOpenOutput},
       // One file under two spellings, or two names.
       {"./frames.txt ../" + dir_.filename().string() + "//frames.txt", 64, kSameFile},
       {"link.txt frames.txt", 64, kSameFile},
@@ -127,35 +113,9 @@ TEST_F(ErrorPaths, OpenFailures) {
     EXPECT_FALSE(fs::exists(Path("out.txt")));
     EXPECT_FALSE(fs::exists(Path("nowhere")));
   }
-  ::close(socketFd);
 }
 
-TEST_F(ErrorPaths, FilesWithoutPermission) {
-  Write("frames.txt", kSabmeLine);
-  Write("locked.txt", kSabmeLine);
-  fs::permissions(Path("locked.txt"), fs::perms::none);
-  Write("readonly.txt", "earlier results\n");
-  fs::permissions(Path("readonly.txt"), fs::perms::owner_read | fs::perms::group_read | fs::perms::others_read);
-  fs::create_directories(dir_ / "public");
-  fs::permissions(dir_ / "public", fs::perms::all);
-  fs::permissions(dir_, fs::perms::others_read | fs::perms::others_exec, fs::perm_options::add);
-  // Root reads and writes any file: take the permission away from user nobody instead.
-  const std::string wrapper = ::geteuid() == 0 ? "setpriv --reuid=65534 --regid=65534 --clear-groups" : "";
-  const Finished probe = Velmora("--version", wrapper);
-  if (probe.status != 0) GTEST_SKIP() << "velmora cannot be run as user nobody here: " << probe.err;
-
-  for (const auto& [args, status, err] : {std::tuple{"locked.txt public/out.txt", 66, kCannotOpenInput},
-                                          std::tuple{"frames.txt readonly.txt", 73, kCannotOpenOutput}}) {
-    SCOPED_TRACE(args);
-    const Finished run = Velmora(args, wrapper);
-    EXPECT_EQ(run.status, status);
-    EXPECT_EQ(run.err, err);
-    EXPECT_FALSE(fs::exists(Path("public/out.txt")));
-    EXPECT_EQ(Read("readonly.txt"), "earlier results\n");
-  }
-}
-
-TEST_F(ErrorPaths, ReadAndWriteFailuresNeverClaimSuccess) {
+TEST_F(ErrorPaths, ReadFailureNeverClaimsSuccess) {
   // Opening a process's own memory works; reading its first page fails (EIO).
   // Quiet mode hides success only.
   Write("frames.txt", kSabmeLine);
@@ -168,43 +128,21 @@ TEST_F(ErrorPaths, ReadAndWriteFailuresNeverClaimSuccess) {
     EXPECT_EQ(run.err.find(kDoneText), std::string::npos);
     EXPECT_EQ(run.err.find(kNothingUseful), std::string::npos) << "a read failure is not an empty log";
   }
-
-  const Finished run = Velmora("frames.txt /proc/version");
-  if (::geteuid() == 0 && run.status == 74) {
-    // Root may open it for writing; then the write itself fails.
-    EXPECT_NE(run.err.find("writing /proc/version failed: "), std::string::npos) << run.err;
-    EXPECT_NE(run.err.find("the output is incomplete"), std::string::npos) << run.err;
-  } else {
-    EXPECT_EQ(run.status, 73);
-    EXPECT_EQ(run.err, kCannotOpenOutput);
-  }
-  EXPECT_EQ(run.err.find(kDoneText), std::string::npos);
 }
 
 TEST_F(ErrorPaths, FullDeviceIsAnIoErrorWhateverTheSizeOrStream) {
   const std::string incomplete = " failed: " + std::string(std::strerror(ENOSPC)) + "; the output is incomplete\n";
-  // One line, and enough lines to fill the writer's buffer many times over,
-  // translated by one thread and by several, to a file and to standard output.
+  // Enough lines to fill the writer's buffer many times over, translated by
+  // several threads to a file, and by one to standard output.
   std::string many;
   while (many.size() < 6 * 1024 * 1024) many += kSabmeLine;
   Write("one.txt", kSabmeLine);
   Write("many.txt", many);
-  struct Case {
-    std::string args;
-    std::string err;
-  };
-  const Case cases[] = {
-      {"-q --jobs 1 one.txt /dev/full", "velmora: writing /dev/full" + incomplete},
-      {"-q --jobs 1 many.txt /dev/full", "velmora: writing /dev/full" + incomplete},
-      {"-q --jobs 2 one.txt /dev/full", "velmora: writing /dev/full" + incomplete},
-      {"-q --jobs 2 many.txt /dev/full", "velmora: writing /dev/full" + incomplete},
-      {"many.txt - >/dev/full", "velmora: writing standard output" + incomplete},
-  };
-  for (const Case& c : cases) {
-    SCOPED_TRACE(c.args);
-    const Finished run = Velmora(c.args);
-    EXPECT_EQ(run.status, 74);
-    EXPECT_EQ(run.err, c.err);
+  for (const auto& [args, err] : {std::pair{"-q --jobs 2 many.txt /dev/full", "velmora: writing /dev/full"},
+                                  std::pair{"many.txt - >/dev/full", "velmora: writing standard output"}}) {
+    const Finished run = Velmora(args);
+    EXPECT_EQ(run.status, 74) << args;
+    EXPECT_EQ(run.err, err + incomplete);
   }
 
   // A failed pair keeps its status; the pairs after it still run.
@@ -213,51 +151,6 @@ TEST_F(ErrorPaths, FullDeviceIsAnIoErrorWhateverTheSizeOrStream) {
   EXPECT_EQ(Read("out.txt"), kSabmeLine + kSabmeText);
   EXPECT_NE(run.err.find("one.txt: " + kDoneText), std::string::npos) << run.err;
   EXPECT_EQ(run.err.find(kDoneText), run.err.rfind(kDoneText)) << "only the second pair is done";
-}
-
-TEST_F(ErrorPaths, EmptyCutOffAndOddInputByFileAndThroughStandardInput) {
-  // A SETUP cut off inside its tenth cell: that cell has one digit and does
-  // not count; the nine before it hold the message up to Sending complete.
-  const std::string cut =
-      "# capture\n"
-      "00007 2026-03-14 10:00:07.000 **** D-CH RX HDLC:12  | 0x02 0x81 0x00 0x00 0x08 0x01 0x05 0x05 0xa1 0x0";
-  const std::string setup =
-      "ISDN Layer 2: Information transfer\n"
-      "ISDN Layer 3: Q.931 protocol message\n"
-      "Message type:SETUP\n"
-      "\tInformation element:Sending complete\n";
-  // Bytes of every value, NULs and CRs included, and a stretch of 5000
-  // without a line end: copied byte for byte, no frame found.
-  std::string binary;
-  for (int value = 0; value < 4 * 256; ++value) binary += static_cast<char>(value % 256);
-  binary += std::string(5000, '\x80') + std::string(3, '\0');
-  // A length field of 20 digits reads the three cells the line holds.
-  const std::string absurd = "00001 2026-03-14 10:00:00.000 **** D-CH TX HDLC:99999999999999999999  | 0x00 0x81 0x7f\n";
-  struct Case {
-    std::string name;
-    std::string input;
-    int status;
-    std::string output;
-  };
-  const Case cases[] = {
-      {"cut", cut, 0, cut + setup},
-      {"plain", "first\nsecond % line\nthird without end", 1, "first\nsecond % line\nthird without end"},
-      {"empty", "", 1, ""},
-      {"binary", binary, 1, binary},
-      {"absurd", absurd, 0, absurd + kSabmeText},
-  };
-  for (const Case& c : cases) {
-    SCOPED_TRACE(c.name);
-    Write("in.txt", c.input);
-    const std::string err = c.status == 0 ? kDoneText + "\n" : kNothingUseful;
-    for (const std::string args : {"in.txt out.txt", "- - <in.txt"}) {
-      const Finished run = Velmora(args);
-      EXPECT_EQ(run.status, c.status) << args;
-      EXPECT_EQ(run.err, err) << args;
-      EXPECT_EQ(args[0] == '-' ? run.out : Read("out.txt"), c.output) << args;
-    }
-    EXPECT_TRUE(fs::exists(Path("out.txt")));
-  }
 }
 
 // One line of 3 GiB with no line end comes through a pipe: every piece is a

@@ -29,7 +29,6 @@ const std::string kVideotelephony =
 TEST(HighLayerCompatibility, DecodesOctets3To4aUpToTheElementsAndTheFramesEnd) {
   const testing::ElementCase cases[] = {
       {{0x7D, 0x00}, kHeading},
-      {{0x7D, 0x02, 0x91, 0x81}, kOctet3 + kTelephony},
       // Octet 3 fields without rows print nothing.
       {{0x7D, 0x02, 0x92, 0x81}, kHeading + kCoding + kInterpretation + kTelephony},
       {{0x7D, 0x02, 0x81, 0x84},

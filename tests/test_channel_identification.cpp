@@ -30,7 +30,7 @@ TEST(ChannelIdentification, DecodesAsFarAsTheElementAndTheFrameGo) {
        kHeading + kExplicit + kBasic + kExclusive + kNotD + kB1 +
            "\t\tInterface identifier=1\n\t\tInterface identifier=5\n"},
       // Primary-rate channel numbers stand on one line.
-      {{0x18, 0x03, 0xA9, 0x83, 0x81}, kNumbers + "\t\tChannel number= 1\n"},
+
       {{0x18, 0x04, 0xA9, 0x83, 0x01, 0x92}, kNumbers + "\t\tChannel number= 1 18\n"},
       // The slot map takes the octets to the element end.
       {{0x18, 0x06, 0xA9, 0x93, 0x00, 0x00, 0x80, 0x01, 0x55},

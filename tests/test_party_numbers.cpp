@@ -12,17 +12,12 @@ const std::string kNational = "\t\tType of number=010  National number\n" + kE16
 
 TEST(PartyNumbers, DecodesEachElement) {
   const testing::ElementCase cases[] = {
-      {{0x70, 0x05, 0xA1, 0x30, 0x33, 0x30, 0x31},
-       "Called party number\n" + kNational + "\t\tNumber digits (IA5)= 0x30 0x33 0x30 0x31\n"},
+
       // Bit 8 of octet 3 is 0, yet 0x83 is a digit octet, not octet 3a.
       {{0x70, 0x03, 0x21, 0x83, 0x35}, "Called party number\n" + kNational + "\t\tNumber digits (IA5)= 0x3 0x35\n"},
       // No digit: the label still stands.
       {{0x70, 0x01, 0xA1}, "Called party number\n" + kNational + "\t\tNumber digits (IA5)=\n"},
-      {{0x6C, 0x07, 0x11, 0xA1, 0x34, 0x39, 0x33, 0x30, 0x31},
-       "Calling party number\n\t\tType of number=001  International number\n" + kE164 +
-           "\t\tPresentation indicator=01  Presentation restricted\n"
-           "\t\tScreening indicator=01  User-provided, verified and passed\n"
-           "\t\tNumber digits (IA5)= 0x34 0x39 0x33 0x30 0x31\n"},
+
       // No digit octets: no digits line.
       {{0x6C, 0x02, 0x01, 0xA0},
        "Calling party number\n" + kUnknown +

@@ -25,17 +25,4 @@ TEST(UserUser, DiscriminatorThenTheUserInformationInHexadecimal) {
   testing::ExpectDecodes(cases);
 }
 
-TEST(UserUser, DumpCoversExactlyTheElement) {
-  // A length of 0x81 is 129: 128 user information octets, 0x80 to 0xff.
-  std::vector<Octet> octets{0x7E, 0x81, 0x00};
-  for (int value = 0x80; value <= 0xFF; ++value) octets.push_back(static_cast<Octet>(value));
-  octets.push_back(0x55);  // behind the element
-  const std::string decoded = testing::DecodeOctets(octets);
-  EXPECT_TRUE(
-      decoded.starts_with("User-user\n\t\tProtocol discriminator=00000000  User-specific protocol\n"
-                          "\t\tUser information= 0x80 0x81 0x82 "));
-  EXPECT_TRUE(decoded.ends_with(" 0xfd 0xfe 0xff\n"));
-  EXPECT_EQ(decoded.size(), 87U + 128U * 5U + 1U);
-}
-
 }  // namespace velmora

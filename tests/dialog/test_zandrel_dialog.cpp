@@ -1,5 +1,5 @@
 // The main dialog: its template, keyboard, data exchange, file choosers,
-// dropped files and the message box of every run outcome.
+// dropped files, the outcome's message box and the run on another thread.
 #include <QDragEnterEvent>
 #include <QFile>
 #include <QMimeData>

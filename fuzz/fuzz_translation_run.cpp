@@ -170,7 +170,7 @@ void CheckParallelRun(const MemoryFile& input, std::string_view text, int linkSt
   {
     velmora::StringSink sink(written);
     velmora::OutputWriter writer(sink);
-    result = velmora::TranslateInParallel(fd, writer, 2, false, nullptr);
+    result = velmora::TranslateInParallel(fd, large.size(), writer, 2, false, nullptr);
     writer.Flush();
   }
   ::close(fd);

@@ -2,6 +2,7 @@
 // writes, whatever lands on either side of a chunk boundary.
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <filesystem>
 #include <fstream>
 #include <random>
@@ -111,6 +112,8 @@ TEST(ParallelRun, OutputAndLinkMemoryMatchTheSingleThreadedRun) {
   fs::remove_all(dir);
 }
 
+// Also: 256 jobs on a 5 MB file start no more threads than it has chunks
+// of work (256 KB each).
 TEST(ParallelRun, FileWithoutFramesStaysNoFrameFound) {
   const fs::path dir = fs::temp_directory_path() / ("velmora_parallel_plain_" + std::to_string(::getpid()));
   fs::create_directories(dir);
@@ -118,10 +121,17 @@ TEST(ParallelRun, FileWithoutFramesStaysNoFrameFound) {
   while (text.size() < 5 * 1024 * 1024) text += "a line without any frame in it at all\n";
   std::ofstream(dir / "in.txt", std::ios::binary) << text;
   TranslationOptions parallel;
-  parallel.jobs = 2;
+  parallel.jobs = 256;
+  std::ptrdiff_t mostThreads = 0;
+  parallel.progress = [&](std::uint64_t, std::uint64_t) {
+    const auto tasks = fs::directory_iterator("/proc/self/task");
+    mostThreads = std::max(mostThreads, std::distance(fs::begin(tasks), fs::end(tasks)));
+  };
   EXPECT_EQ(TranslateTraceFile((dir / "in.txt").string(), (dir / "out.txt").string(), parallel),
             TranslationOutcome::NoFrameFound);
   EXPECT_EQ(ReadAll(dir / "out.txt"), text);
+  EXPECT_GT(mostThreads, 2);
+  EXPECT_LE(mostThreads, 5 * 4 + 1 + 1) << "workers beyond the 21 chunks, or the calling thread";
   fs::remove_all(dir);
 }
 

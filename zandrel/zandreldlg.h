@@ -7,6 +7,10 @@
 
 class QLineEdit;
 
+namespace velmora {
+struct TranslationReport;
+}
+
 namespace zandrel {
 class DialogServices;
 }
@@ -56,6 +60,7 @@ class CZandrelDlg : public QDialog {
   void OnBrowseOutput();
   void OnTranslate();
   void OnChangeOutputPath();
+  QString IncompleteOutputText(const velmora::TranslationReport& report) const;
   void AppendAboutItem(const QString& text);
   void FocusFirstTabStop();
 

@@ -178,7 +178,7 @@ void CheckParallelRun(const MemoryFile& input, std::string_view text, bool setup
   {
     velmora::StringSink sink(written);
     velmora::OutputWriter writer(sink);
-    result = velmora::TranslateInParallel(fd, writer, link, 2, false, nullptr);
+    result = velmora::TranslateInParallel(fd, large.size(), writer, link, 2, false, nullptr);
     writer.Flush();
   }
   ::close(fd);

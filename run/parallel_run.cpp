@@ -173,8 +173,12 @@ class ParallelRun {
 
 }  // namespace
 
-ParallelRunResult TranslateInParallel(int inputFd, OutputWriter& writer, LinkMemory& link, unsigned jobs,
-                                      bool stopOnWriteError, const std::function<void(std::uint64_t)>& onRead) {
+ParallelRunResult TranslateInParallel(int inputFd, std::uint64_t inputSize, OutputWriter& writer, LinkMemory& link,
+                                      unsigned jobs, bool stopOnWriteError,
+                                      const std::function<void(std::uint64_t)>& onRead) {
+  // A thread without a chunk of its own would only wait.
+  const std::uint64_t chunks = inputSize / kChunkSize + 1;
+  if (jobs > chunks) jobs = static_cast<unsigned>(chunks);
   ParallelRun run(inputFd, writer, jobs == 0 ? 1 : jobs, stopOnWriteError, onRead);
   return run.Run(link);
 }

@@ -15,14 +15,16 @@ struct ParallelRunResult {
   std::uint64_t bytesRead = 0;
 };
 
-// Reads `inputFd` in chunks that begin at piece boundaries, decodes the
+// Reads `inputFd` (of `inputSize` bytes when it was opened) in chunks that begin at piece boundaries, decodes the
 // chunks on `jobs` threads and hands their output to `writer` in input
 // order. A chunk is decoded without knowing the link memory at its start;
 // the UA lines before its own first SABME or DISC get their wording when
 // the chunks before it are written, so no chunk is decoded twice. Leaves
 // `link` as a single-threaded run would. With `stopOnWriteError`, no chunk
-// is read after `writer` has failed.
-ParallelRunResult TranslateInParallel(int inputFd, OutputWriter& writer, LinkMemory& link, unsigned jobs,
-                                      bool stopOnWriteError, const std::function<void(std::uint64_t)>& onRead);
+// is read after `writer` has failed. No more threads start than the input
+// has chunks.
+ParallelRunResult TranslateInParallel(int inputFd, std::uint64_t inputSize, OutputWriter& writer, LinkMemory& link,
+                                      unsigned jobs, bool stopOnWriteError,
+                                      const std::function<void(std::uint64_t)>& onRead);
 
 }  // namespace velmora

@@ -31,27 +31,49 @@ bool IsStandardStream(std::string_view path, const TranslationOptions& options) 
   return options.dashMeansStandardStream && path == "-";
 }
 
-bool IsDirectory(int fd) {
-  struct stat info {};
-  return ::fstat(fd, &info) != 0 || S_ISDIR(info.st_mode);
-}
-
 // Opens the input as a readable file; a directory counts as a failure.
-int OpenInput(std::string_view path) {
+// Returns the descriptor, or -1 with the reason in `error`.
+int OpenInput(std::string_view path, int& error) {
   const int fd = ::open(std::string(path).c_str(), O_RDONLY | O_CLOEXEC);
-  if (fd < 0) return -1;
-  if (IsDirectory(fd)) {
+  if (fd < 0) {
+    error = errno;
+    return -1;
+  }
+  struct stat info {};
+  if (::fstat(fd, &info) != 0 || S_ISDIR(info.st_mode)) {
+    error = S_ISDIR(info.st_mode) ? EISDIR : errno;
     ::close(fd);
     return -1;
   }
   return fd;
 }
 
-bool NamesSameFile(int inputFd, std::string_view outputPath) {
-  struct stat input {};
-  struct stat output {};
-  if (::fstat(inputFd, &input) != 0 || ::stat(std::string(outputPath).c_str(), &output) != 0) return false;
-  return input.st_dev == output.st_dev && input.st_ino == output.st_ino;
+// Where a file lives, for telling whether two names reach one file. Only
+// files whose content a run could destroy count: regular files and block
+// devices. A pipe, a terminal or /dev/null on both sides is no conflict.
+struct FileIdentity {
+  dev_t device = 0;
+  ino_t inode = 0;
+  bool known = false;
+};
+
+FileIdentity IdentityOf(const struct stat& info) {
+  if (!S_ISREG(info.st_mode) && !S_ISBLK(info.st_mode)) return {};
+  return {info.st_dev, info.st_ino, true};
+}
+
+FileIdentity IdentityOfDescriptor(int fd) {
+  struct stat info {};
+  return ::fstat(fd, &info) == 0 ? IdentityOf(info) : FileIdentity{};
+}
+
+FileIdentity IdentityOfPath(std::string_view path) {
+  struct stat info {};
+  return ::stat(std::string(path).c_str(), &info) == 0 ? IdentityOf(info) : FileIdentity{};
+}
+
+bool SameFile(const FileIdentity& a, const FileIdentity& b) {
+  return a.known && b.known && a.device == b.device && a.inode == b.inode;
 }
 
 // A parallel run pays off from a few chunks on, and only for input that
@@ -78,12 +100,28 @@ TranslationOutcome TranslateTraceFile(std::string_view inputPath, std::string_vi
   const bool outputIsStandard = IsStandardStream(outputPath, options);
   if (inputPath == outputPath && !inputIsStandard) return TranslationOutcome::OutputSameAsInput;
 
-  const int inputFd = inputIsStandard ? STDIN_FILENO : OpenInput(inputPath);
-  if (inputFd < 0 || (inputIsStandard && IsDirectory(inputFd))) return TranslationOutcome::InputOpenFailed;
+  TranslationReport unusedReport;
+  TranslationReport& report = options.report != nullptr ? *options.report : unusedReport;
+  report = TranslationReport{};
+
+  int inputFd = STDIN_FILENO;
+  if (inputIsStandard) {
+    struct stat info {};
+    if (::fstat(STDIN_FILENO, &info) != 0 || S_ISDIR(info.st_mode)) {
+      report.openError = S_ISDIR(info.st_mode) ? EISDIR : errno;
+      return TranslationOutcome::InputOpenFailed;
+    }
+  } else {
+    inputFd = OpenInput(inputPath, report.openError);
+    if (inputFd < 0) return TranslationOutcome::InputOpenFailed;
+  }
   const auto closeInput = [&] {
     if (!inputIsStandard) ::close(inputFd);
   };
-  if (options.refuseSameFile && !outputIsStandard && !inputIsStandard && NamesSameFile(inputFd, outputPath)) {
+  // Before the output is opened, and so emptied: the input must survive.
+  if (options.refuseSameFile &&
+      SameFile(IdentityOfDescriptor(inputFd),
+               outputIsStandard ? IdentityOfDescriptor(STDOUT_FILENO) : IdentityOfPath(outputPath))) {
     closeInput();
     return TranslationOutcome::OutputSameAsInput;
   }
@@ -91,6 +129,7 @@ TranslationOutcome TranslateTraceFile(std::string_view inputPath, std::string_vi
                            ? STDOUT_FILENO
                            : ::open(std::string(outputPath).c_str(), O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC, 0666);
   if (outputFd < 0) {
+    report.openError = errno;
     closeInput();
     return TranslationOutcome::OutputOpenFailed;
   }
@@ -106,7 +145,7 @@ TranslationOutcome TranslateTraceFile(std::string_view inputPath, std::string_vi
   std::uint64_t bytesRead = 0;
   if (options.jobs > 1 && !inputIsStandard && inputSize >= kParallelMinimum) {
     const ParallelRunResult result =
-        TranslateInParallel(inputFd, writer, link, options.jobs, options.stopOnWriteError, reportProgress);
+        TranslateInParallel(inputFd, inputSize, writer, link, options.jobs, options.stopOnWriteError, reportProgress);
     writer.Flush();
     frameFound = result.frameFound;
     readError = result.readError;
@@ -133,12 +172,10 @@ TranslationOutcome TranslateTraceFile(std::string_view inputPath, std::string_vi
   int closeError = 0;
   if (!outputIsStandard && ::close(outputFd) != 0) closeError = errno;
   closeInput();
-  if (options.report != nullptr) {
-    options.report->readError = readError;
-    options.report->bytesRead = bytesRead;
-    options.report->writeError = writer.Failed() ? writer.Error() : closeError;
-    options.report->bytesWritten = writer.BytesWritten();
-  }
+  report.readError = readError;
+  report.bytesRead = bytesRead;
+  report.writeError = writer.Failed() ? writer.Error() : closeError;
+  report.bytesWritten = writer.BytesWritten();
   return frameFound ? TranslationOutcome::TranslationDone : TranslationOutcome::NoFrameFound;
 }
 

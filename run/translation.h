@@ -39,6 +39,7 @@ struct LinkMemory {
 
 // What the run saw of its two files, beyond the outcome.
 struct TranslationReport {
+  int openError = 0;   // errno behind InputOpenFailed or OutputOpenFailed, or 0
   int readError = 0;   // errno of a read that failed part-way, or 0
   int writeError = 0;  // errno of the first write that failed, or 0
   std::uint64_t bytesRead = 0;
@@ -50,15 +51,18 @@ struct TranslationOptions {
   // standard output (the command line's convention).
   bool dashMeansStandardStream = false;
   // Refuse, as OutputSameAsInput, an output that is the same existing file
-  // as the input under another spelling (same device and inode).
+  // as the input under another spelling (same device and inode), standard
+  // streams included; no file is touched then. Pipes, terminals and other
+  // character devices such as /dev/null are never the same file.
   bool refuseSameFile = false;
   // Stop reading once a write to the output has failed (the command line,
   // which reports the failure). Otherwise the run goes on to the end of the
   // input, as the dialog's run does, so that the link memory and the
   // outcome do not depend on the output.
   bool stopOnWriteError = false;
-  // Threads for a regular input file of several megabytes; the output is
-  // the same whatever the count. Standard input is always read by one.
+  // Threads for a regular input file of several megabytes, never more than
+  // it has chunks; the output is the same whatever the count. Standard
+  // input is always read by one.
   unsigned jobs = 1;
   // Called now and then with the bytes read so far and the input's size
   // (0 when unknown), from the calling thread.

@@ -11,6 +11,7 @@
 #include <cstring>
 #include <filesystem>
 #include <fstream>
+#include <optional>
 #include <span>
 #include <string>
 
@@ -20,10 +21,9 @@ namespace {
 
 namespace fs = std::filesystem;
 
-constexpr const char* kCannotOpenInput = "Cannot open Input log file!\n";
-constexpr const char* kCannotOpenOutput = "Cannot open output message file!\n";
-constexpr const char* kSameFile =
-    "The output message file is as same as the input log file.\nPlease select them again!\n";
+const std::string kCannotOpenInput = "Cannot open Input log file!\n";
+const std::string kCannotOpenOutput = "Cannot open output message file!\n";
+const std::string kSameFile = "The output message file is as same as the input log file.\nPlease select them again!\n";
 
 const std::string kNothingUseful = "The input log file contains no useful information!\n";
 const std::string kDoneText = "Translation is done!";
@@ -40,16 +40,16 @@ struct Finished {
 struct Case {
   std::string args;
   int status;
-  const char* err;
+  std::optional<std::string> err;
 };
 
 class ErrorPaths : public velmora::testing::ScratchDirectoryTest {
  protected:
   // Runs velmora in the test's directory; `args` is shell text whose own
   // redirections win over the default ones.
-  Finished Velmora(const std::string& args) const {
+  Finished Velmora(const std::string& args, const std::string& wrapper = "") const {
     const std::string command =
-        "cd " + dir_.string() + " && " + VELMORA_CLI_PATH + " </dev/null >stdout 2>stderr " + args;
+        "cd " + dir_.string() + " && " + wrapper + VELMORA_CLI_PATH + " </dev/null >stdout 2>stderr " + args;
     const int raw = std::system(command.c_str());
     return {WIFEXITED(raw) ? WEXITSTATUS(raw) : -1, Read("stdout"), Read("stderr")};
   }
@@ -57,7 +57,7 @@ class ErrorPaths : public velmora::testing::ScratchDirectoryTest {
     for (const Case& c : cases) {
       const Finished run = Velmora(c.args);
       EXPECT_EQ(run.status, c.status) << c.args;
-      if (c.err != nullptr) {
+      if (c.err) {
         EXPECT_EQ(run.err, c.err) << c.args;
       }
     }
@@ -68,9 +68,9 @@ TEST_F(ErrorPaths, UsageAndOutcomes) {
   Write("frames.txt", kSabmeLine);
   Write("ua.txt", kUaLine);
   const Case cases[] = {
-      {"", 64, nullptr},
-      {"only-one", 64, nullptr},
-      {"--bogus a b", 64, nullptr},
+      {"", 64, std::nullopt},
+      {"only-one", 64, std::nullopt},
+      {"--bogus a b", 64, std::nullopt},
       {"'' out.txt", 64, "Please select input log file!\n"},
       {"-q frames.txt out.txt", 0, ""},
       {"frames.txt out.txt", 0, "Translation is done!\n"},
@@ -78,6 +78,22 @@ TEST_F(ErrorPaths, UsageAndOutcomes) {
       {"frames.txt o1.txt ua.txt o2.txt", 0,
        "frames.txt: Translation is done!\n"
        "ua.txt: Translation is done!\n"},
+      // Character devices on both sides are never one file to protect.
+      {"- - </dev/null >/dev/null", 1, kNothingUseful},
+      {"-q frames.txt - >/dev/null", 0, ""},
+      // Every spelling of the thread count; a bad one is named.
+      {"-q -j 2 frames.txt out.txt", 0, ""},
+      {"-q -j2 frames.txt out.txt", 0, ""},
+      {"-q --jobs 256 frames.txt out.txt", 0, ""},
+      {"-q --jobs=1 frames.txt out.txt", 0, ""},
+      {"-q -j 007 frames.txt out.txt", 0, ""},
+      {"--jobs 1x2 frames.txt out.txt", 64, "velmora: --jobs: '1x2' is not a whole number from 1 to 256\n"},
+      {"--jobs x3 frames.txt out.txt", 64, "velmora: --jobs: 'x3' is not a whole number from 1 to 256\n"},
+      {"--jobs= frames.txt out.txt", 64, "velmora: --jobs: '' is not a whole number from 1 to 256\n"},
+      {"-j0 frames.txt out.txt", 64, "velmora: -j: '0' is not a whole number from 1 to 256\n"},
+      {"-j 257 frames.txt out.txt", 64, "velmora: -j: '257' is not a whole number from 1 to 256\n"},
+      {"-j -1 frames.txt out.txt", 64, "velmora: -j: '-1' is not a whole number from 1 to 256\n"},
+      {"-j 99999999999 frames.txt out.txt", 64, "velmora: -j: '99999999999' is not a whole number from 1 to 256\n"},
   };
   ExpectRuns(cases);
   EXPECT_EQ(Read("out.txt"), kSabmeLine + kSabmeText);
@@ -91,22 +107,49 @@ TEST_F(ErrorPaths, OpenFailures) {
   fs::create_directories(dir_ / "folder");
   fs::create_symlink(Path("frames.txt"), Path("link.txt"));
   fs::create_hard_link(Path("frames.txt"), Path("hard.txt"));
-
+  // Each refusal keeps the outcome sentence and says where and why.
+  const auto input = [](const std::string& name, const char* why) {
+    return kCannotOpenInput + ("velmora: " + name + ": " + why + "\n");
+  };
+  const auto output = [](const std::string& name, const char* why) {
+    return kCannotOpenOutput + ("velmora: " + name + ": " + why + "\n");
+  };
+  const auto same = [](const std::string& out, const std::string& in) {
+    return kSameFile + ("velmora: " + out + " is " + in + " under another name\n");
+  };
+  const std::string viaParent = "../" + dir_.filename().string() + "//frames.txt";
   const Case cases[] = {
-      {"missing.txt out.txt", 66, kCannotOpenInput},
-      {"folder out.txt", 66, kCannotOpenInput},     // a directory opens but is no log
-      {"- out.txt <folder", 66, kCannotOpenInput},  // a directory on standard input
-      {"frames.txt nowhere/out.txt", 73, kCannotOpenOutput},
-      {"frames.txt folder", 73, kCannotOpenOutput},
-      // One file under two spellings, or two names.
-      {"./frames.txt ../" + dir_.filename().string() + "//frames.txt", 64, kSameFile},
-      {"link.txt frames.txt", 64, kSameFile},
-      {"frames.txt hard.txt", 64, kSameFile},
+      {"missing.txt out.txt", 66, input("missing.txt", "No such file or directory")},
+      {"folder out.txt", 66, input("folder", "Is a directory")},  // a directory opens but is no log
+      {"- out.txt <folder", 66, input("standard input", "Is a directory")},
+      {"frames.txt nowhere/out.txt", 73, output("nowhere/out.txt", "No such file or directory")},
+      {"frames.txt folder", 73, output("folder", "Is a directory")},
+      // One file under two spellings or two names, also behind a redirected standard stream.
+      {"./frames.txt " + viaParent, 64, same(viaParent, "./frames.txt")},
+      {"link.txt frames.txt", 64, same("frames.txt", "link.txt")},
+      {"frames.txt hard.txt", 64, same("hard.txt", "frames.txt")},
+      {"- frames.txt <frames.txt", 64, same("frames.txt", "standard input")},
+      {"- hard.txt <link.txt", 64, same("hard.txt", "standard input")},
+      {"frames.txt - >>frames.txt", 64, same("standard output", "frames.txt")},
+      {"link.txt - >>hard.txt", 64, same("standard output", "link.txt")},
+      {"- - <frames.txt >>frames.txt", 64, same("standard output", "standard input")},
   };
   ExpectRuns(cases);
   EXPECT_EQ(Read("frames.txt"), kSabmeLine);
   EXPECT_FALSE(fs::exists(Path("out.txt")));
   EXPECT_FALSE(fs::exists(Path("nowhere")));
+}
+
+// Root opens any file: the permission is taken away from user nobody.
+TEST_F(ErrorPaths, PermissionDeniedReadsDifferently) {
+  Write("locked.txt", kSabmeLine);
+  fs::permissions(Path("locked.txt"), fs::perms::none);
+  fs::permissions(dir_, fs::perms::others_all, fs::perm_options::add);
+  const std::string asNobody = ::geteuid() == 0 ? "setpriv --reuid=65534 --regid=65534 --clear-groups " : "";
+  if (Velmora("--version", asNobody).status != 0) GTEST_SKIP() << "velmora cannot run as user nobody here";
+  const Finished run = Velmora("locked.txt out.txt", asNobody);
+  EXPECT_EQ(run.status, 66);
+  EXPECT_EQ(run.err, kCannotOpenInput + ("velmora: locked.txt: " + std::string(std::strerror(EACCES)) + "\n"));
 }
 
 TEST_F(ErrorPaths, ReadFailureNeverClaimsSuccess) {

@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <filesystem>
 #include <random>
 #include <string>
 
@@ -85,15 +86,24 @@ TEST_F(ParallelRun, OutputAndLinkMemoryMatchTheSingleThreadedRun) {
   }
 }
 
+// Also: 256 jobs on a 5 MB file start no more threads than it has chunks
+// of work (256 KB each).
 TEST_F(ParallelRun, FileWithoutFramesStaysNoFrameFound) {
   std::string text;
   while (text.size() < 5 * 1024 * 1024) text += "a line without any frame in it at all\n";
   Write("in.txt", text);
   LinkMemory link;
   TranslationOptions parallel;
-  parallel.jobs = 2;
+  parallel.jobs = 256;
+  std::ptrdiff_t mostThreads = 0;
+  parallel.progress = [&](std::uint64_t, std::uint64_t) {
+    const auto tasks = std::filesystem::directory_iterator("/proc/self/task");
+    mostThreads = std::max(mostThreads, std::distance(begin(tasks), end(tasks)));
+  };
   EXPECT_EQ(TranslateTraceFile(Path("in.txt"), Path("out.txt"), link, parallel), TranslationOutcome::NoFrameFound);
   EXPECT_TRUE(Read("out.txt") == text);
+  EXPECT_GT(mostThreads, 2);
+  EXPECT_LE(mostThreads, 5 * 4 + 1 + 1) << "workers beyond the 21 chunks, or the calling thread";
 }
 
 }  // namespace

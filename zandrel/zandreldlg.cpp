@@ -5,11 +5,13 @@
 #include <QDragEnterEvent>
 #include <QDropEvent>
 #include <QFile>
+#include <QGuiApplication>
 #include <QKeyEvent>
 #include <QLineEdit>
 #include <QMimeData>
 #include <QPushButton>
 #include <QUrl>
+#include <cstring>
 #include <string_view>
 
 #include "dialog_services.h"
@@ -60,6 +62,14 @@ std::string_view View(const QByteArray& bytes) {
 }
 
 QString FromView(std::string_view text) { return QString::fromUtf8(text.data(), static_cast<qsizetype>(text.size())); }
+
+// The wait cursor while a run holds the dialog's thread.
+struct BusyCursor {
+  BusyCursor() { QGuiApplication::setOverrideCursor(Qt::WaitCursor); }
+  ~BusyCursor() { QGuiApplication::restoreOverrideCursor(); }
+  BusyCursor(const BusyCursor&) = delete;
+  BusyCursor& operator=(const BusyCursor&) = delete;
+};
 
 // The first local file of a drag, with the platform's separators.
 QString DroppedFilePath(const QMimeData* mime) {
@@ -228,18 +238,45 @@ void CZandrelDlg::OnBrowseOutput() {
   }
 }
 
-velmora::TranslationOutcome CZandrelDlg::Translate(const QString& inputPath, const QString& outputPath) {
+velmora::TranslationOutcome CZandrelDlg::Translate(const QString& inputPath, const QString& outputPath,
+                                                   velmora::TranslationReport* report) {
   const QByteArray input = QFile::encodeName(inputPath);
   const QByteArray output = QFile::encodeName(outputPath);
-  return velmora::TranslateTraceFile(View(input), View(output), m_linkMemory);
+  velmora::TranslationOptions options;
+  // One file under two names would be emptied before it is read; and a run
+  // whose output could not be written must not be called done.
+  options.refuseSameFile = true;
+  options.stopOnWriteError = true;
+  options.report = report;
+  return velmora::TranslateTraceFile(View(input), View(output), m_linkMemory, options);
 }
 
 void CZandrelDlg::OnTranslate() {
   UpdateData(true);
-  const velmora::OutcomeMessage& message = velmora::DescribeOutcome(Translate(m_strInputPath, m_strOutputPath));
+  velmora::TranslationReport report;
+  const velmora::TranslationOutcome outcome = [&] {
+    const BusyCursor busy;
+    return Translate(m_strInputPath, m_strOutputPath, &report);
+  }();
+  if (report.writeError != 0 || report.readError != 0) {
+    m_services.ShowMessage(this, {IncompleteOutputText(report), QStringLiteral("Error"), QMessageBox::Critical});
+    return;
+  }
+  const velmora::OutcomeMessage& message = velmora::DescribeOutcome(outcome);
   const QMessageBox::Icon icon =
       message.icon == velmora::OutcomeIcon::Error ? QMessageBox::Critical : QMessageBox::Information;
   m_services.ShowMessage(this, {FromView(message.text), FromView(message.caption), icon});
+}
+
+// What a run that lost output says instead of its outcome: which file, the
+// system's reason, and that the message file is incomplete.
+QString CZandrelDlg::IncompleteOutputText(const velmora::TranslationReport& report) const {
+  const QString failure = report.writeError != 0
+                              ? QStringLiteral("Cannot write output message file!\n%1: %2")
+                                    .arg(m_strOutputPath, QString::fromLocal8Bit(std::strerror(report.writeError)))
+                              : QStringLiteral("Cannot read Input log file to its end!\n%1: %2")
+                                    .arg(m_strInputPath, QString::fromLocal8Bit(std::strerror(report.readError)));
+  return failure + QStringLiteral("\nThe output message file is incomplete.");
 }
 
 void CZandrelDlg::OnChangeOutputPath() { UpdateData(true); }

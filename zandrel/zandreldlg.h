@@ -9,6 +9,10 @@
 
 class QLineEdit;
 
+namespace velmora {
+struct TranslationReport;
+}
+
 namespace zandrel {
 class DialogServices;
 }
@@ -38,7 +42,8 @@ class CZandrelDlg : public QDialog {
 
   // The run behind Translate, without its message box. It touches no widget,
   // only the link memory that this dialog keeps from one run to the next.
-  velmora::TranslationOutcome Translate(const QString& inputPath, const QString& outputPath);
+  velmora::TranslationOutcome Translate(const QString& inputPath, const QString& outputPath,
+                                        velmora::TranslationReport* report = nullptr);
 
  protected:
   // Runs once, before the dialog is first shown; true puts the focus on the
@@ -62,6 +67,7 @@ class CZandrelDlg : public QDialog {
   void OnBrowseOutput();
   void OnTranslate();
   void OnChangeOutputPath();
+  QString IncompleteOutputText(const velmora::TranslationReport& report) const;
   void AppendAboutItem(const QString& text);
   void FocusFirstTabStop();
 

@@ -1,11 +1,21 @@
 // The main dialog: its template, keyboard, data exchange, file choosers,
-// dropped files, the outcome's message box and the run on another thread.
+// dropped files, the outcome's message box, the run on another thread, and
+// what protects the user's files.
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <QCursor>
+#include <QDir>
 #include <QDragEnterEvent>
 #include <QFile>
+#include <QGuiApplication>
 #include <QMimeData>
 #include <QPushButton>
 #include <QTemporaryDir>
 #include <QUrl>
+#include <cerrno>
+#include <cstring>
+#include <optional>
 #include <thread>
 
 #include "dialog_test_support.h"
@@ -29,6 +39,8 @@ bool WriteAll(const QString& path, const QByteArray& bytes) {
   QFile file(path);
   return file.open(QIODevice::WriteOnly) && file.write(bytes) == bytes.size();
 }
+
+QString Reason(int error) { return QString::fromLocal8Bit(std::strerror(error)); }
 
 // Filters, default suffix, initial name and overwrite prompt in one line.
 QString Describe(const zandrel::FileChooserRequest& r) {
@@ -122,6 +134,93 @@ class ZandrelDialogTest : public QObject {
       QCOMPARE(ReadAll(Path(name + "-worker.out")), ReadAll(Path(name + "-gui.out")));
     }
     QVERIFY(ReadAll(Path("ua-gui.out")).endsWith("Acknowledge to SABME, link established\n"));
+  }
+
+  // One file under another name would be emptied before it is read.
+  void sameFileUnderAnotherNameIsRefused_data() {
+    QTest::addColumn<QString>("output");  // relative to the test's folder, the current directory
+    QTest::newRow("dot slash") << "./trace.txt";
+    QTest::newRow("relative") << "trace.txt";
+    QTest::newRow("through the parent") << "../" + QDir(m_dir.path()).dirName() + "/trace.txt";
+    QTest::newRow("symbolic link") << "link.txt";
+    QTest::newRow("hard link") << "hard.txt";
+  }
+
+  void sameFileUnderAnotherNameIsRefused() {
+    QFETCH(QString, output);
+    const QString trace = Path("trace.txt");
+    const QByteArray original = "header\n" + kFrame;
+    QFile::remove(Path("link.txt"));
+    QFile::remove(Path("hard.txt"));
+    QVERIFY(WriteAll(trace, original) && QFile::link(trace, Path("link.txt")) &&
+            ::link(QFile::encodeName(trace).constData(), QFile::encodeName(Path("hard.txt")).constData()) == 0);
+    const QString previous = QDir::currentPath();
+    QVERIFY(QDir::setCurrent(m_dir.path()));
+    ShownDialog d;
+    d.Set(IDC_INPUT_PATH, trace);
+    d.Set(IDC_OUTPUT_PATH, output);
+    d.Click(IDC_TRANSLATE);
+    QDir::setCurrent(previous);
+    QCOMPARE(d.messages.size(), size_t(1));
+    QCOMPARE(d.messages[0].text, QString("The output message file is as same as the input log file.\n"
+                                         "Please select them again!"));
+    QCOMPARE(d.messages[0].caption, QString("Error"));
+    QCOMPARE(ReadAll(trace), original);
+  }
+
+  // A full disk fails one write of the final block, or many; reading a
+  // process's memory fails at its first page.
+  void lostOutputIsNeverCalledDone_data() {
+    QTest::addColumn<int>("lines");
+    QTest::addColumn<QString>("input");  // empty: the test's trace of `lines` frame lines
+    QTest::addColumn<QString>("output");
+    QTest::addColumn<QString>("failure");
+    const QString fullDisk = "Cannot write output message file!\n/dev/full: " + Reason(ENOSPC);
+    QTest::newRow("one line") << 1 << ""
+                              << "/dev/full" << fullDisk;
+    QTest::newRow("many blocks") << 20000 << ""
+                                 << "/dev/full" << fullDisk;
+    QTest::newRow("read fails") << 0 << "/proc/self/mem" << Path("out.txt")
+                                << "Cannot read Input log file to its end!\n/proc/self/mem: " + Reason(EIO);
+  }
+
+  void lostOutputIsNeverCalledDone() {
+    QFETCH(int, lines);
+    QFETCH(QString, input);
+    QFETCH(QString, output);
+    QFETCH(QString, failure);
+    QVERIFY(WriteAll(Path("trace.txt"), kFrame.repeated(lines)));
+    ShownDialog d;
+    d.Set(IDC_INPUT_PATH, input.isEmpty() ? Path("trace.txt") : input);
+    d.Set(IDC_OUTPUT_PATH, output);
+    d.Click(IDC_TRANSLATE);
+    QCOMPARE(d.messages.size(), size_t(1));
+    QCOMPARE(d.messages[0].caption, QString("Error"));
+    QCOMPARE(d.messages[0].icon, QMessageBox::Critical);
+    QCOMPARE(d.messages[0].text, failure + "\nThe output message file is incomplete.");
+  }
+
+  // The run holds the dialog's thread; the cursor says so until the box.
+  void busyCursorWhileTheRunWaitsForInput() {
+    const QByteArray fifo = QFile::encodeName(Path("fifo"));
+    QVERIFY(::mkfifo(fifo.constData(), 0600) == 0);
+    QVERIFY(QGuiApplication::overrideCursor() == nullptr);
+    std::optional<Qt::CursorShape> shapeDuringRun;
+    std::thread writer([&] {
+      QFile pipe(QString::fromLocal8Bit(fifo));  // opens once the run opens the other end
+      if (!pipe.open(QIODevice::WriteOnly)) return;
+      if (const QCursor* cursor = QGuiApplication::overrideCursor()) shapeDuringRun = cursor->shape();
+      pipe.write(kFrame);
+    });
+    ShownDialog d;
+    d.Set(IDC_INPUT_PATH, QString::fromLocal8Bit(fifo));
+    d.Set(IDC_OUTPUT_PATH, Path("out.txt"));
+    d.Click(IDC_TRANSLATE);
+    writer.join();
+    QCOMPARE(shapeDuringRun, std::optional(Qt::WaitCursor));
+    QVERIFY(QGuiApplication::overrideCursor() == nullptr);
+    QCOMPARE(d.messages.size(), size_t(1));
+    QCOMPARE(d.messages[0].text, QString("Translation is done!"));
   }
 
   void browseDropAndTheDataExchangeRules() {

@@ -27,8 +27,19 @@ constexpr int kExitNoInput = 66;     // EX_NOINPUT
 constexpr int kExitCantCreate = 73;  // EX_CANTCREAT
 constexpr int kExitIoError = 74;     // EX_IOERR
 
-constexpr std::string_view kUsage =
-    "Usage: velmora [-q] [-j N] INPUT OUTPUT [INPUT OUTPUT ...]\n"
+// What velmora can write of a trace. Each kind but the message file comes
+// from a library beside the translation core.
+struct OutputKind {
+  std::string_view name;
+  std::string_view help;
+  velmora::TraceConsumerFactory (*make)();  // null: the message file
+};
+constexpr OutputKind kOutputKinds[] = {
+    {"message", "the message file (the default)", nullptr},
+};
+
+constexpr std::string_view kUsageHead =
+    "Usage: velmora [-q] [-j N] [--to KIND] INPUT OUTPUT [INPUT OUTPUT ...]\n"
     "Translate an ISDN D-channel trace log into a message file: every input line\n"
     "copied, and behind each frame line its Q.921 frame kind and Q.931 message.\n"
     "\n"
@@ -37,6 +48,8 @@ constexpr std::string_view kUsage =
     "  -q       say nothing when a translation is done\n"
     "  -j N, --jobs N  threads for a large input file, 1 to 256 (default: the\n"
     "           number of cores); the output is the same for every N\n"
+    "  --to KIND  what to write instead of the message file (one thread):\n";
+constexpr std::string_view kUsageTail =
     "  --help   show this help\n"
     "  --version  show the version\n"
     "\n"
@@ -49,6 +62,25 @@ constexpr std::string_view kUsage =
     "Exit status: 0 done, 1 no frame line found, 64 usage error or paths not\n"
     "usable together, 66 input cannot be opened, 73 output cannot be created,\n"
     "74 reading or writing failed part-way.\n";
+
+void PrintUsage(std::ostream& out) {
+  out << kUsageHead;
+  for (const OutputKind& kind : kOutputKinds) out << "             " << kind.name << "  " << kind.help << '\n';
+  out << kUsageTail;
+}
+
+const OutputKind* FindOutputKind(std::string_view name) {
+  for (const OutputKind& kind : kOutputKinds)
+    if (kind.name == name) return &kind;
+  return nullptr;
+}
+
+// How every pair of one command line runs.
+struct PairSettings {
+  bool quiet = false;
+  unsigned jobs = 1;
+  const OutputKind* kind = &kOutputKinds[0];
+};
 
 int ExitStatus(velmora::TranslationOutcome outcome) {
   using velmora::TranslationOutcome;
@@ -72,15 +104,16 @@ int ExitStatus(velmora::TranslationOutcome outcome) {
 std::string StreamName(const std::string& path, const char* standardName) { return path == "-" ? standardName : path; }
 
 // Runs one pair; prints its outcome (or the I/O failure) on standard error.
-int TranslatePair(const std::string& input, const std::string& output, velmora::LinkMemory& link, bool quiet,
-                  bool labelled, unsigned jobs) {
+int TranslatePair(const std::string& input, const std::string& output, velmora::LinkMemory& link,
+                  const PairSettings& settings, bool labelled) {
   velmora::TranslationReport report;
   velmora::TranslationOptions options;
   options.dashMeansStandardStream = true;
   options.refuseSameFile = true;
   options.stopOnWriteError = true;
-  options.jobs = jobs;
+  options.jobs = settings.jobs;
   options.report = &report;
+  if (settings.kind->make != nullptr) options.makeConsumer = settings.kind->make();
   velmora::ProgressBar progress(stderr);
   if (::isatty(STDERR_FILENO))
     options.progress = [&progress](std::uint64_t done, std::uint64_t size) { progress.Update(done, size); };
@@ -96,7 +129,7 @@ int TranslatePair(const std::string& input, const std::string& output, velmora::
                 << "; the output is incomplete\n";
     return kExitIoError;
   }
-  if (!(quiet && outcome == velmora::TranslationOutcome::TranslationDone))
+  if (!(settings.quiet && outcome == velmora::TranslationOutcome::TranslationDone))
     std::cerr << (labelled ? input + ": " : std::string()) << velmora::DescribeOutcome(outcome).text << '\n';
   // The outcome sentence says what failed; this line says where and why.
   switch (outcome) {
@@ -130,56 +163,68 @@ std::optional<unsigned> ParseJobs(std::string_view text) {
   return value;
 }
 
+// The value of an option that takes one: "-xV", "-x V", "--long V" or
+// "--long=V" (`shortName` may be empty). Nothing when `arg` is another
+// option; `missing` tells an option whose value the command line lacks.
+std::optional<std::string_view> OptionValue(std::string_view arg, std::string_view shortName, std::string_view longName,
+                                            int& i, int argc, char** argv, bool& missing) {
+  missing = false;
+  if (!shortName.empty() && arg.starts_with(shortName) && arg.size() > shortName.size())
+    return arg.substr(shortName.size());
+  if (arg.starts_with(longName) && arg.size() > longName.size() && arg[longName.size()] == '=')
+    return arg.substr(longName.size() + 1);
+  if (arg != longName && (shortName.empty() || arg != shortName)) return std::nullopt;
+  if (i + 1 < argc) return std::string_view(argv[++i]);
+  missing = true;
+  return std::string_view();
+}
+
+int UsageError(const std::string& message) {
+  std::cerr << "velmora: " << message << '\n';
+  PrintUsage(std::cerr);
+  return kExitUsage;
+}
+
 }  // namespace
 
 int main(int argc, char** argv) {
-  bool quiet = false;
-  unsigned jobs = std::clamp(std::thread::hardware_concurrency(), 1U, kMaxJobs);
+  PairSettings settings;
+  settings.jobs = std::clamp(std::thread::hardware_concurrency(), 1U, kMaxJobs);
   std::vector<std::string> paths;
   bool optionsEnded = false;
   for (int i = 1; i < argc; ++i) {
     const std::string_view arg = argv[i];
+    bool missing = false;
     if (optionsEnded || arg == "-" || !arg.starts_with('-')) {
       paths.emplace_back(arg);
     } else if (arg == "--") {
       optionsEnded = true;
     } else if (arg == "--help" || arg == "-h") {
-      std::cout << kUsage;
+      PrintUsage(std::cout);
       return kExitOk;
     } else if (arg == "--version") {
       std::cout << "velmora " << VELMORA_VERSION << '\n';
       return kExitOk;
     } else if (arg == "-q") {
-      quiet = true;
-    } else if (arg.starts_with("-j") || arg == "--jobs" || arg.starts_with("--jobs=")) {
-      // -j N, -jN, --jobs N, --jobs=N.
-      std::string_view value;
-      if (arg.starts_with("--jobs=")) {
-        value = arg.substr(7);
-      } else if (arg.starts_with("-j") && arg.size() > 2) {
-        value = arg.substr(2);
-      } else if (i + 1 < argc) {
-        value = argv[++i];
-      } else {
-        std::cerr << "velmora: " << arg << " needs a thread count\n" << kUsage;
-        return kExitUsage;
-      }
-      const std::optional<unsigned> parsed = ParseJobs(value);
+      settings.quiet = true;
+    } else if (const auto count = OptionValue(arg, "-j", "--jobs", i, argc, argv, missing)) {
+      if (missing) return UsageError(std::string(arg) + " needs a thread count");
+      const std::optional<unsigned> parsed = ParseJobs(*count);
       if (!parsed) {
-        std::cerr << "velmora: " << (arg.starts_with("--") ? "--jobs" : "-j") << ": '" << value
+        std::cerr << "velmora: " << (arg.starts_with("--") ? "--jobs" : "-j") << ": '" << *count
                   << "' is not a whole number from 1 to " << kMaxJobs << '\n';
         return kExitUsage;
       }
-      jobs = *parsed;
+      settings.jobs = *parsed;
+    } else if (const auto name = OptionValue(arg, "", "--to", i, argc, argv, missing)) {
+      if (missing) return UsageError("--to needs an output kind");
+      settings.kind = FindOutputKind(*name);
+      if (settings.kind == nullptr) return UsageError("--to: unknown output kind '" + std::string(*name) + "'");
     } else {
-      std::cerr << "velmora: unknown option " << arg << "\n" << kUsage;
-      return kExitUsage;
+      return UsageError("unknown option " + std::string(arg));
     }
   }
-  if (paths.empty() || paths.size() % 2 != 0) {
-    std::cerr << "velmora: expected INPUT OUTPUT pairs\n" << kUsage;
-    return kExitUsage;
-  }
+  if (paths.empty() || paths.size() % 2 != 0) return UsageError("expected INPUT OUTPUT pairs");
   std::ios::sync_with_stdio(false);
   // A closed pipe on the output (velmora ... - | head) is a write error
   // like any other: reported, exit status 74, rather than a silent death.
@@ -189,7 +234,7 @@ int main(int argc, char** argv) {
   // A SABME of one pair is still pending for the UA of the next.
   velmora::LinkMemory link;
   for (std::size_t i = 0; i < paths.size(); i += 2) {
-    const int pairStatus = TranslatePair(paths[i], paths[i + 1], link, quiet, labelled, jobs);
+    const int pairStatus = TranslatePair(paths[i], paths[i + 1], link, settings, labelled);
     if (status == kExitOk) status = pairStatus;
   }
   return status;

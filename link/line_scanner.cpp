@@ -73,6 +73,12 @@ std::size_t ReadFrameOctets(std::string_view line, Octet (&frame)[kFrameCapacity
   return ReadCells(line, line.find("HDLC"), frame);
 }
 
+std::optional<std::size_t> ScanFrameLine(std::string_view line, Octet (&frame)[kFrameCapacity]) {
+  const std::size_t anchor = FrameAnchor(line);
+  if (anchor == std::string_view::npos) return std::nullopt;
+  return ReadCells(line, anchor, frame);
+}
+
 // The line is searched for its markers once: the anchor found by the
 // frame-line test also locates the length field.
 void TranslateTraceLine(DecodeContext& context, std::string_view line) {

@@ -11,6 +11,7 @@
 #include "line_reader.h"
 #include "line_scanner.h"
 #include "parallel_run.h"
+#include "trace_consumer.h"
 
 namespace velmora {
 
@@ -86,6 +87,24 @@ std::uint64_t RegularFileSize(int fd) {
   return static_cast<std::uint64_t>(info.st_size);
 }
 
+// Hands every piece of the input, with its line number and a frame line's
+// octets, to the consumer. Returns whether a frame line was seen.
+template <typename Stopped>
+bool ConsumeTrace(LineReader& reader, TraceConsumer& consumer, Stopped stopped) {
+  bool frameFound = false;
+  std::uint64_t lineNumber = 1;
+  Octet frame[kFrameCapacity];
+  while (const auto piece = reader.Next()) {
+    const std::optional<std::size_t> count = ScanFrameLine(*piece, frame);
+    frameFound = frameFound || count.has_value();
+    consumer.Consume({*piece, lineNumber, count.has_value(), OctetSpan(frame, count.value_or(0))});
+    if (piece->back() == '\n') ++lineNumber;
+    if (stopped()) break;
+  }
+  consumer.Finish();
+  return frameFound;
+}
+
 }  // namespace
 
 const OutcomeMessage& DescribeOutcome(TranslationOutcome outcome) {
@@ -143,7 +162,7 @@ TranslationOutcome TranslateTraceFile(std::string_view inputPath, std::string_vi
   bool frameFound = false;
   int readError = 0;
   std::uint64_t bytesRead = 0;
-  if (options.jobs > 1 && !inputIsStandard && inputSize >= kParallelMinimum) {
+  if (options.jobs > 1 && !options.makeConsumer && !inputIsStandard && inputSize >= kParallelMinimum) {
     const ParallelRunResult result =
         TranslateInParallel(inputFd, inputSize, writer, link, options.jobs, options.stopOnWriteError, reportProgress);
     writer.Flush();
@@ -151,7 +170,6 @@ TranslationOutcome TranslateTraceFile(std::string_view inputPath, std::string_vi
     readError = result.readError;
     bytesRead = result.bytesRead;
   } else {
-    DecodeContext context{writer, link.setupPending ? LinkSetup::Pending : LinkSetup::NotPending};
     LineReader reader(inputFd);
     // Output produced so far reaches its reader before the run may wait
     // for more input: `velmora - -` works as a filter.
@@ -159,13 +177,19 @@ TranslationOutcome TranslateTraceFile(std::string_view inputPath, std::string_vi
       writer.Flush();
       reportProgress(reader.BytesRead());
     });
-    while (const auto line = reader.Next()) {
-      TranslateTraceLine(context, *line);
-      if (options.stopOnWriteError && writer.Failed()) break;
+    const auto stopped = [&] { return options.stopOnWriteError && writer.Failed(); };
+    if (options.makeConsumer) {
+      frameFound = ConsumeTrace(reader, *options.makeConsumer(writer, link), stopped);
+    } else {
+      DecodeContext context{writer, link.setupPending ? LinkSetup::Pending : LinkSetup::NotPending};
+      while (const auto line = reader.Next()) {
+        TranslateTraceLine(context, *line);
+        if (stopped()) break;
+      }
+      link.setupPending = context.linkSetup == LinkSetup::Pending;
+      frameFound = context.frameFound;
     }
     writer.Flush();
-    link.setupPending = context.linkSetup == LinkSetup::Pending;
-    frameFound = context.frameFound;
     readError = reader.Error();
     bytesRead = reader.BytesRead();
   }

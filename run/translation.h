@@ -3,9 +3,13 @@
 // button and the velmora command. This header is all the front ends use.
 #include <cstdint>
 #include <functional>
+#include <memory>
 #include <string_view>
 
 namespace velmora {
+
+class OutputWriter;
+class TraceConsumer;
 
 enum class TranslationOutcome {
   InputNotSelected,
@@ -46,6 +50,10 @@ struct TranslationReport {
   std::uint64_t bytesWritten = 0;
 };
 
+// Makes what a run writes instead of the message file (trace_consumer.h),
+// once both files are open; it writes through `out`.
+using TraceConsumerFactory = std::function<std::unique_ptr<TraceConsumer>(OutputWriter& out, LinkMemory& link)>;
+
 struct TranslationOptions {
   // "-" as the input reads standard input, "-" as the output writes
   // standard output (the command line's convention).
@@ -69,6 +77,9 @@ struct TranslationOptions {
   std::function<void(std::uint64_t bytesRead, std::uint64_t inputSize)> progress;
   // Filled in when not null.
   TranslationReport* report = nullptr;
+  // Another output than the message file (one thread, whatever `jobs`
+  // says); empty: the message file.
+  TraceConsumerFactory makeConsumer;
 };
 
 // Checks the paths, opens both files, copies and decodes every line of the

@@ -3,8 +3,10 @@
 #include <gtest/gtest.h>
 
 #include <filesystem>
+#include <memory>
 #include <string>
 
+#include "trace_consumer.h"
 #include "trace_files.h"
 #include "translation.h"
 
@@ -62,6 +64,41 @@ TEST_F(TranslationRun, ReportCountsTheBytesReadAndWritten) {
   EXPECT_EQ(report.bytesWritten, Read("out.txt").size());
   EXPECT_EQ(report.readError, 0);
   EXPECT_EQ(report.writeError, 0);
+}
+
+// A consumer in place of the message file: it writes one line per piece,
+// with the piece's line number and a frame line's octet count.
+class PieceLister final : public TraceConsumer {
+ public:
+  explicit PieceLister(OutputWriter& out) : out_(out) {}
+  void Consume(const TracePiece& piece) override {
+    out_.Decimal(static_cast<std::int64_t>(piece.lineNumber));
+    out_.Put(piece.isFrameLine ? " frame " : " text ");
+    out_.Decimal(static_cast<std::int64_t>(piece.text.size()));
+    for (const Octet octet : piece.frame) out_.SpaceHex(octet);
+    out_.Put('\n');
+  }
+  void Finish() override { out_.Put("end\n"); }
+
+ private:
+  OutputWriter& out_;
+};
+
+TEST_F(TranslationRun, AConsumerSeesEveryPieceInsteadOfTheMessageFile) {
+  const std::string frame = FrameLine("0x00 0x81 0x7f");
+  Write("in.txt", "plain\n" + std::string(5000, 'a') + "\n" + frame + frame.substr(0, frame.size() - 1));
+  TranslationOptions options;
+  options.jobs = 4;
+  options.makeConsumer = [](OutputWriter& out, LinkMemory&) { return std::make_unique<PieceLister>(out); };
+  LinkMemory link;
+  EXPECT_EQ(TranslateTraceFile(Path("in.txt"), Path("out.txt"), link, options), TranslationOutcome::TranslationDone);
+  EXPECT_EQ(Read("out.txt"),
+            "1 text 6\n2 text 2047\n2 text 2047\n2 text 907\n3 frame 90 0x0 0x81 0x7f\n"
+            "4 frame 89 0x0 0x81 0x7f\nend\n");
+
+  Write("in.txt", "no frame\n");
+  EXPECT_EQ(TranslateTraceFile(Path("in.txt"), Path("out.txt"), link, options), TranslationOutcome::NoFrameFound);
+  EXPECT_EQ(Read("out.txt"), "1 text 9\nend\n");
 }
 
 }  // namespace

@@ -1,0 +1,122 @@
+#include "frame_line_facts.h"
+
+namespace velmora {
+namespace {
+
+constexpr bool IsDigit(char c) { return c >= '0' && c <= '9'; }
+constexpr bool IsAlphanumeric(char c) { return IsDigit(c) || ((c | 0x20) >= 'a' && (c | 0x20) <= 'z'); }
+
+// The value of `count` digits at `at`, or -1 when one of them is no digit.
+int Digits(std::string_view text, std::size_t at, std::size_t count) {
+  if (at + count > text.size()) return -1;
+  int value = 0;
+  for (std::size_t i = at; i < at + count; ++i) {
+    if (!IsDigit(text[i])) return -1;
+    value = value * 10 + (text[i] - '0');
+  }
+  return value;
+}
+
+// A token stands alone: no letter or digit right before or right after it.
+bool StandsAlone(std::string_view text, std::size_t begin, std::size_t end) {
+  return (begin == 0 || !IsAlphanumeric(text[begin - 1])) && (end >= text.size() || !IsAlphanumeric(text[end]));
+}
+
+// "YYYY-MM-DD" at `at`.
+std::optional<LineDate> DateAt(std::string_view text, std::size_t at) {
+  if (at + 10 > text.size() || text[at + 4] != '-' || text[at + 7] != '-') return std::nullopt;
+  const int year = Digits(text, at, 4);
+  const int month = Digits(text, at + 5, 2);
+  const int day = Digits(text, at + 8, 2);
+  if (year < 0 || month < 1 || month > 12 || day < 1 || day > 31) return std::nullopt;
+  // "2026-03-14T09:15:02" joins a date and a time with a T.
+  const bool joinedToTime = at + 10 < text.size() && text[at + 10] == 'T';
+  if (!joinedToTime && !StandsAlone(text, at, at + 10)) return std::nullopt;
+  if (at > 0 && IsAlphanumeric(text[at - 1])) return std::nullopt;
+  return LineDate{year, month, day};
+}
+
+// "hh:mm:ss" with an optional ".fraction" at `at`; `length` receives its size.
+std::optional<LineTime> TimeAt(std::string_view text, std::size_t at, std::size_t& length) {
+  if (at + 8 > text.size() || text[at + 2] != ':' || text[at + 5] != ':') return std::nullopt;
+  const int hour = Digits(text, at, 2);
+  const int minute = Digits(text, at + 3, 2);
+  const int second = Digits(text, at + 6, 2);
+  if (hour < 0 || hour > 23 || minute < 0 || minute > 59 || second < 0 || second > 60) return std::nullopt;
+  std::size_t end = at + 8;
+  std::uint32_t microsecond = 0;
+  if (end + 1 < text.size() && text[end] == '.' && IsDigit(text[end + 1])) {
+    std::uint32_t scale = 100000;
+    for (++end; end < text.size() && IsDigit(text[end]); ++end) {
+      microsecond += static_cast<std::uint32_t>(text[end] - '0') * scale;
+      scale /= 10;
+    }
+  }
+  const bool afterDate = at > 0 && text[at - 1] == 'T' && at >= 11 && IsDigit(text[at - 2]);
+  if (!afterDate && at > 0 && (IsAlphanumeric(text[at - 1]) || text[at - 1] == ':')) return std::nullopt;
+  if (end < text.size() && (IsAlphanumeric(text[end]) || text[end] == ':')) return std::nullopt;
+  length = end - at;
+  return LineTime{hour, minute, second, microsecond};
+}
+
+FrameDirection DirectionAt(std::string_view text, std::size_t at) {
+  if (at + 2 > text.size() || (text[at + 1] | 0x20) != 'x' || !StandsAlone(text, at, at + 2))
+    return FrameDirection::Unknown;
+  switch (text[at] | 0x20) {
+    case 't':
+      return FrameDirection::Sent;
+    case 'r':
+      return FrameDirection::Received;
+    default:
+      return FrameDirection::Unknown;
+  }
+}
+
+// Days from 1970-01-01 to a date of the proleptic Gregorian calendar.
+std::int64_t DaysSinceEpoch(int year, int month, int day) {
+  year -= month <= 2;
+  const std::int64_t era = (year >= 0 ? year : year - 399) / 400;
+  const int yearOfEra = static_cast<int>(year - era * 400);
+  const int dayOfYear = (153 * (month + (month > 2 ? -3 : 9)) + 2) / 5 + day - 1;
+  const int dayOfEra = yearOfEra * 365 + yearOfEra / 4 - yearOfEra / 100 + dayOfYear;
+  return era * 146097 + dayOfEra - 719468;
+}
+
+}  // namespace
+
+FrameLineFacts ReadFrameLineFacts(std::string_view line) {
+  const std::string_view head = line.substr(0, line.find("HDLC"));
+  FrameLineFacts facts;
+  for (std::size_t at = 0; at < head.size(); ++at) {
+    if (facts.direction == FrameDirection::Unknown) facts.direction = DirectionAt(head, at);
+    if (!IsDigit(head[at])) continue;
+    if (!facts.date) {
+      if ((facts.date = DateAt(head, at))) {
+        facts.dateText = head.substr(at, 10);
+        at += 9;
+        continue;
+      }
+    }
+    if (!facts.time) {
+      std::size_t length = 0;
+      if ((facts.time = TimeAt(head, at, length))) {
+        facts.timeText = head.substr(at, length);
+        at += length - 1;
+        continue;
+      }
+    }
+    // Inside a run of digits nothing new starts.
+    while (at + 1 < head.size() && IsDigit(head[at + 1])) ++at;
+  }
+  return facts;
+}
+
+std::int64_t MicrosecondsOfDay(const LineTime& time) {
+  return ((time.hour * 60LL + time.minute) * 60 + time.second) * 1000000 + time.microsecond;
+}
+
+std::int64_t MicrosecondsSinceEpoch(const LineDate& date, const LineTime& time) {
+  return DaysSinceEpoch(date.year, date.month, date.day) * 86400000000LL + MicrosecondsOfDay(time);
+}
+
+}  // namespace velmora

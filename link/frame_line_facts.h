@@ -1,0 +1,47 @@
+#pragma once
+// What a frame line tells about its frame besides the octets: the direction
+// of a whole-word TX or RX, and the moment of a date YYYY-MM-DD and a time
+// hh:mm:ss[.fraction], when they stand on the line before its "HDLC" marker
+// ("00005 2026-03-14 09:15:02.306 **** D-CH TX HDLC:38 ..."). The capture
+// export and the call summary read frame lines by these rules alone.
+#include <cstdint>
+#include <optional>
+#include <string_view>
+
+namespace velmora {
+
+enum class FrameDirection : std::uint8_t { Unknown, Sent, Received };  // TX, RX
+
+struct LineDate {
+  int year;
+  int month;  // 1 to 12
+  int day;    // 1 to 31
+};
+
+struct LineTime {
+  int hour;                   // 0 to 23
+  int minute;                 // 0 to 59
+  int second;                 // 0 to 60 (a leap second)
+  std::uint32_t microsecond;  // the fraction, cut to six digits
+};
+
+struct FrameLineFacts {
+  FrameDirection direction = FrameDirection::Unknown;
+  std::optional<LineDate> date;
+  std::optional<LineTime> time;
+  std::string_view dateText;  // as written on the line; empty without a date
+  std::string_view timeText;  // as written, fraction included; empty without a time
+};
+
+// The first whole-word TX or RX (any case), the first date and the first time
+// before the line's first "HDLC" (the whole line when it has none). A token
+// that only looks like a date or a time (month 13, 25:00:00) is none.
+FrameLineFacts ReadFrameLineFacts(std::string_view line);
+
+// Microseconds since 1970-01-01 00:00:00, the date and time taken as UTC.
+std::int64_t MicrosecondsSinceEpoch(const LineDate& date, const LineTime& time);
+
+// Microseconds since midnight.
+std::int64_t MicrosecondsOfDay(const LineTime& time);
+
+}  // namespace velmora

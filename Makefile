@@ -40,7 +40,7 @@ demo: build
 # Every test, built with AddressSanitizer and UndefinedBehaviorSanitizer.
 test: deps
 	cmake -S . -B $(TEST_DIR) -G Ninja -DCMAKE_BUILD_TYPE=Debug \
-	  -DVELMORA_SANITIZE=address,undefined >/dev/null
+	  -DVELMORA_SANITIZE=address,undefined -DVELMORA_WERROR=ON >/dev/null
 	cmake --build $(TEST_DIR) -j $(JOBS)
 	cd $(TEST_DIR) && ASAN_OPTIONS=detect_leaks=1 ctest --output-on-failure -j $(JOBS)
 	$(MAKE) fuzz-smoke
@@ -50,7 +50,8 @@ test: deps
 FUZZ_DIR := build/fuzz
 FUZZ_SECONDS ?= 60
 FUZZ_BUILD = cmake -S . -B $(FUZZ_DIR) -G Ninja -DCMAKE_BUILD_TYPE=RelWithDebInfo -DCMAKE_CXX_COMPILER=clang++ \
-	  -DVELMORA_SANITIZE=address,undefined -DVELMORA_TESTS=OFF -DVELMORA_DIALOG=OFF -DVELMORA_FUZZ=ON >/dev/null && \
+	  -DVELMORA_SANITIZE=address,undefined -DVELMORA_TESTS=OFF -DVELMORA_DIALOG=OFF -DVELMORA_FUZZ=ON \
+	  -DVELMORA_WERROR=ON >/dev/null && \
 	  cmake --build $(FUZZ_DIR) -j $(JOBS) --target fuzz_targets
 
 .PHONY: fuzz fuzz-smoke

@@ -4,13 +4,14 @@ SHELL := /bin/bash
 .DEFAULT_GOAL := demo
 
 PACKAGES := cmake ninja-build g++ clang clang-format libclang-rt-14-dev libgtest-dev libgmock-dev \
-            libbenchmark-dev qt6-base-dev time bc
+            libbenchmark-dev qt6-base-dev time bc \
+            dpkg-dev file lintian desktop-file-utils groff-base man-db
 JOBS ?= $(shell nproc)
 
 RELEASE_DIR := build/release
 TEST_DIR := build/test
 
-.PHONY: demo test deps build clean
+.PHONY: demo test deps build package package-check clean
 
 # Installs what is missing; when not root, prints the exact line and stops.
 deps:
@@ -37,20 +38,41 @@ demo: build
 	@echo "---- build/demo/message.txt ----"
 	@cat build/demo/message.txt
 
-# Every test, built with AddressSanitizer and UndefinedBehaviorSanitizer.
+# Every test, built with AddressSanitizer and UndefinedBehaviorSanitizer and
+# warnings as errors; then the fuzz smoke and the check of the .deb packages.
 test: deps
 	cmake -S . -B $(TEST_DIR) -G Ninja -DCMAKE_BUILD_TYPE=Debug \
-	  -DVELMORA_SANITIZE=address,undefined >/dev/null
+	  -DVELMORA_SANITIZE=address,undefined -DVELMORA_WERROR=ON >/dev/null
 	cmake --build $(TEST_DIR) -j $(JOBS)
 	cd $(TEST_DIR) && ASAN_OPTIONS=detect_leaks=1 ctest --output-on-failure -j $(JOBS)
 	$(MAKE) fuzz-smoke
+	$(MAKE) package-check
+
+# The Debian packages velmora and zandrel (build/package/*.deb): a Release
+# build with Debian's hardening flags, without sanitizers, packed by CPack.
+PACKAGE_DIR := build/package
+BUILDFLAGS := DEB_BUILD_MAINT_OPTIONS=hardening=+all dpkg-buildflags --get
+
+package: deps
+	cmake -S . -B $(PACKAGE_DIR) -G Ninja -DCMAKE_BUILD_TYPE=Release -DVELMORA_TESTS=OFF \
+	  -DCMAKE_CXX_FLAGS="$$($(BUILDFLAGS) CPPFLAGS) $$($(BUILDFLAGS) CXXFLAGS)" \
+	  -DCMAKE_EXE_LINKER_FLAGS="$$($(BUILDFLAGS) LDFLAGS)" >/dev/null
+	cmake --build $(PACKAGE_DIR) -j $(JOBS)
+	rm -f $(PACKAGE_DIR)/*.deb
+	cd $(PACKAGE_DIR) && cpack -G DEB
+	@ls $(PACKAGE_DIR)/*.deb
+
+# The packages unpacked into a scratch root and checked there, then lintian.
+package-check: package
+	bash packaging/check_package.sh $(PACKAGE_DIR)
 
 # libFuzzer targets (clang, ASan/UBSan): `make fuzz` runs each for
 # FUZZ_SECONDS, `make fuzz-smoke` each for a few seconds from the seeds.
 FUZZ_DIR := build/fuzz
 FUZZ_SECONDS ?= 60
 FUZZ_BUILD = cmake -S . -B $(FUZZ_DIR) -G Ninja -DCMAKE_BUILD_TYPE=RelWithDebInfo -DCMAKE_CXX_COMPILER=clang++ \
-	  -DVELMORA_SANITIZE=address,undefined -DVELMORA_TESTS=OFF -DVELMORA_DIALOG=OFF -DVELMORA_FUZZ=ON >/dev/null && \
+	  -DVELMORA_SANITIZE=address,undefined -DVELMORA_TESTS=OFF -DVELMORA_DIALOG=OFF -DVELMORA_FUZZ=ON \
+	  -DVELMORA_WERROR=ON >/dev/null && \
 	  cmake --build $(FUZZ_DIR) -j $(JOBS) --target fuzz_targets
 
 .PHONY: fuzz fuzz-smoke

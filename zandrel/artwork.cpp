@@ -1,9 +1,10 @@
 // Draws the application icon (a trace sheet with a "translate" arrow, in the
-// 16-colour VGA palette) as PNG files and a Windows .ico, and takes the
-// README's picture of the main dialog.
+// 16-colour VGA palette) as PNG files, a Windows .ico and a scalable SVG of
+// the 32-pixel picture, and takes the README's picture of the main dialog.
 //   zandrel_artwork icons <dir>
 //   zandrel_artwork screenshot <file.png>
 #include <QApplication>
+#include <QColor>
 #include <QDataStream>
 #include <QDir>
 #include <QFile>
@@ -151,6 +152,35 @@ QByteArray IconFile(const std::vector<QImage>& images) {
   return bytes;
 }
 
+// The picture as SVG: one rectangle per run of same-coloured pixels in a row,
+// drawn with crisp edges so that every size shows the same pixel art.
+QByteArray SvgFile(const QImage& image) {
+  QByteArray svg;
+  svg += QStringLiteral(
+             "<svg xmlns=\"http://www.w3.org/2000/svg\" width=\"%1\" height=\"%1\" viewBox=\"0 0 %1 %1\" "
+             "shape-rendering=\"crispEdges\">\n")
+             .arg(image.width())
+             .toUtf8();
+  for (int y = 0; y < image.height(); ++y) {
+    for (int x = 0; x < image.width();) {
+      const QRgb pixel = image.pixel(x, y);
+      int end = x + 1;
+      while (end < image.width() && image.pixel(end, y) == pixel) ++end;
+      if (qAlpha(pixel) != 0) {
+        svg += QStringLiteral("<rect x=\"%1\" y=\"%2\" width=\"%3\" height=\"1\" fill=\"%4\"/>\n")
+                   .arg(x)
+                   .arg(y)
+                   .arg(end - x)
+                   .arg(QColor(pixel).name())
+                   .toUtf8();
+      }
+      x = end;
+    }
+  }
+  svg += "</svg>\n";
+  return svg;
+}
+
 int WriteIcons(const QString& directory) {
   std::vector<QImage> images;
   for (const IconLayout& layout : kLayouts) {
@@ -160,6 +190,8 @@ int WriteIcons(const QString& directory) {
   }
   QFile ico(QDir(directory).filePath(QStringLiteral("zandrel.ico")));
   if (!ico.open(QIODevice::WriteOnly) || ico.write(IconFile(images)) < 0) return 1;
+  QFile svg(QDir(directory).filePath(QStringLiteral("zandrel.svg")));
+  if (!svg.open(QIODevice::WriteOnly) || svg.write(SvgFile(images.front())) < 0) return 1;
   return 0;
 }
 

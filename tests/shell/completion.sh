@@ -28,11 +28,10 @@ expect() {
 [[ $(complete -p velmora) == *"-F _velmora"* ]] || { echo "no completion registered for velmora"; failures=1; }
 expect "--j" "--jobs"
 expect "--v" "--version"
-expect "-" "--help --jobs --version -j -q"
+expect "-" "--help --jobs --to --version -j -q"
 expect "-j 1" "1"
 expect "--jobs " "$(seq 1 "$(nproc)" | LC_ALL=C sort | tr '\n' ' ' | sed 's/ $//')"
-expect "--to calls" "calls calls-csv calls-json"
-expect "--to " "calls calls-csv calls-json message pcap report"
+expect "--to m" "message"
 expect "trac" "trace.txt traces"
 expect "traces/" "traces/a.txt"
 expect "-q trace.txt " "-odd.txt trace.txt traces"

@@ -210,7 +210,6 @@ class ZandrelDialogTest : public QObject {
     QTest::addColumn<bool>("output");
     const PcapLayout lapd;
     const std::string sabme = PcapHeader(lapd) + PcapRecord(lapd, 1773479702, 5, std::string("\x00\x81\x7f", 3));
-    QTest::newRow("LAPD") << QByteArray::fromStdString(sabme) << "Translation is done!" << true;
     QTest::newRow("cut off") << QByteArray::fromStdString(sabme + PcapRecord(lapd, 0, 0, "\x01", 1000))
                              << "Cannot read Input log file to its end!\n%1: the capture ends at byte 60 in the "
                                 "middle of a record, after packet 1 (truncated dump file; tried to read 1000 "
@@ -233,7 +232,7 @@ class ZandrelDialogTest : public QObject {
     d.Set(IDC_OUTPUT_PATH, Path("out.txt"));
     d.Click(IDC_TRANSLATE);
     QCOMPARE(d.messages.size(), size_t(1));
-    QCOMPARE(d.messages[0].text, text.contains("%1") ? text.arg(Path("in.pcap")) : text);
+    QCOMPARE(d.messages[0].text, text.arg(Path("in.pcap")));
     QCOMPARE(QFile::exists(Path("out.txt")), output);
     if (output) QVERIFY(ReadAll(Path("out.txt")).startsWith("00001 2026-03-14 09:15:02.000005 **** D-CH -- HDLC:3"));
   }

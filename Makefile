@@ -4,7 +4,7 @@ SHELL := /bin/bash
 .DEFAULT_GOAL := demo
 
 PACKAGES := cmake ninja-build g++ clang clang-format libclang-rt-14-dev libgtest-dev libgmock-dev \
-            libbenchmark-dev qt6-base-dev time bc \
+            libbenchmark-dev qt6-base-dev libpcap-dev time bc \
             dpkg-dev file lintian desktop-file-utils groff-base man-db
 JOBS ?= $(shell nproc)
 

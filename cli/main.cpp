@@ -14,6 +14,8 @@
 #include <thread>
 #include <vector>
 
+#include "capture_input.h"
+#include "pcap_export.h"
 #include "progress_bar.h"
 #include "translation.h"
 #include "velmora_version.h"
@@ -23,6 +25,7 @@ namespace {
 constexpr int kExitOk = 0;
 constexpr int kExitNoFrame = 1;
 constexpr int kExitUsage = 64;       // EX_USAGE
+constexpr int kExitDataError = 65;   // EX_DATAERR
 constexpr int kExitNoInput = 66;     // EX_NOINPUT
 constexpr int kExitCantCreate = 73;  // EX_CANTCREAT
 constexpr int kExitIoError = 74;     // EX_IOERR
@@ -36,6 +39,7 @@ struct OutputKind {
 };
 constexpr OutputKind kOutputKinds[] = {
     {"message", "the message file (the default)", nullptr},
+    {"pcap", "a pcap capture of every frame line's octets", &velmora::PcapExport},
 };
 
 constexpr std::string_view kUsageHead =
@@ -43,7 +47,8 @@ constexpr std::string_view kUsageHead =
     "Translate an ISDN D-channel trace log into a message file: every input line\n"
     "copied, and behind each frame line its Q.921 frame kind and Q.931 message.\n"
     "\n"
-    "  INPUT    the trace log; - reads standard input\n"
+    "  INPUT    the trace log, or a pcap or pcapng capture of LAPD frames;\n"
+    "           - reads standard input\n"
     "  OUTPUT   the message file to write; - writes standard output\n"
     "  -q       say nothing when a translation is done\n"
     "  -j N, --jobs N  threads for a large input file, 1 to 256 (default: the\n"
@@ -60,8 +65,9 @@ constexpr std::string_view kUsageTail =
     "or a redirected standard stream) is refused before anything is written.\n"
     "\n"
     "Exit status: 0 done, 1 no frame line found, 64 usage error or paths not\n"
-    "usable together, 66 input cannot be opened, 73 output cannot be created,\n"
-    "74 reading or writing failed part-way.\n";
+    "usable together, 65 a capture that is not LAPD or is damaged, 66 input\n"
+    "cannot be opened, 73 output cannot be created, 74 reading or writing\n"
+    "failed part-way (a capture cut off included).\n";
 
 void PrintUsage(std::ostream& out) {
   out << kUsageHead;
@@ -113,6 +119,7 @@ int TranslatePair(const std::string& input, const std::string& output, velmora::
   options.stopOnWriteError = true;
   options.jobs = settings.jobs;
   options.report = &report;
+  options.inputFormats = {&velmora::CaptureFormat()};
   if (settings.kind->make != nullptr) options.makeConsumer = settings.kind->make();
   velmora::ProgressBar progress(stderr);
   if (::isatty(STDERR_FILENO))
@@ -121,19 +128,29 @@ int TranslatePair(const std::string& input, const std::string& output, velmora::
   progress.Finish();
   const std::string inputName = StreamName(input, "standard input");
   const std::string outputName = StreamName(output, "standard output");
-  if (report.readError != 0 || report.writeError != 0) {
+  const bool captureBroken =
+      report.inputFault == velmora::InputFault::CutOff || report.inputFault == velmora::InputFault::Damaged;
+  if (report.readError != 0 || report.writeError != 0 || captureBroken) {
     if (report.readError != 0)
       std::cerr << "velmora: reading " << inputName << " failed part-way: " << std::strerror(report.readError) << '\n';
+    if (captureBroken)
+      std::cerr << "velmora: " << inputName << ": " << report.inputFaultText << "; the output is incomplete\n";
     if (report.writeError != 0)
       std::cerr << "velmora: writing " << outputName << " failed: " << std::strerror(report.writeError)
                 << "; the output is incomplete\n";
-    return kExitIoError;
+    const bool dataError =
+        report.inputFault == velmora::InputFault::Damaged && report.readError == 0 && report.writeError == 0;
+    return dataError ? kExitDataError : kExitIoError;
   }
   if (!(settings.quiet && outcome == velmora::TranslationOutcome::TranslationDone))
     std::cerr << (labelled ? input + ": " : std::string()) << velmora::DescribeOutcome(outcome).text << '\n';
   // The outcome sentence says what failed; this line says where and why.
   switch (outcome) {
     case velmora::TranslationOutcome::InputOpenFailed:
+      if (report.inputFault == velmora::InputFault::Refused) {
+        std::cerr << "velmora: " << inputName << ": " << report.inputFaultText << '\n';
+        return kExitDataError;
+      }
       std::cerr << "velmora: " << inputName << ": " << std::strerror(report.openError) << '\n';
       break;
     case velmora::TranslationOutcome::OutputOpenFailed:

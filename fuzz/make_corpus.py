@@ -2,8 +2,9 @@
 """Writes the seed corpus of the fuzz targets into fuzz/corpus/<target>/.
 
 Seeds come from the sample trace (in small slices), the golden-test inputs,
-the frames in them (whole Q.931 messages, and each element with the index of
-its decoder) and a few hostile inputs made here. Files named regression-*
+the frames in them (whole Q.931 messages, each element with the index of
+its decoder, and pcap and pcapng captures of them) and a few hostile inputs
+made here. Files named regression-*
 are reproducers of faults found by fuzzing and are kept as they are.
 
 Run from anywhere: python3 fuzz/make_corpus.py
@@ -11,6 +12,7 @@ Run from anywhere: python3 fuzz/make_corpus.py
 import hashlib
 import pathlib
 import re
+import struct
 
 ROOT = pathlib.Path(__file__).resolve().parent.parent
 CORPUS = ROOT / "fuzz" / "corpus"
@@ -98,10 +100,69 @@ def hostile_texts():
     yield b"\x7fELF\x02\x01\x01\x00" + bytes(200) + b"\xff\xfe**** HDLC:7F | 0x7F 0xAB 0xff" + b"\x80" * 90
 
 
+def pcap(frames, link=203, big_endian=False, nanoseconds=False, snap=65535, stamp=1773479702):
+    """A pcap file of the frames, one a millisecond; a frame may be (data, captured length)."""
+    order = ">" if big_endian else "<"
+    data = struct.pack(order + "IHHiIII", 0xA1B23C4D if nanoseconds else 0xA1B2C3D4, 2, 4, 0, 0, snap, link)
+    for index, frame in enumerate(frames):
+        octets, captured = frame if isinstance(frame, tuple) else (frame, len(frame))
+        fraction = index * (1000000 if nanoseconds else 1000)
+        data += struct.pack(order + "IIII", stamp, fraction, captured, len(octets)) + octets
+    return data
+
+
+def pcapng_block(kind, body):
+    body += bytes(-len(body) % 4)
+    return struct.pack("<II", kind, len(body) + 12) + body + struct.pack("<I", len(body) + 12)
+
+
+def pcapng(frames, links=(203,)):
+    """A pcapng file: a section, an interface per link type, then the frames on
+    the last interface; a frame may be (interface, data)."""
+    data = pcapng_block(0x0A0D0D0A, struct.pack("<IHHq", 0x1A2B3C4D, 1, 0, -1))
+    for link in links:
+        data += pcapng_block(1, struct.pack("<HHI", link, 0, 65535))
+    for index, frame in enumerate(frames):
+        interface, octets = frame if isinstance(frame, tuple) else (len(links) - 1, frame)
+        stamp = 1773479702000000 + index
+        data += pcapng_block(6, struct.pack("<IIIII", interface, stamp >> 32, stamp & 0xFFFFFFFF, len(octets),
+                                            len(octets)) + octets)
+    return data
+
+
+def cooked(frame, packet_type):
+    """A frame behind the LINKTYPE_LINUX_LAPD pseudo-header."""
+    return struct.pack(">HHH8sH", packet_type, 8445, 0, bytes(8), 0x0030) + frame
+
+
+def capture_seeds(texts):
+    frames = [frame for text in texts for frame in map(frame_octets, text.split(b"\n")) if frame is not None]
+    sabme = bytes([0x00, 0x81, 0x7F])
+    yield pcap(frames[:40])
+    yield pcap([cooked(frame, (0, 4, 3)[i % 3]) for i, frame in enumerate(frames[40:80])], link=177,
+               big_endian=True, nanoseconds=True)
+    yield pcapng(frames[80:120])
+    yield pcapng([cooked(frame, 4) for frame in frames[:10]], links=(177,))
+    # Damaged or odd: a header cut short, a huge snap length, a packet longer
+    # than the file, an empty packet, a pseudo-header cut short, another
+    # interface's link type in the middle, a cut-off block, a capture length
+    # beyond any snap length, another link type, time stamps past 2038.
+    yield pcap([sabme])[:10]
+    yield pcap([sabme], snap=0xFFFFFFFF)
+    yield pcap([sabme, (sabme, 1000)])
+    yield pcap([b"", sabme, bytes(1)])
+    yield pcap([bytes(15), cooked(sabme, 4)], link=177)
+    yield pcapng([sabme, (1, sabme)], links=(203, 1))
+    yield pcapng([sabme, sabme])[:-7]
+    yield pcap([sabme, (sabme, 0x7FFFFFFF)])
+    yield pcap([sabme], link=1)
+    yield pcap([sabme, bytes(400)], stamp=0xFFFFFFFF)
+
+
 def main():
     golden = sorted((ROOT / "tests" / "data").glob("*.in.txt"))
     sample = (ROOT / "samples" / "trace.txt").read_bytes()
-    for target in ("line_handler", "translation_run", "element_decoders", "q931_message"):
+    for target in ("line_handler", "translation_run", "element_decoders", "q931_message", "capture_input"):
         directory = CORPUS / target
         if directory.exists():
             for old in directory.glob("seed-*"):
@@ -122,6 +183,9 @@ def main():
             write("translation_run", seed_name(data), data)
     whole = bytes([0x80, 0x00]) + sample
     write("translation_run", seed_name(whole), whole)
+
+    for capture in capture_seeds(texts + [sample]):
+        write("capture_input", seed_name(capture), capture)
 
     messages = list(q931_messages(texts + [sample]))
     for message in messages:

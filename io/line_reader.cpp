@@ -2,6 +2,7 @@
 
 #include <unistd.h>
 
+#include <algorithm>
 #include <cerrno>
 #include <cstring>
 
@@ -9,6 +10,13 @@ namespace velmora {
 
 LineReader::LineReader(int fd, std::size_t blockSize)
     : fd_(fd), blockSize_(blockSize < kMaxPiece ? kMaxPiece : blockSize), buffer_(new char[blockSize_ + kMaxPiece]) {}
+
+void LineReader::Preload(std::string_view bytes) {
+  const std::size_t size = std::min(bytes.size(), blockSize_ + kMaxPiece - end_);
+  std::memcpy(buffer_.get() + end_, bytes.data(), size);
+  end_ += size;
+  bytesRead_ += size;
+}
 
 // Moves the unread rest to the front and reads more behind it.
 bool LineReader::Refill() {

@@ -21,6 +21,11 @@ class LineReader {
   // that output already produced reaches its reader first (pipelines).
   void SetBeforeRead(std::function<void()> beforeRead) { beforeRead_ = std::move(beforeRead); }
 
+  // Bytes already taken from the descriptor (a pipe's first bytes, read to
+  // tell its format), handed out before what is read after them. At most a
+  // block; before the first Next().
+  void Preload(std::string_view bytes);
+
   // The next piece: up to and including the first "\n", at most 2047
   // characters. Valid until the next call. Nothing at the end of the input
   // or after a read error.

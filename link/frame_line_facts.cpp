@@ -82,6 +82,8 @@ std::int64_t DaysSinceEpoch(int year, int month, int day) {
   return era * 146097 + dayOfEra - 719468;
 }
 
+constexpr std::int64_t kMicrosecondsPerDay = 86400000000LL;
+
 }  // namespace
 
 FrameLineFacts ReadFrameLineFacts(std::string_view line) {
@@ -116,7 +118,40 @@ std::int64_t MicrosecondsOfDay(const LineTime& time) {
 }
 
 std::int64_t MicrosecondsSinceEpoch(const LineDate& date, const LineTime& time) {
-  return DaysSinceEpoch(date.year, date.month, date.day) * 86400000000LL + MicrosecondsOfDay(time);
+  return DaysSinceEpoch(date.year, date.month, date.day) * kMicrosecondsPerDay + MicrosecondsOfDay(time);
+}
+
+LineMoment MomentOf(std::int64_t microsecondsSinceEpoch) {
+  // Floor division, so that moments before 1970 fall on the day before.
+  std::int64_t days = microsecondsSinceEpoch / kMicrosecondsPerDay;
+  std::int64_t ofDay = microsecondsSinceEpoch % kMicrosecondsPerDay;
+  if (ofDay < 0) {
+    ofDay += kMicrosecondsPerDay;
+    --days;
+  }
+  // The inverse of DaysSinceEpoch, by eras of 400 years from 0000-03-01.
+  days += 719468;
+  const std::int64_t era = (days >= 0 ? days : days - 146096) / 146097;
+  const std::int64_t dayOfEra = days - era * 146097;
+  const std::int64_t yearOfEra = (dayOfEra - dayOfEra / 1460 + dayOfEra / 36524 - dayOfEra / 146096) / 365;
+  const std::int64_t dayOfYear = dayOfEra - (365 * yearOfEra + yearOfEra / 4 - yearOfEra / 100);
+  const std::int64_t shiftedMonth = (5 * dayOfYear + 2) / 153;  // 0 is March
+  const int day = static_cast<int>(dayOfYear - (153 * shiftedMonth + 2) / 5 + 1);
+  const int month = static_cast<int>(shiftedMonth < 10 ? shiftedMonth + 3 : shiftedMonth - 9);
+  const int year = static_cast<int>(yearOfEra + era * 400 + (month <= 2));
+  const std::int64_t seconds = ofDay / 1000000;
+  return {{year, month, day},
+          {static_cast<int>(seconds / 3600), static_cast<int>(seconds / 60 % 60), static_cast<int>(seconds % 60),
+           static_cast<std::uint32_t>(ofDay % 1000000)}};
+}
+
+std::int64_t FrameClock::Next(const FrameLineFacts& facts) {
+  if (facts.date) lastDate_ = *facts.date;
+  const std::int64_t moment = facts.time  ? MicrosecondsSinceEpoch(lastDate_, *facts.time)
+                              : previous_ ? *previous_ + 1
+                                          : 0;
+  previous_ = moment;
+  return moment;
 }
 
 }  // namespace velmora

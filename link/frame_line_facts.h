@@ -44,4 +44,27 @@ std::int64_t MicrosecondsSinceEpoch(const LineDate& date, const LineTime& time);
 // Microseconds since midnight.
 std::int64_t MicrosecondsOfDay(const LineTime& time);
 
+// A moment as a date and a time of day, UTC: the inverse of
+// MicrosecondsSinceEpoch (years before 1 or after 9999 included).
+struct LineMoment {
+  LineDate date;
+  LineTime time;
+};
+LineMoment MomentOf(std::int64_t microsecondsSinceEpoch);
+
+// The moments of successive frame lines, for a capture of them: a line's own
+// date and time; a time without a date on the date of the last frame line
+// that had one (1970-01-01 before any); a line without a time one
+// microsecond after the frame line before it, the first at 1970-01-01
+// 00:00:00. A date without a time is kept for the lines after it.
+class FrameClock {
+ public:
+  // The next frame line's moment, in microseconds since 1970-01-01 UTC.
+  std::int64_t Next(const FrameLineFacts& facts);
+
+ private:
+  LineDate lastDate_{1970, 1, 1};
+  std::optional<std::int64_t> previous_;
+};
+
 }  // namespace velmora

@@ -4,10 +4,12 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <cerrno>
 #include <string>
 
 #include "decode_context.h"
+#include "input_format.h"
 #include "line_reader.h"
 #include "line_scanner.h"
 #include "parallel_run.h"
@@ -89,12 +91,12 @@ std::uint64_t RegularFileSize(int fd) {
 
 // Hands every piece of the input, with its line number and a frame line's
 // octets, to the consumer. Returns whether a frame line was seen.
-template <typename Stopped>
-bool ConsumeTrace(LineReader& reader, TraceConsumer& consumer, Stopped stopped) {
+template <typename Source, typename Stopped>
+bool ConsumeTrace(Source& source, TraceConsumer& consumer, Stopped stopped) {
   bool frameFound = false;
   std::uint64_t lineNumber = 1;
   Octet frame[kFrameCapacity];
-  while (const auto piece = reader.Next()) {
+  while (const auto piece = source.Next()) {
     const std::optional<std::size_t> count = ScanFrameLine(*piece, frame);
     frameFound = frameFound || count.has_value();
     consumer.Consume({*piece, lineNumber, count.has_value(), OctetSpan(frame, count.value_or(0))});
@@ -103,6 +105,71 @@ bool ConsumeTrace(LineReader& reader, TraceConsumer& consumer, Stopped stopped) 
   }
   consumer.Finish();
   return frameFound;
+}
+
+// Every piece of a source (the line reader, or a recognised format's
+// source) into the message file or the consumer, on this thread. Returns
+// whether a frame line was seen.
+template <typename Source>
+bool TranslatePieces(Source& source, OutputWriter& writer, LinkMemory& link, const TranslationOptions& options,
+                     const std::function<void(std::uint64_t)>& reportProgress) {
+  // Output produced so far reaches its reader before the run may wait
+  // for more input: `velmora - -` works as a filter.
+  source.SetBeforeRead([&] {
+    writer.Flush();
+    reportProgress(source.BytesRead());
+  });
+  const auto stopped = [&] { return options.stopOnWriteError && writer.Failed(); };
+  if (options.makeConsumer) return ConsumeTrace(source, *options.makeConsumer(writer, link), stopped);
+  DecodeContext context{writer, link.setupPending ? LinkSetup::Pending : LinkSetup::NotPending};
+  while (const auto line = source.Next()) {
+    TranslateTraceLine(context, *line);
+    if (stopped()) break;
+  }
+  link.setupPending = context.linkSetup == LinkSetup::Pending;
+  return context.frameFound;
+}
+
+// The first bytes of the input, looked at to tell its format: read with
+// pread from a regular file, which leaves them in place, or taken from
+// anything else (a pipe, a terminal), and then handed on. Reading stops as
+// soon as no format can begin with the bytes so far, so a filter's first
+// line is not held back.
+struct InputHead {
+  char bytes[kSignatureBytes] = {};
+  std::size_t size = 0;
+  bool consumed = false;
+  int error = 0;
+  std::string_view View() const { return {bytes, size}; }
+};
+
+InputHead ReadInputHead(int fd, const std::vector<const InputFormat*>& formats) {
+  const auto needsMore = [&formats](std::string_view head) {
+    return head.size() < kSignatureBytes &&
+           std::any_of(formats.begin(), formats.end(),
+                       [head](const InputFormat* format) { return format->Recognise(head) == Recognition::NeedMore; });
+  };
+  InputHead head;
+  struct stat info {};
+  const off_t offset = ::fstat(fd, &info) == 0 && S_ISREG(info.st_mode) ? ::lseek(fd, 0, SEEK_CUR) : -1;
+  head.consumed = offset < 0;
+  while (needsMore(head.View())) {
+    char* into = head.bytes + head.size;
+    const std::size_t wanted = kSignatureBytes - head.size;
+    const ssize_t got =
+        head.consumed ? ::read(fd, into, wanted) : ::pread(fd, into, wanted, offset + static_cast<off_t>(head.size));
+    if (got < 0 && errno == EINTR) continue;
+    if (got < 0) head.error = errno;
+    if (got <= 0) break;
+    head.size += static_cast<std::size_t>(got);
+  }
+  return head;
+}
+
+const InputFormat* RecognisedFormat(const std::vector<const InputFormat*>& formats, std::string_view head) {
+  for (const InputFormat* format : formats)
+    if (format->Recognise(head) == Recognition::Yes) return format;
+  return nullptr;
 }
 
 }  // namespace
@@ -144,6 +211,24 @@ TranslationOutcome TranslateTraceFile(std::string_view inputPath, std::string_vi
     closeInput();
     return TranslationOutcome::OutputSameAsInput;
   }
+  // A capture or another recognised format is told, and its header
+  // checked, before the output is opened: a refused input leaves no output.
+  InputHead head;
+  std::unique_ptr<PieceSource> formatted;
+  if (!options.inputFormats.empty()) {
+    head = ReadInputHead(inputFd, options.inputFormats);
+    const InputFormat* format = head.error == 0 ? RecognisedFormat(options.inputFormats, head.View()) : nullptr;
+    if (format != nullptr) {
+      OpenedInput opened = format->Open(inputFd, head.consumed ? head.View() : std::string_view());
+      if (!opened.source) {
+        report.inputFault = InputFault::Refused;
+        report.inputFaultText = std::move(opened.refusal);
+        closeInput();
+        return TranslationOutcome::InputOpenFailed;
+      }
+      formatted = std::move(opened.source);
+    }
+  }
   const int outputFd = outputIsStandard
                            ? STDOUT_FILENO
                            : ::open(std::string(outputPath).c_str(), O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC, 0666);
@@ -156,13 +241,23 @@ TranslationOutcome TranslateTraceFile(std::string_view inputPath, std::string_vi
   FdSink sink(outputFd);
   OutputWriter writer(sink);
   const std::uint64_t inputSize = RegularFileSize(inputFd);
-  const auto reportProgress = [&options, inputSize](std::uint64_t bytesRead) {
+  const std::function<void(std::uint64_t)> reportProgress = [&options, inputSize](std::uint64_t bytesRead) {
     if (options.progress) options.progress(bytesRead, inputSize);
   };
   bool frameFound = false;
   int readError = 0;
   std::uint64_t bytesRead = 0;
-  if (options.jobs > 1 && !options.makeConsumer && !inputIsStandard && inputSize >= kParallelMinimum) {
+  if (head.error != 0) {
+    // The input could not be read from its first byte on.
+    readError = head.error;
+  } else if (formatted) {
+    frameFound = TranslatePieces(*formatted, writer, link, options, reportProgress);
+    writer.Flush();
+    readError = formatted->Error();
+    bytesRead = formatted->BytesRead();
+    report.inputFault = formatted->Fault();
+    report.inputFaultText = formatted->FaultText();
+  } else if (options.jobs > 1 && !options.makeConsumer && !inputIsStandard && inputSize >= kParallelMinimum) {
     const ParallelRunResult result =
         TranslateInParallel(inputFd, inputSize, writer, link, options.jobs, options.stopOnWriteError, reportProgress);
     writer.Flush();
@@ -171,24 +266,8 @@ TranslationOutcome TranslateTraceFile(std::string_view inputPath, std::string_vi
     bytesRead = result.bytesRead;
   } else {
     LineReader reader(inputFd);
-    // Output produced so far reaches its reader before the run may wait
-    // for more input: `velmora - -` works as a filter.
-    reader.SetBeforeRead([&] {
-      writer.Flush();
-      reportProgress(reader.BytesRead());
-    });
-    const auto stopped = [&] { return options.stopOnWriteError && writer.Failed(); };
-    if (options.makeConsumer) {
-      frameFound = ConsumeTrace(reader, *options.makeConsumer(writer, link), stopped);
-    } else {
-      DecodeContext context{writer, link.setupPending ? LinkSetup::Pending : LinkSetup::NotPending};
-      while (const auto line = reader.Next()) {
-        TranslateTraceLine(context, *line);
-        if (stopped()) break;
-      }
-      link.setupPending = context.linkSetup == LinkSetup::Pending;
-      frameFound = context.frameFound;
-    }
+    if (head.consumed) reader.Preload(head.View());
+    frameFound = TranslatePieces(reader, writer, link, options, reportProgress);
     writer.Flush();
     readError = reader.Error();
     bytesRead = reader.BytesRead();

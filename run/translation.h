@@ -4,10 +4,13 @@
 #include <cstdint>
 #include <functional>
 #include <memory>
+#include <string>
 #include <string_view>
+#include <vector>
 
 namespace velmora {
 
+class InputFormat;
 class OutputWriter;
 class TraceConsumer;
 
@@ -41,6 +44,18 @@ struct LinkMemory {
   bool setupPending = false;
 };
 
+// What is wrong with an input of a recognised format (a capture).
+enum class InputFault : std::uint8_t {
+  None,
+  // Its header is unusable (cut short, a link type that is not LAPD): the
+  // run ends with InputOpenFailed before the output is opened.
+  Refused,
+  // It ends in the middle of a record; the records before were translated.
+  CutOff,
+  // A record in it cannot be read; the records before it were translated.
+  Damaged,
+};
+
 // What the run saw of its two files, beyond the outcome.
 struct TranslationReport {
   int openError = 0;   // errno behind InputOpenFailed or OutputOpenFailed, or 0
@@ -48,6 +63,8 @@ struct TranslationReport {
   int writeError = 0;  // errno of the first write that failed, or 0
   std::uint64_t bytesRead = 0;
   std::uint64_t bytesWritten = 0;
+  InputFault inputFault = InputFault::None;
+  std::string inputFaultText;  // what is wrong and where, in words; empty with None
 };
 
 // Makes what a run writes instead of the message file (trace_consumer.h),
@@ -80,6 +97,10 @@ struct TranslationOptions {
   // Another output than the message file (one thread, whatever `jobs`
   // says); empty: the message file.
   TraceConsumerFactory makeConsumer;
+  // Formats told by their first bytes (input_format.h), tried in order
+  // before the input is read as a trace log; such an input is translated on
+  // one thread. Empty: every input is a trace log.
+  std::vector<const InputFormat*> inputFormats;
 };
 
 // Checks the paths, opens both files, copies and decodes every line of the

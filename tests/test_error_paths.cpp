@@ -31,11 +31,6 @@ using velmora::testing::kSabmeText;
 const std::string kSabmeLine = velmora::testing::FrameLine("0x00 0x81 0x7f");
 const std::string kUaLine = velmora::testing::FrameLine("0x00 0x81 0x73");
 
-struct Finished {
-  int status = -1;  // -1: ended by a signal
-  std::string out, err;
-};
-
 // A command line, its exit status and, unless null, its standard error.
 struct Case {
   std::string args;
@@ -43,16 +38,10 @@ struct Case {
   std::optional<std::string> err;
 };
 
+using velmora::testing::Finished;
+
 class ErrorPaths : public velmora::testing::ScratchDirectoryTest {
  protected:
-  // Runs velmora in the test's directory; `args` is shell text whose own
-  // redirections win over the default ones.
-  Finished Velmora(const std::string& args, const std::string& wrapper = "") const {
-    const std::string command =
-        "cd " + dir_.string() + " && " + wrapper + VELMORA_CLI_PATH + " </dev/null >stdout 2>stderr " + args;
-    const int raw = std::system(command.c_str());
-    return {WIFEXITED(raw) ? WEXITSTATUS(raw) : -1, Read("stdout"), Read("stderr")};
-  }
   void ExpectRuns(std::span<const Case> cases) const {
     for (const Case& c : cases) {
       const Finished run = Velmora(c.args);

@@ -55,5 +55,30 @@ TEST(FrameLineFacts, MomentsInMicroseconds) {
   EXPECT_EQ(MicrosecondsSinceEpoch({1969, 12, 31}, {23, 59, 59, 0}), -1000000);
 }
 
+// Successive frame lines as a capture stamps them.
+TEST(FrameLineFacts, TheClockOfSuccessiveFrameLines) {
+  FrameClock clock;
+  const auto next = [&clock](std::string_view line) { return clock.Next(ReadFrameLineFacts(line)); };
+  constexpr std::int64_t kDay = 20526LL * 86400 * 1000000;             // 2026-03-14
+  EXPECT_EQ(next("**** HDLC:3"), 0);                                   // the first, without a moment: 1970-01-01
+  EXPECT_EQ(next("10:00:00 **** HDLC:3"), 36000000000);                // a time before any date: on 1970-01-01
+  EXPECT_EQ(next("2026-03-14 **** HDLC:3"), 36000000001);              // a date alone: a microsecond on, and kept
+  EXPECT_EQ(next("09:15:02.306 HDLC"), kDay + 33302306000);            // on the date kept
+  EXPECT_EQ(next("2000-03-01 00:00:00 HDLC"), 951868800LL * 1000000);  // backwards, as written
+  EXPECT_EQ(next("12:00:00 HDLC"), (951868800LL + 43200) * 1000000);
+}
+
+TEST(FrameLineFacts, MomentsBackToDatesAndTimes) {
+  const LineMoment before = MomentOf(-1);  // 1969-12-31 23:59:59.999999
+  EXPECT_TRUE(before.date.year == 1969 && before.date.day == 31 && before.time.microsecond == 999999);
+  // Every 997th day from the year 0 to 9999, at an odd moment of the day.
+  for (std::int64_t day = -719528; day < 2932897; day += 997) {
+    const std::int64_t moment = day * 86400000000 + 45296789012;
+    const LineMoment back = MomentOf(moment);
+    ASSERT_EQ(MicrosecondsSinceEpoch(back.date, back.time), moment) << "day " << day;
+    ASSERT_TRUE(back.date.month >= 1 && back.date.month <= 12 && back.date.day >= 1 && back.date.day <= 31);
+  }
+}
+
 }  // namespace
 }  // namespace velmora

@@ -2,13 +2,17 @@
 // Trace files for the run, command and golden tests: frame lines to write,
 // whole files read back, and a fresh scratch directory per test.
 #include <gtest/gtest.h>
+#include <sys/wait.h>
 #include <unistd.h>
 
+#include <algorithm>
+#include <cstdlib>
 #include <filesystem>
 #include <fstream>
 #include <sstream>
 #include <string>
 #include <string_view>
+#include <vector>
 
 namespace velmora::testing {
 
@@ -18,6 +22,18 @@ inline std::string ReadAll(const std::filesystem::path& path) {
   std::ostringstream text;
   text << in.rdbuf();
   return text.str();
+}
+
+// The golden traces: the NAMEs of tests/data/NAME.in.txt, made of letters,
+// digits and underscores.
+inline std::vector<std::string> GoldenNames() {
+  std::vector<std::string> names;
+  for (const auto& entry : std::filesystem::directory_iterator(VELMORA_TEST_DATA)) {
+    const std::string file = entry.path().filename().string();
+    if (file.ends_with(".in.txt")) names.push_back(file.substr(0, file.size() - 7));
+  }
+  std::sort(names.begin(), names.end());
+  return names;
 }
 
 // A frame line carrying the octet cells ("0x00 0x81 0x7f"), with their count
@@ -34,12 +50,19 @@ inline const std::string kSabmeText =
 inline const std::string kUaAfterSabmeText =
     "ISDN Layer 2: UA(unnumbered acknowledgement), Acknowledge to SABME, link established\n";
 
+// How a velmora command ended.
+struct Finished {
+  int status = -1;  // -1: ended by a signal
+  std::string out, err;
+};
+
 class ScratchDirectoryTest : public ::testing::Test {
  protected:
   void SetUp() override {
     const auto* test = ::testing::UnitTest::GetInstance()->current_test_info();
-    dir_ = std::filesystem::temp_directory_path() /
-           ("velmora_" + std::string(test->test_suite_name()) + "_" + test->name() + "_" + std::to_string(::getpid()));
+    std::string name = "velmora_" + std::string(test->test_suite_name()) + "_" + test->name();
+    std::replace(name.begin(), name.end(), '/', '_');  // parameterised tests
+    dir_ = std::filesystem::temp_directory_path() / (name + "_" + std::to_string(::getpid()));
     std::filesystem::remove_all(dir_);
     std::filesystem::create_directories(dir_);
   }
@@ -50,6 +73,15 @@ class ScratchDirectoryTest : public ::testing::Test {
     std::ofstream(Path(name), std::ios::binary) << text;
   }
   std::string Read(const std::string& name) const { return ReadAll(dir_ / name); }
+
+  // Runs velmora in the test's directory; `args` is shell text whose own
+  // redirections win over the default ones.
+  Finished Velmora(const std::string& args, const std::string& wrapper = "") const {
+    const std::string command =
+        "cd " + dir_.string() + " && " + wrapper + VELMORA_CLI_PATH + " </dev/null >stdout 2>stderr " + args;
+    const int raw = std::system(command.c_str());
+    return {WIFEXITED(raw) ? WEXITSTATUS(raw) : -1, Read("stdout"), Read("stderr")};
+  }
 
   std::filesystem::path dir_;
 };

@@ -14,6 +14,7 @@
 #include <cstring>
 #include <string_view>
 
+#include "capture_input.h"
 #include "dialog_services.h"
 #include "dialog_template.h"
 #include "resource.h"
@@ -54,7 +55,9 @@ constexpr ControlTemplate kMainControls[] = {
 
 constexpr zandrel::DialogTemplate kMainTemplate = {"Velmora", 230, 113, true, kMainControls};
 
-constexpr char kLogFilter[] = "Log Files (*.txt)|*.txt|All Files (*.*)|*.*||";
+constexpr char kLogFilter[] =
+    "Log Files (*.txt)|*.txt|Trace logs and captures (*.txt *.log *.pcap *.pcapng)|*.txt;*.log;*.pcap;*.pcapng|"
+    "All Files (*.*)|*.*||";
 constexpr char kMessageFilter[] = "Message Files (*.txt)|*.txt|All Files (*.*)|*.*||";
 
 std::string_view View(const QByteArray& bytes) {
@@ -248,6 +251,8 @@ velmora::TranslationOutcome CZandrelDlg::Translate(const QString& inputPath, con
   options.refuseSameFile = true;
   options.stopOnWriteError = true;
   options.report = report;
+  // A capture chosen as input is translated as a trace log of its frames.
+  options.inputFormats = {&velmora::CaptureFormat()};
   return velmora::TranslateTraceFile(View(input), View(output), m_linkMemory, options);
 }
 
@@ -258,8 +263,8 @@ void CZandrelDlg::OnTranslate() {
     const BusyCursor busy;
     return Translate(m_strInputPath, m_strOutputPath, &report);
   }();
-  if (report.writeError != 0 || report.readError != 0) {
-    m_services.ShowMessage(this, {IncompleteOutputText(report), QStringLiteral("Error"), QMessageBox::Critical});
+  if (const QString failure = FailureText(report); !failure.isEmpty()) {
+    m_services.ShowMessage(this, {failure, QStringLiteral("Error"), QMessageBox::Critical});
     return;
   }
   const velmora::OutcomeMessage& message = velmora::DescribeOutcome(outcome);
@@ -268,14 +273,26 @@ void CZandrelDlg::OnTranslate() {
   m_services.ShowMessage(this, {FromView(message.text), FromView(message.caption), icon});
 }
 
-// What a run that lost output says instead of its outcome: which file, the
-// system's reason, and that the message file is incomplete.
-QString CZandrelDlg::IncompleteOutputText(const velmora::TranslationReport& report) const {
-  const QString failure = report.writeError != 0
-                              ? QStringLiteral("Cannot write output message file!\n%1: %2")
-                                    .arg(m_strOutputPath, QString::fromLocal8Bit(std::strerror(report.writeError)))
-                              : QStringLiteral("Cannot read Input log file to its end!\n%1: %2")
-                                    .arg(m_strInputPath, QString::fromLocal8Bit(std::strerror(report.readError)));
+// What a run that could not use its files whole says instead of its
+// outcome: which file and why, and that the message file is incomplete when
+// one was written. Empty when both files were read and written whole.
+QString CZandrelDlg::FailureText(const velmora::TranslationReport& report) const {
+  const QString fault = QString::fromStdString(report.inputFaultText);
+  if (report.inputFault == velmora::InputFault::Refused)
+    return QStringLiteral("Cannot open Input log file!\n%1: %2").arg(m_strInputPath, fault);
+  const auto reason = [](int error) { return QString::fromLocal8Bit(std::strerror(error)); };
+  const QString cannotRead = QStringLiteral("Cannot read Input log file to its end!\n%1: %2");
+  QString failure;
+  if (report.writeError != 0) {
+    failure =
+        QStringLiteral("Cannot write output message file!\n%1: %2").arg(m_strOutputPath, reason(report.writeError));
+  } else if (report.readError != 0) {
+    failure = cannotRead.arg(m_strInputPath, reason(report.readError));
+  } else if (report.inputFault != velmora::InputFault::None) {
+    failure = cannotRead.arg(m_strInputPath, fault);
+  } else {
+    return {};
+  }
   return failure + QStringLiteral("\nThe output message file is incomplete.");
 }
 

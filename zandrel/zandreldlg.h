@@ -67,7 +67,7 @@ class CZandrelDlg : public QDialog {
   void OnBrowseOutput();
   void OnTranslate();
   void OnChangeOutputPath();
-  QString IncompleteOutputText(const velmora::TranslationReport& report) const;
+  QString FailureText(const velmora::TranslationReport& report) const;
   void AppendAboutItem(const QString& text);
   void FocusFirstTabStop();
 

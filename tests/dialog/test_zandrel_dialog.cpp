@@ -18,6 +18,7 @@
 #include <optional>
 #include <thread>
 
+#include "capture_bytes.h"
 #include "dialog_test_support.h"
 #include "resource.h"
 
@@ -200,6 +201,42 @@ class ZandrelDialogTest : public QObject {
     QCOMPARE(d.messages[0].text, failure + "\nThe output message file is incomplete.");
   }
 
+  // A capture is translated as a trace log of its frames; one cut off or of
+  // another link type says what is wrong, never "Translation is done!".
+  void capturesAreTranslatedOrTheirFaultShown_data() {
+    using namespace velmora::testing;
+    QTest::addColumn<QByteArray>("capture");
+    QTest::addColumn<QString>("text");  // %1: the capture's path
+    QTest::addColumn<bool>("output");
+    const PcapLayout lapd;
+    const std::string sabme = PcapHeader(lapd) + PcapRecord(lapd, 1773479702, 5, std::string("\x00\x81\x7f", 3));
+    QTest::newRow("cut off") << QByteArray::fromStdString(sabme + PcapRecord(lapd, 0, 0, "\x01", 1000))
+                             << "Cannot read Input log file to its end!\n%1: the capture ends at byte 60 in the "
+                                "middle of a record, after packet 1 (truncated dump file; tried to read 1000 "
+                                "captured bytes, only got 1)\nThe output message file is incomplete."
+                             << true;
+    QTest::newRow("Ethernet") << QByteArray::fromStdString(PcapHeader({1}))
+                              << "Cannot open Input log file!\n%1: link type 1 (EN10MB, Ethernet) is not LAPD: "
+                                 "captures of LINKTYPE_LAPD (203) or LINKTYPE_LINUX_LAPD (177) are translated"
+                              << false;
+  }
+
+  void capturesAreTranslatedOrTheirFaultShown() {
+    QFETCH(QByteArray, capture);
+    QFETCH(QString, text);
+    QFETCH(bool, output);
+    QFile::remove(Path("out.txt"));
+    QVERIFY(WriteAll(Path("in.pcap"), capture));
+    ShownDialog d;
+    d.Set(IDC_INPUT_PATH, Path("in.pcap"));
+    d.Set(IDC_OUTPUT_PATH, Path("out.txt"));
+    d.Click(IDC_TRANSLATE);
+    QCOMPARE(d.messages.size(), size_t(1));
+    QCOMPARE(d.messages[0].text, text.arg(Path("in.pcap")));
+    QCOMPARE(QFile::exists(Path("out.txt")), output);
+    if (output) QVERIFY(ReadAll(Path("out.txt")).startsWith("00001 2026-03-14 09:15:02.000005 **** D-CH -- HDLC:3"));
+  }
+
   // The run holds the dialog's thread; the cursor says so until the box.
   void busyCursorWhileTheRunWaitsForInput() {
     const QByteArray fifo = QFile::encodeName(Path("fifo"));
@@ -228,7 +265,10 @@ class ZandrelDialogTest : public QObject {
     d.Type(IDC_OUTPUT_PATH, "typed-out.txt");  // an output edit takes both fields
     d.openAnswer = "/data/in.txt";
     d.Click(IDC_BROWSE_INPUT);
-    QCOMPARE(Describe(d.choosers.at(0)), QString("Log Files (*.txt), All Files (*) | txt |  | -"));
+    QCOMPARE(
+        Describe(d.choosers.at(0)),
+        QString(
+            "Log Files (*.txt), Trace logs and captures (*.txt *.log *.pcap *.pcapng), All Files (*) | txt |  | -"));
     QCOMPARE(d.Text(IDC_INPUT_PATH), QString("/data/in.txt"));
     QCOMPARE(d.Text(IDC_OUTPUT_PATH), QString("typed-out.txt"));
 

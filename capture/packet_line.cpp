@@ -1,0 +1,67 @@
+#include "packet_line.h"
+
+namespace velmora {
+namespace {
+
+// `value` in decimal, with leading zeros to at least `width` digits.
+void AppendDecimal(std::string& line, std::uint64_t value, std::size_t width) {
+  char digits[20];
+  std::size_t count = 0;
+  do {
+    digits[count++] = static_cast<char>('0' + value % 10);
+    value /= 10;
+  } while (value != 0);
+  if (count < width) line.append(width - count, '0');
+  while (count > 0) line += digits[--count];
+}
+
+std::string_view DirectionWord(FrameDirection direction) {
+  switch (direction) {
+    case FrameDirection::Sent:
+      return "TX";
+    case FrameDirection::Received:
+      return "RX";
+    case FrameDirection::Unknown:
+      break;
+  }
+  return "--";
+}
+
+}  // namespace
+
+void WritePacketLine(std::string& line, std::uint64_t number, std::int64_t microsecondsSinceEpoch,
+                     FrameDirection direction, OctetSpan octets) {
+  static constexpr char kHexDigits[] = "0123456789abcdef";
+  const LineMoment moment = MomentOf(microsecondsSinceEpoch);
+  line.clear();
+  line.reserve(kPacketLineMinimum + 5 * octets.size() + 8);
+  AppendDecimal(line, number, 5);
+  line += ' ';
+  if (moment.date.year < 0) line += '-';
+  AppendDecimal(line, static_cast<std::uint64_t>(moment.date.year < 0 ? -moment.date.year : moment.date.year), 4);
+  line += '-';
+  AppendDecimal(line, static_cast<std::uint64_t>(moment.date.month), 2);
+  line += '-';
+  AppendDecimal(line, static_cast<std::uint64_t>(moment.date.day), 2);
+  line += ' ';
+  AppendDecimal(line, static_cast<std::uint64_t>(moment.time.hour), 2);
+  line += ':';
+  AppendDecimal(line, static_cast<std::uint64_t>(moment.time.minute), 2);
+  line += ':';
+  AppendDecimal(line, static_cast<std::uint64_t>(moment.time.second), 2);
+  line += '.';
+  AppendDecimal(line, moment.time.microsecond, 6);
+  line += " **** D-CH ";
+  line += DirectionWord(direction);
+  line += " HDLC:";
+  AppendDecimal(line, octets.size(), 1);
+  line += "  | ";
+  for (const Octet octet : octets) {
+    const char cell[] = {'0', 'x', kHexDigits[octet >> 4], kHexDigits[octet & 0xF], ' '};
+    line.append(cell, sizeof cell);
+  }
+  if (line.size() < kPacketLineMinimum) line.append(kPacketLineMinimum - line.size(), ' ');
+  line += '\n';
+}
+
+}  // namespace velmora

@@ -1,0 +1,66 @@
+#pragma once
+// Inputs that are recognised by their first bytes instead of being read as a
+// trace log: packet captures, for one. Such a format turns its records into
+// the text a trace log would hold (one frame line per record), handed out in
+// the run's pieces, so the message file and every consumer work on it as on
+// a trace log. The run knows these formats through this interface alone; the
+// libraries that read them sit beside the translation core.
+#include <cstddef>
+#include <cstdint>
+#include <functional>
+#include <memory>
+#include <optional>
+#include <string>
+#include <string_view>
+
+#include "translation.h"
+
+namespace velmora {
+
+// An input's first bytes are enough to tell a format by.
+inline constexpr std::size_t kSignatureBytes = 4;
+
+enum class Recognition : std::uint8_t {
+  No,
+  Yes,
+  NeedMore,  // the bytes so far begin a signature of the format
+};
+
+// The text of a recognised input, in pieces as the line reader cuts a trace
+// log: up to and including the first "\n", at most 2047 characters.
+class PieceSource {
+ public:
+  virtual ~PieceSource() = default;
+  // The next piece, valid until the next call; nothing at the end of the
+  // input, after a failed read or at a fault.
+  virtual std::optional<std::string_view> Next() = 0;
+  // Called before every read of the descriptor that may wait for input.
+  virtual void SetBeforeRead(std::function<void()> beforeRead) = 0;
+  virtual std::uint64_t BytesRead() const = 0;
+  // The errno of a read that failed, or 0.
+  virtual int Error() const = 0;
+  // Once Next() has given nothing: what was wrong with the input (CutOff or
+  // Damaged), with the words that say what and where; None at its end.
+  virtual InputFault Fault() const = 0;
+  virtual const std::string& FaultText() const = 0;
+};
+
+// A source, or the reason the input is refused.
+struct OpenedInput {
+  std::unique_ptr<PieceSource> source;
+  std::string refusal;  // when `source` is null
+};
+
+class InputFormat {
+ public:
+  virtual ~InputFormat() = default;
+  // Whether an input that begins with `head` (at most kSignatureBytes bytes;
+  // fewer when the input is that short) is of this format.
+  virtual Recognition Recognise(std::string_view head) const = 0;
+  // Reads the input's header from `fd` and checks it. `consumed` holds the
+  // bytes already read from a descriptor that cannot be read twice (a pipe);
+  // they come first. The descriptor stays open and the caller's.
+  virtual OpenedInput Open(int fd, std::string_view consumed) const = 0;
+};
+
+}  // namespace velmora

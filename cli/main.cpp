@@ -14,6 +14,7 @@
 #include <thread>
 #include <vector>
 
+#include "calls_output.h"
 #include "progress_bar.h"
 #include "translation.h"
 #include "velmora_version.h"
@@ -34,8 +35,19 @@ struct OutputKind {
   std::string_view help;
   velmora::TraceConsumerFactory (*make)();  // null: the message file
 };
+template <velmora::CallsForm form>
+velmora::TraceConsumerFactory CallsFactory() {
+  return [](velmora::OutputWriter& out, velmora::LinkMemory&) { return velmora::MakeCallsConsumer(out, form); };
+}
+
 constexpr OutputKind kOutputKinds[] = {
     {"message", "the message file (the default)", nullptr},
+    {"calls",
+     "a table of the calls: who called whom, answered, cleared by whom\n"
+     "             and why; then totals",
+     CallsFactory<velmora::CallsForm::Table>},
+    {"calls-csv", "the table's rows as CSV", CallsFactory<velmora::CallsForm::Csv>},
+    {"calls-json", "one JSON object a call (JSON Lines)", CallsFactory<velmora::CallsForm::JsonLines>},
 };
 
 constexpr std::string_view kUsageHead =

@@ -17,6 +17,7 @@ constexpr Octet kConnect = 0x07;
 constexpr Octet kDisconnect = 0x45;
 constexpr Octet kRelease = 0x4D;
 constexpr Octet kReleaseComplete = 0x5A;
+constexpr Octet kInformation = 0x7B;
 
 constexpr bool IsClearing(Octet messageType) {
   return messageType == kDisconnect || messageType == kRelease || messageType == kReleaseComplete;
@@ -189,7 +190,10 @@ void CallTracker::Call::ReadElements(const Q931Header& header, CallMessage& mess
         if (!record.calling) AppendDigits(record.calling.emplace(), PartyNumberDigits(element));
         break;
       case kCalledPartyNumber:
-        AppendDigits(record.called ? *record.called : record.called.emplace(), PartyNumberDigits(element));
+        // Overlap sending adds digits in INFORMATION messages; a repeated
+        // SETUP repeats the number.
+        if (!record.called || header.messageType == kInformation)
+          AppendDigits(record.called ? *record.called : record.called.emplace(), PartyNumberDigits(element));
         break;
       default:
         break;

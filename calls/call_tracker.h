@@ -74,9 +74,9 @@ struct CallRecord {
   std::uint64_t lastLine = 0;
   CallDirection direction = CallDirection::Unknown;
   // IA5 characters (bits 7-1 of each digit octet). The calling number is
-  // that of the first Calling party number; the called number gathers the
-  // digits of every Called party number, which overlap sending spreads
-  // over SETUP and INFORMATION messages.
+  // that of the first Calling party number; the called number that of the
+  // first Called party number, and the digits that overlap sending adds in
+  // INFORMATION messages.
   std::optional<std::string> calling;
   std::optional<std::string> called;
   // The information transfer capability of the first Bearer capability.

@@ -42,10 +42,7 @@ velmora::TraceConsumerFactory CallsFactory() {
 
 constexpr OutputKind kOutputKinds[] = {
     {"message", "the message file (the default)", nullptr},
-    {"calls",
-     "a table of the calls: who called whom, answered, cleared by whom\n"
-     "             and why; then totals",
-     CallsFactory<velmora::CallsForm::Table>},
+    {"calls", "a table of the calls, one row a call, and totals", CallsFactory<velmora::CallsForm::Table>},
     {"calls-csv", "the table's rows as CSV", CallsFactory<velmora::CallsForm::Csv>},
     {"calls-json", "one JSON object a call (JSON Lines)", CallsFactory<velmora::CallsForm::JsonLines>},
 };

@@ -32,8 +32,8 @@ enum class CallDirection : std::uint8_t { Unknown, Outgoing, Incoming };
 
 // A moment as the frame line writes it: the date and the time joined as
 // they stand on the line (by a blank when they stand apart), or the one
-// of them the line has. Kept to 31 characters: only a fraction of more
-// than ten digits is cut.
+// of them the line has. Kept to 31 characters: behind a date, only a
+// fraction of more than eleven digits is cut.
 class MomentText {
  public:
   void Assign(const FrameLineFacts& facts);

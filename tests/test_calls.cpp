@@ -8,10 +8,12 @@
 #include <cstdlib>
 #include <filesystem>
 #include <string>
+#include <string_view>
 #include <vector>
 
 #include "call_tracker.h"
 #include "calls_output.h"
+#include "test_support.h"
 #include "trace_files.h"
 #include "translation.h"
 
@@ -88,10 +90,10 @@ class Tracker : public ::testing::Test {
   explicit Tracker(std::size_t waitingLimit = 2)
       : tracker_([this](const CallRecord& call) { delivered_.push_back(call); }, waitingLimit) {}
 
-  void Feed(std::vector<Octet> layer3) {
+  void Feed(std::vector<Octet> layer3, std::string_view lineText = "") {
     std::vector<Octet> frame{0x00, 0x81, 0x00, 0x00};
     frame.insert(frame.end(), layer3.begin(), layer3.end());
-    tracker_.Frame(frame, ++line_, "");
+    tracker_.Frame(frame, ++line_, lineText);
   }
   // A message of the call with reference `value`, sent by its caller.
   void Send(Octet value, Octet messageType) { Feed({0x08, 0x01, value, messageType}); }
@@ -154,6 +156,53 @@ TEST_F(Tracker, AVeryLongCallListsItsFirstMessagesAndCountsTheRest) {
   EXPECT_EQ(delivered_[0].unlistedMessages, 6U);
   EXPECT_EQ(delivered_[0].last.messageType, 0x5A);
   EXPECT_EQ(delivered_[0].lastLine, line_);
+}
+
+// The direction from the first line with TX or RX and the flag of its
+// message; the moments as written; durations only forward in time.
+TEST_F(Tracker, DirectionsMomentsAndDurations) {
+  Feed({0x08, 0x01, 0x81, 0x01}, "2026-03-14T10:00:00.5 TX");  // the callee's ALERTING sent here
+  Feed({0x08, 0x01, 0x81, 0x5A}, "RX");
+  Feed({0x08, 0x01, 0x02, 0x07}, "no direction, date or time 2026-03-14");
+  Feed({0x08, 0x01, 0x02, 0x5A}, "TX 09:00:00.1234567890123456789012345");
+  // Dated moments back in time; a time of day and a dated one; clearing before CONNECT.
+  Feed({0x08, 0x01, 0x03, 0x07}, "2026-03-14 10:00:00");
+  Feed({0x08, 0x01, 0x03, 0x45}, "2026-03-13 10:00:01");
+  Feed({0x08, 0x01, 0x03, 0x5A});
+  Feed({0x08, 0x01, 0x04, 0x07}, "10:00:00");
+  Feed({0x08, 0x01, 0x04, 0x45}, "2026-03-13 10:00:02.25");
+  Feed({0x08, 0x01, 0x04, 0x5A});
+  Feed({0x08, 0x01, 0x05, 0x45}, "10:00:00");
+  Feed({0x08, 0x01, 0x05, 0x07}, "10:00:01");
+  tracker_.Finish();
+  ASSERT_EQ(delivered_.size(), 5U);
+  EXPECT_EQ(delivered_[0].direction, CallDirection::Incoming);
+  EXPECT_EQ(delivered_[0].messages[0].time.View(), "2026-03-14T10:00:00.5");
+  EXPECT_EQ(delivered_[0].last.time.View(), "");
+  EXPECT_EQ(delivered_[1].direction, CallDirection::Outgoing);
+  EXPECT_EQ(delivered_[1].messages[0].time.View(), "2026-03-14");
+  EXPECT_EQ(delivered_[1].last.time.View(), "09:00:00.1234567890123456789012");
+  EXPECT_EQ(delivered_[2].DurationMicroseconds(), std::nullopt);
+  EXPECT_EQ(delivered_[3].DurationMicroseconds(), 2250000);
+  EXPECT_EQ(delivered_[4].DurationMicroseconds(), std::nullopt);
+}
+
+// Digits are characters in every form; JSON escapes quotes, backslashes
+// and control characters, CSV quotes a cell with a comma or a quote.
+TEST(CallsOutput, DigitsWithQuotesCommasAndControlCharacters) {
+  // SETUP with Calling party number a"b,c\ and 0x01 (bit 8 of a digit is spare).
+  const std::vector<Octet> frame{0x00, 0x81, 0x00, 0x00, 0x08, 0x01, 0x01, 0x05, 0x6C,
+                                 0x08, 0x81, 0x61, 0x22, 0x62, 0x2C, 0x63, 0x5C, 0x81};
+  const auto summary = [&](CallsForm form) {
+    return CaptureOutput([&](OutputWriter& out) {
+      const auto consumer = MakeCallsConsumer(out, form);
+      consumer->Consume({"line", 7, true, frame});
+      consumer->Finish();
+    });
+  };
+  EXPECT_NE(summary(CallsForm::JsonLines).find(R"("calling":"a\"b,c\\\u0001")"), std::string::npos);
+  EXPECT_NE(summary(CallsForm::Csv).find(R"(7,,"a""b,c\\u0001",,)"), std::string::npos);
+  EXPECT_NE(summary(CallsForm::Table).find(R"(a"b,c\\u0001 )"), std::string::npos);
 }
 
 }  // namespace

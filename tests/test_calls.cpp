@@ -4,7 +4,6 @@
 #include <gtest/gtest.h>
 #include <sys/wait.h>
 
-#include <algorithm>
 #include <cstdlib>
 #include <filesystem>
 #include <string>
@@ -23,17 +22,6 @@ namespace {
 namespace fs = std::filesystem;
 
 const fs::path kCallsData = fs::path(VELMORA_TEST_DATA) / "calls";
-
-// The NAMEs of calls/NAME.trace.txt.
-std::vector<std::string> CallTraceNames() {
-  std::vector<std::string> names;
-  for (const auto& entry : fs::directory_iterator(kCallsData)) {
-    const std::string file = entry.path().filename().string();
-    if (file.ends_with(".trace.txt")) names.push_back(file.substr(0, file.size() - 10));
-  }
-  std::sort(names.begin(), names.end());
-  return names;
-}
 
 class CallTraces : public ::testing::TestWithParam<std::string> {};
 
@@ -64,7 +52,7 @@ TEST_P(CallTraces, SummaryMatchesTheHandWrittenExpectation) {
   fs::remove(output);
 }
 
-INSTANTIATE_TEST_SUITE_P(Traces, CallTraces, ::testing::ValuesIn(CallTraceNames()),
+INSTANTIATE_TEST_SUITE_P(Traces, CallTraces, ::testing::ValuesIn(NamesEndingIn(kCallsData, ".trace.txt")),
                          [](const auto& info) { return info.param; });
 
 // The command reads standard input as for the message file, and a trace

@@ -6,7 +6,6 @@
 #include <algorithm>
 #include <filesystem>
 #include <string>
-#include <vector>
 
 #include "trace_files.h"
 #include "translation.h"
@@ -15,17 +14,6 @@ namespace velmora::testing {
 namespace {
 
 namespace fs = std::filesystem;
-
-// The NAMEs, made of letters, digits and underscores.
-std::vector<std::string> GoldenNames() {
-  std::vector<std::string> names;
-  for (const auto& entry : fs::directory_iterator(VELMORA_TEST_DATA)) {
-    const std::string file = entry.path().filename().string();
-    if (file.ends_with(".in.txt")) names.push_back(file.substr(0, file.size() - 7));
-  }
-  std::sort(names.begin(), names.end());
-  return names;
-}
 
 class Golden : public ::testing::TestWithParam<std::string> {};
 
@@ -47,7 +35,7 @@ TEST_P(Golden, OutputMatchesTheHandWrittenExpectation) {
   fs::remove(output);
 }
 
-INSTANTIATE_TEST_SUITE_P(Traces, Golden, ::testing::ValuesIn(GoldenNames()),
+INSTANTIATE_TEST_SUITE_P(Traces, Golden, ::testing::ValuesIn(NamesEndingIn(VELMORA_TEST_DATA, ".in.txt")),
                          [](const auto& info) { return info.param; });
 
 }  // namespace

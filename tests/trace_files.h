@@ -4,11 +4,13 @@
 #include <gtest/gtest.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <filesystem>
 #include <fstream>
 #include <sstream>
 #include <string>
 #include <string_view>
+#include <vector>
 
 namespace velmora::testing {
 
@@ -18,6 +20,18 @@ inline std::string ReadAll(const std::filesystem::path& path) {
   std::ostringstream text;
   text << in.rdbuf();
   return text.str();
+}
+
+// The NAMEs of the files NAME<suffix> in a directory, in order: the traces
+// a parameterised test runs.
+inline std::vector<std::string> NamesEndingIn(const std::filesystem::path& directory, std::string_view suffix) {
+  std::vector<std::string> names;
+  for (const auto& entry : std::filesystem::directory_iterator(directory)) {
+    const std::string file = entry.path().filename().string();
+    if (file.ends_with(suffix)) names.push_back(file.substr(0, file.size() - suffix.size()));
+  }
+  std::sort(names.begin(), names.end());
+  return names;
 }
 
 // A frame line carrying the octet cells ("0x00 0x81 0x7f"), with their count

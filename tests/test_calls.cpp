@@ -36,12 +36,12 @@ TEST_P(CallTraces, SummaryMatchesTheHandWrittenExpectation) {
                {CallsForm::Csv, ".expected.csv"}};
   const fs::path output = fs::temp_directory_path() / ("velmora_calls_" + GetParam() + ".out");
   int compared = 0;
-  for (const auto& [form, extension] : forms) {
-    const fs::path expected = kCallsData / (GetParam() + extension);
+  for (const auto& each : forms) {
+    const fs::path expected = kCallsData / (GetParam() + each.extension);
     if (!fs::exists(expected)) continue;
     SCOPED_TRACE(expected.filename().string());
     TranslationOptions options;
-    options.makeConsumer = [form](OutputWriter& out, LinkMemory&) { return MakeCallsConsumer(out, form); };
+    options.makeConsumer = [form = each.form](OutputWriter& out, LinkMemory&) { return MakeCallsConsumer(out, form); };
     LinkMemory link;
     EXPECT_EQ(TranslateTraceFile((kCallsData / (GetParam() + ".trace.txt")).string(), output.string(), link, options),
               TranslationOutcome::TranslationDone);

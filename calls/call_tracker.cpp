@@ -1,6 +1,7 @@
 #include "call_tracker.h"
 
 #include <algorithm>
+#include <array>
 
 #include "cause.h"
 #include "channel_identification.h"
@@ -82,10 +83,14 @@ void MomentText::Assign(const FrameLineFacts& facts) {
   Append(time);
 }
 
-std::string_view MessageName(Octet messageType) {
-  const ValueText* row = FindRow(kMessageTypeNames, messageType);
-  return row != nullptr ? row->text : std::string_view();
-}
+// The names of the message type table by octet, for a look-up per message.
+constexpr auto kNamesByType = [] {
+  std::array<std::string_view, 256> names{};
+  for (const ValueText& row : kMessageTypeNames) names[row.value] = row.text;
+  return names;
+}();
+
+std::string_view MessageName(Octet messageType) { return kNamesByType[messageType]; }
 
 std::optional<CallSide> CallRecord::ClearedBy() const {
   if (!clearing) return std::nullopt;
@@ -96,12 +101,13 @@ std::optional<std::int64_t> CallRecord::DurationMicroseconds() const {
   if (!connect || !clearing || clearing->line < connect->line) return std::nullopt;
   const MessageMoment& from = connect->moment;
   const MessageMoment& to = clearing->moment;
-  if (from.sinceEpoch && to.sinceEpoch) {
-    const std::int64_t duration = *to.sinceEpoch - *from.sinceEpoch;
+  if (!from.time || !to.time) return std::nullopt;
+  if (from.date && to.date) {
+    const std::int64_t duration =
+        MicrosecondsSinceEpoch(*to.date, *to.time) - MicrosecondsSinceEpoch(*from.date, *from.time);
     return duration >= 0 ? std::optional(duration) : std::nullopt;
   }
-  if (!from.ofDay || !to.ofDay) return std::nullopt;
-  const std::int64_t duration = *to.ofDay - *from.ofDay;
+  const std::int64_t duration = MicrosecondsOfDay(*to.time) - MicrosecondsOfDay(*from.time);
   return duration >= 0 ? duration : duration + kMicrosecondsPerDay;
 }
 
@@ -131,10 +137,7 @@ void CallTracker::Call::Add(const Q931Header& header, CallSide sender, std::uint
   CallMessage message;
   message.line = line;
   message.time.Assign(facts);
-  if (facts.time) {
-    message.moment.ofDay = MicrosecondsOfDay(*facts.time);
-    if (facts.date) message.moment.sinceEpoch = MicrosecondsSinceEpoch(*facts.date, *facts.time);
-  }
+  message.moment = {facts.date, facts.time};
   message.sender = sender;
   message.direction = facts.direction;
   message.messageType = header.messageType;

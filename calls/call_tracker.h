@@ -47,10 +47,10 @@ class MomentText {
   std::uint8_t size_ = 0;
 };
 
-// The parsed moment of a message, for durations.
+// The date and time of a message's line as read, for durations.
 struct MessageMoment {
-  std::optional<std::int64_t> sinceEpoch;  // microseconds, when the line has a date and a time
-  std::optional<std::int64_t> ofDay;       // microseconds since midnight, when it has a time
+  std::optional<LineDate> date;
+  std::optional<LineTime> time;
 };
 
 // One Q.931 message of a call.

@@ -82,18 +82,33 @@ void AppendSeconds(std::string& to, std::int64_t microseconds) {
   to.append(digits, size);
 }
 
+// A control character, and in JSON a quote or a backslash.
+constexpr bool NeedsEscape(char c, bool json) {
+  const auto code = static_cast<unsigned char>(c);
+  return code < 0x20 || code == 0x7F || (json && (c == '"' || c == '\\'));
+}
+bool NeedsEscape(std::string_view digits, bool json) {
+  return std::any_of(digits.begin(), digits.end(), [json](char c) { return NeedsEscape(c, json); });
+}
+
 // IA5 digits as characters; a control character as \u00XX. In JSON a quote
 // and a backslash are escaped too.
 void AppendDigits(std::string& to, std::string_view digits, bool json) {
   static constexpr char kHex[] = "0123456789abcdef";
+  if (!NeedsEscape(digits, json)) {
+    to += digits;
+    return;
+  }
   for (const char c : digits) {
     const auto code = static_cast<unsigned char>(c);
-    if (code < 0x20 || code == 0x7F) {
+    if (!NeedsEscape(c, json)) {
+      to += c;
+    } else if (code < 0x20 || code == 0x7F) {
       to += "\\u00";
       to += kHex[code >> 4];
       to += kHex[code & 0xF];
     } else {
-      if (json && (c == '"' || c == '\\')) to += '\\';
+      to += '\\';
       to += c;
     }
   }
@@ -238,52 +253,47 @@ class CallsWriter {
     out_.Put('\n');
   }
 
-  void JsonKey(std::string_view key) {
-    out_.Put(firstKey_ ? "{\"" : ",\"");
-    firstKey_ = false;
-    out_.Put(key);
-    out_.Put("\":");
-  }
-  void JsonString(std::string_view key, std::string_view text, bool known) {
-    JsonKey(key);
+  // Each member is written with what stands before its value: the key, and
+  // the "{" or "," before it.
+  void JsonString(std::string_view member, std::string_view text, bool known) {
+    out_.Put(member);
     if (!known) return out_.Put("null");
     out_.Put('"');
     out_.Put(text);
     out_.Put('"');
   }
-  void JsonNumber(std::string_view key, std::optional<std::uint64_t> value) {
-    JsonKey(key);
+  void JsonNumber(std::string_view member, std::optional<std::uint64_t> value) {
+    out_.Put(member);
     if (value) {
       out_.Decimal(static_cast<std::int64_t>(*value));
     } else {
       out_.Put("null");
     }
   }
-  void JsonDigits(std::string_view key, const std::optional<std::string>& digits) {
+  void JsonDigits(std::string_view member, const std::optional<std::string>& digits) {
+    if (!digits || !NeedsEscape(*digits, true)) return JsonString(member, digits.value_or(""), digits.has_value());
     scratch_.clear();
-    if (digits) AppendDigits(scratch_, *digits, true);
-    JsonString(key, scratch_, digits.has_value());
+    AppendDigits(scratch_, *digits, true);
+    JsonString(member, scratch_, true);
   }
-  void JsonMoment(std::string_view key, const CallMessage* message) {
+  void JsonMoment(std::string_view member, const CallMessage* message) {
     const bool known = message != nullptr && !message->time.Empty();
-    JsonString(key, known ? message->time.View() : std::string_view(), known);
+    JsonString(member, known ? message->time.View() : std::string_view(), known);
   }
 
   void JsonLine(const CallRecord& call) {
-    JsonNumber("call_ref", call.callReference);
-    JsonNumber("first_line", call.firstLine);
-    JsonNumber("last_line", call.lastLine);
+    JsonNumber(R"({"call_ref":)", call.callReference);
+    JsonNumber(R"(,"first_line":)", call.firstLine);
+    JsonNumber(R"(,"last_line":)", call.lastLine);
     const std::string_view direction = DirectionText(call.direction);
-    JsonString("direction", direction, !direction.empty());
-    JsonDigits("calling", call.calling);
-    JsonDigits("called", call.called);
+    JsonString(R"(,"direction":)", direction, !direction.empty());
+    JsonDigits(R"(,"calling":)", call.calling);
+    JsonDigits(R"(,"called":)", call.called);
     const std::string_view bearer = BearerText(call);
-    JsonString("bearer", bearer, !bearer.empty());
-    JsonKey("messages");
-    out_.Put('[');
+    JsonString(R"(,"bearer":)", bearer, !bearer.empty());
+    out_.Put(R"(,"messages":[)");
     for (std::size_t i = 0; i < call.messages.size(); ++i) {
-      if (i > 0) out_.Put(',');
-      out_.Put('"');
+      out_.Put(i > 0 ? R"(,")" : R"(")");
       // A type the dispatch does not know is named by its octet.
       const std::string_view name = MessageName(call.messages[i].messageType);
       if (name.empty()) {
@@ -293,24 +303,21 @@ class CallsWriter {
       }
       out_.Put('"');
     }
-    out_.Put(']');
-    JsonKey("answered");
-    out_.Put(call.Answered() ? "true" : "false");
+    out_.Put(call.Answered() ? R"(],"answered":true)" : R"(],"answered":false)");
     const std::string_view side = SideText(call.ClearedBy());
-    JsonString("cleared_by", side, !side.empty());
-    JsonNumber("cause_value", call.causeValue);
-    JsonNumber("cause_location", call.causeLocation);
+    JsonString(R"(,"cleared_by":)", side, !side.empty());
+    JsonNumber(R"(,"cause_value":)", call.causeValue);
+    JsonNumber(R"(,"cause_location":)", call.causeLocation);
     const std::string_view meaning = call.causeValue ? CauseValueMeaning(*call.causeValue) : std::string_view();
-    JsonString("cause_text", meaning, !meaning.empty());
-    JsonMoment("start", &call.messages.front());
-    JsonMoment("connect", call.connect ? &*call.connect : nullptr);
-    JsonMoment("end", &call.last);
+    JsonString(R"(,"cause_text":)", meaning, !meaning.empty());
+    JsonMoment(R"(,"start":)", &call.messages.front());
+    JsonMoment(R"(,"connect":)", call.connect ? &*call.connect : nullptr);
+    JsonMoment(R"(,"end":)", &call.last);
+    out_.Put(R"(,"duration_s":)");
     scratch_.clear();
     if (const auto duration = call.DurationMicroseconds()) AppendSeconds(scratch_, *duration);
-    JsonKey("duration_s");
     out_.Put(scratch_.empty() ? std::string_view("null") : std::string_view(scratch_));
     out_.Put("}\n");
-    firstKey_ = true;
   }
 
   OutputWriter& out_;
@@ -319,7 +326,6 @@ class CallsWriter {
   CallTotals totals_;
   std::string scratch_;
   std::size_t tableColumn_ = 0;
-  bool firstKey_ = true;
 };
 
 class CallsConsumer final : public TraceConsumer {

@@ -170,7 +170,7 @@ class CallsWriter {
     if (form_ == CallsForm::Csv) return CsvRow();
     totals_.Count(call);
     for (std::size_t c = 0; c < kCauseValue; ++c) TableCell(cells_[c]);
-    if (!cells_[kCauseValue].empty()) {
+    if (!cells_[kCauseText].empty()) {
       cells_[kCauseValue] += ' ';
       cells_[kCauseValue] += cells_[kCauseText];
     }
@@ -216,11 +216,12 @@ class CallsWriter {
     for (; count > 0; --count) out_.Put(' ');
   }
 
-  // Cells of the table stand two blanks apart; an unknown value shows as "-".
+  // Cells of the table stand two blanks apart; an unknown value shows as
+  // "-". The last column, of width 0, is not padded.
   void TableCell(std::string_view text) {
     const TableColumn& column = kTable[tableColumn_];
     if (tableColumn_ > 0) out_.Put("  ");
-    PutPadded(text.empty() ? "-" : text, tableColumn_ + 1 < std::size(kTable) ? column.width : 0, column.right);
+    PutPadded(text.empty() ? "-" : text, column.width, column.right);
     ++tableColumn_;
   }
   void EndTableRow() {

@@ -199,8 +199,10 @@ class CallsWriter {
       out_.Put("  ");
       out_.Decimal(order[i]);
       const std::string_view meaning = CauseValueMeaning(order[i]);
-      if (!meaning.empty()) out_.Put(' ');
-      out_.Put(meaning);
+      if (!meaning.empty()) {
+        out_.Put(' ');
+        out_.Put(meaning);
+      }
       out_.Put('\n');
     }
   }

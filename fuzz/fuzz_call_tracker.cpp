@@ -11,7 +11,8 @@
 // last message; with the default limit calls come in the order of their
 // first messages; with a small one the tracker never holds more than its
 // open calls and the limit; every JSON line is an object with exactly the
-// summary's keys, in order, and as many lines as calls.
+// summary's keys, in order, and as many lines as calls; the CSV has a row
+// a call and the table its rows and totals.
 #include <algorithm>
 #include <cctype>
 #include <cstddef>
@@ -183,12 +184,24 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
   Require(listedSmall + small.MessagesOutsideCalls() == messages, "the same with a small limit");
   Require(small.HeldCalls() == 0 && small.OpenCalls() == 0, "nothing held after the end");
 
-  const std::string json = velmora::fuzz::Capture([&](velmora::OutputWriter& out) {
-    const auto consumer = velmora::MakeCallsConsumer(out, velmora::CallsForm::JsonLines);
-    for (std::size_t i = 0; i < lines.size(); ++i)
-      consumer->Consume({lines[i].text, i + 1, true, velmora::OctetSpan(lines[i].frame)});
-    consumer->Finish();
-  });
+  const auto summary = [&](velmora::CallsForm form) {
+    return velmora::fuzz::Capture([&](velmora::OutputWriter& out) {
+      const auto consumer = velmora::MakeCallsConsumer(out, form);
+      for (std::size_t i = 0; i < lines.size(); ++i)
+        consumer->Consume({lines[i].text, i + 1, true, velmora::OctetSpan(lines[i].frame)});
+      consumer->Finish();
+    });
+  };
+  // A header row and a row a call; a control character never breaks a row.
+  const std::string csv = summary(velmora::CallsForm::Csv);
+  Require(static_cast<std::size_t>(std::count(csv.begin(), csv.end(), '\n')) == firstLines.size() + 1,
+          "a CSV row a call behind the header row", Printable(csv));
+  // The heading, a row a call, a blank line, five totals and the causes.
+  const std::string table = summary(velmora::CallsForm::Table);
+  Require(static_cast<std::size_t>(std::count(table.begin(), table.end(), '\n')) >= firstLines.size() + 7,
+          "the table's rows and totals", Printable(table));
+
+  const std::string json = summary(velmora::CallsForm::JsonLines);
   std::size_t objects = 0;
   for (std::size_t start = 0; start < json.size(); ++objects) {
     const std::size_t end = json.find('\n', start);

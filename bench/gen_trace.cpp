@@ -1,8 +1,10 @@
 // Writes a deterministic trace log of a chosen size for the benchmark:
 // about half frame lines (every Q.931 message type, with the elements
 // switches send, link frames among them), the rest ordinary log lines.
+// With "calls", the messages form short calls instead, a few at a time,
+// each with a call reference of its own: answered, busy or rejected.
 //
-//   velmora_gen_trace SIZE_MB OUTPUT
+//   velmora_gen_trace SIZE_MB OUTPUT [calls]
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
@@ -62,6 +64,25 @@ const std::vector<Octets> kLinkFrames = {
     {0xFE, 0xFF, 0x03, 0x0F, 0x2C, 0x51, 0x01, 0xFF},  // UI, TEI request
 };
 
+// The calls of the "calls" trace: messages of kMessages by index, with the
+// call reference flag (1: sent towards the caller).
+struct CallStep {
+  unsigned message;
+  unsigned flag;
+};
+const std::vector<std::vector<CallStep>> kCallScripts = {
+    {{0, 0}, {2, 1}, {3, 1}, {5, 1}, {6, 0}, {8, 0}, {9, 1}, {10, 0}},  // answered, cleared by the caller
+    {{0, 0}, {2, 1}, {8, 1}, {9, 0}, {11, 1}},                          // busy
+    {{0, 0}, {11, 1}},                                                  // rejected
+};
+constexpr unsigned kCallsAtOnce = 4;
+
+struct ActiveCall {
+  unsigned reference;
+  const std::vector<CallStep>* script;
+  std::size_t step;
+};
+
 const char* const kLogLines[] = {
     "L1: INFO 4 received, layer 1 active",
     "CC: call state change U0 -> U1",
@@ -76,8 +97,9 @@ const char* const kLogLines[] = {
 }  // namespace
 
 int main(int argc, char** argv) {
-  if (argc != 3) {
-    std::fprintf(stderr, "usage: velmora_gen_trace SIZE_MB OUTPUT\n");
+  const bool calls = argc == 4 && std::strcmp(argv[3], "calls") == 0;
+  if (argc != 3 && !calls) {
+    std::fprintf(stderr, "usage: velmora_gen_trace SIZE_MB OUTPUT [calls]\n");
     return 64;
   }
   const unsigned long long target = std::strtoull(argv[1], nullptr, 10) * 1000ULL * 1000ULL;
@@ -92,6 +114,8 @@ int main(int argc, char** argv) {
   unsigned record = 0;
   unsigned long long millis = 9ULL * 3600 * 1000;
   char stamp[64];
+  std::vector<ActiveCall> active;
+  unsigned nextReference = 1;
   while (written < target) {
     millis += random() % 500;
     std::snprintf(stamp, sizeof stamp, "%05u 2026-03-14 %02llu:%02llu:%02llu.%03llu ", ++record % 100000,
@@ -106,8 +130,23 @@ int main(int argc, char** argv) {
         const unsigned sendSequence = static_cast<unsigned>(random() % 64) << 1;
         const unsigned receiveSequence = static_cast<unsigned>(random() % 64) << 1;
         octets = {random() % 2 ? 0x00U : 0x02U, 0x81U, sendSequence, receiveSequence};
-        const Octets& message = kMessages[random() % kMessages.size()];
-        octets.insert(octets.end(), message.begin(), message.end());
+        if (!calls) {
+          const Octets& message = kMessages[random() % kMessages.size()];
+          octets.insert(octets.end(), message.begin(), message.end());
+        } else {
+          // The next message of a call under way, or the SETUP of a new one.
+          if (active.size() < kCallsAtOnce && (active.empty() || random() % 3 == 0)) {
+            active.push_back({nextReference, &kCallScripts[random() % kCallScripts.size()], 0});
+            nextReference = nextReference % 127 + 1;
+          }
+          const std::size_t which = random() % active.size();
+          ActiveCall& call = active[which];
+          const CallStep step = (*call.script)[call.step];
+          Octets message = kMessages[step.message];
+          message[2] = (step.flag << 7) | call.reference;
+          octets.insert(octets.end(), message.begin(), message.end());
+          if (++call.step == call.script->size()) active.erase(active.begin() + static_cast<long>(which));
+        }
       } else {
         octets = kLinkFrames[random() % kLinkFrames.size()];
       }

@@ -14,6 +14,7 @@
 #include <thread>
 #include <vector>
 
+#include "calls_output.h"
 #include "capture_input.h"
 #include "pcap_export.h"
 #include "progress_bar.h"
@@ -37,9 +38,17 @@ struct OutputKind {
   std::string_view help;
   velmora::TraceConsumerFactory (*make)();  // null: the message file
 };
+template <velmora::CallsForm form>
+velmora::TraceConsumerFactory CallsFactory() {
+  return [](velmora::OutputWriter& out, velmora::LinkMemory&) { return velmora::MakeCallsConsumer(out, form); };
+}
+
 constexpr OutputKind kOutputKinds[] = {
     {"message", "the message file (the default)", nullptr},
     {"pcap", "a pcap capture of every frame line's octets", &velmora::PcapExport},
+    {"calls", "a table of the calls, one row a call, and totals", CallsFactory<velmora::CallsForm::Table>},
+    {"calls-csv", "the table's rows as CSV", CallsFactory<velmora::CallsForm::Csv>},
+    {"calls-json", "one JSON object a call (JSON Lines)", CallsFactory<velmora::CallsForm::JsonLines>},
 };
 
 constexpr std::string_view kUsageHead =

@@ -174,6 +174,10 @@ constexpr CauseDiagnosticKind DiagnosticKindOf(unsigned cause) {
   return row != std::ranges::end(kCauseDiagnostics) ? row->kind : CauseDiagnosticKind::None;
 }
 
+// Octet 4 stands behind octet 3a when octet 3's extension bit announces
+// 3a; 3a's own extension bit is not looked at.
+constexpr std::size_t CauseValuePosition(Octet octet3) { return AnnouncesMore(octet3) ? 4 : 3; }
+
 void PrintLocation(OutputWriter& out, Octet octet3) {
   const unsigned location = kLocationField.ValueIn(octet3);
   if (location >= kFirstNationalLocation) {
@@ -197,13 +201,11 @@ void DecodeCause(OutputWriter& out, const ElementOctets& element) {
   PrintField(out, kCauseCodingStandardField, *octet3);
   PrintLocation(out, *octet3);
 
-  std::size_t octet4Position = 3;
+  const std::size_t octet4Position = CauseValuePosition(*octet3);
   if (AnnouncesMore(*octet3)) {
     const std::optional<Octet> octet3a = element.At(3);
     if (!octet3a) return;
     PrintField(out, kRecommendationField, *octet3a);
-    // Octet 3a's own extension bit is not looked at: octet 4 always follows.
-    octet4Position = 4;
   }
 
   const std::optional<Octet> octet4 = element.At(octet4Position);
@@ -218,6 +220,20 @@ void DecodeCause(OutputWriter& out, const ElementOctets& element) {
   // Diagnostics only when their first octet lies inside the element and the frame.
   const OctetSpan diagnostics = element.Slice(octet4Position + 1);
   if (!diagnostics.empty() && kind != CauseDiagnosticKind::None) DecodeCauseDiagnostics(out, kind, diagnostics);
+}
+
+std::optional<CauseReading> ReadCause(const ElementOctets& element) {
+  const std::optional<Octet> octet3 = element.At(2);
+  if (!octet3) return std::nullopt;
+  CauseReading reading{kLocationField.ValueIn(*octet3), std::nullopt};
+  if (const std::optional<Octet> octet4 = element.At(CauseValuePosition(*octet3)))
+    reading.value = FieldBits(*octet4, 7, 1);
+  return reading;
+}
+
+std::string_view CauseValueMeaning(unsigned value) {
+  const ValueText* row = FindRow(kCauseValues, value);
+  return row != nullptr ? row->text : std::string_view();
 }
 
 }  // namespace velmora

@@ -1,6 +1,8 @@
 // Channel identification (0x18): the interface and the channel a call uses,
 // a B-channel of a basic interface or, on a primary-rate interface, a channel
 // number or a slot map.
+#include "channel_identification.h"
+
 #include "common_tables.h"
 #include "element_registry.h"
 #include "field_text.h"
@@ -70,43 +72,63 @@ OctetSpan ExtendedGroup(const ElementOctets& element, std::size_t first) {
   return rest.first(size);
 }
 
+// Where the parts of an element stand: octet 3, the interface identifier
+// octets 3.1, and on another interface octet 3.2 and the octets behind it.
+struct ChannelOctets {
+  Octet octet3;
+  bool otherInterface;
+  OctetSpan interfaceIds;
+  std::optional<Octet> octet32;
+  std::size_t channelPosition;  // of octet 3.3, behind octet 3.2
+};
+
+std::optional<ChannelOctets> Locate(const ElementOctets& element) {
+  const auto octet3 = element.At(2);
+  if (!octet3) return std::nullopt;
+  ChannelOctets octets{*octet3, kInterfaceTypeField.ValueIn(*octet3) != 0, {}, std::nullopt, 3};
+  if (kInterfaceIdentifierPresentField.ValueIn(*octet3) != 0) octets.interfaceIds = ExtendedGroup(element, 3);
+  // A basic interface names its B-channel in octet 3 alone.
+  const std::size_t octet32Position = 3 + octets.interfaceIds.size();
+  if (octets.otherInterface) octets.octet32 = element.At(octet32Position);
+  octets.channelPosition = octet32Position + 1;
+  return octets;
+}
+
 }  // namespace
 
 void DecodeChannelIdentification(OutputWriter& out, const ElementOctets& element) {
-  const auto octet3 = element.At(2);
-  if (!octet3) return;
+  const std::optional<ChannelOctets> octets = Locate(element);
+  if (!octets) return;
 
-  const bool interfaceIdentified = kInterfaceIdentifierPresentField.ValueIn(*octet3) != 0;
-  const bool otherInterface = kInterfaceTypeField.ValueIn(*octet3) != 0;
-  PrintFields(out, *octet3, kOctet3Fields);
-  PrintField(out, otherInterface ? kOtherChannelSelectionField : kBasicChannelSelectionField, *octet3);
+  PrintFields(out, octets->octet3, kOctet3Fields);
+  PrintField(out, octets->otherInterface ? kOtherChannelSelectionField : kBasicChannelSelectionField, octets->octet3);
+  for (const Octet id : octets->interfaceIds) PrintDecimalField(out, "Interface identifier", FieldBits(id, 7, 1));
 
-  std::size_t index = 3;
-  if (interfaceIdentified) {
-    const OctetSpan interfaceIds = ExtendedGroup(element, index);
-    for (const Octet id : interfaceIds) PrintDecimalField(out, "Interface identifier", FieldBits(id, 7, 1));
-    index += interfaceIds.size();
-  }
-
-  // A basic interface names its B-channel in octet 3 alone.
-  if (!otherInterface) return;
-
-  const auto octet32 = element.At(index);
-  if (!octet32) return;
-  ++index;
-  PrintFields(out, *octet32, kOctet32Fields);
-  if (kNumberMapField.ValueIn(*octet32) != 0) {
+  if (!octets->octet32) return;
+  PrintFields(out, *octets->octet32, kOctet32Fields);
+  if (kNumberMapField.ValueIn(*octets->octet32) != 0) {
     // The map runs to the element's end; its bits are not named one by one.
-    PrintOctetString(out, "Slot map", element.Slice(index));
+    PrintOctetString(out, "Slot map", element.Slice(octets->channelPosition));
   } else {
     // All channel numbers stand on one line, each as " %d".
     PrintFieldName(out, "Channel number");
-    for (const Octet number : ExtendedGroup(element, index)) {
+    for (const Octet number : ExtendedGroup(element, octets->channelPosition)) {
       out.Put(' ');
       out.Decimal(FieldBits(number, 7, 1));
     }
     out.Put('\n');
   }
+}
+
+std::optional<IdentifiedChannel> ReadIdentifiedChannel(const ElementOctets& element) {
+  const std::optional<ChannelOctets> octets = Locate(element);
+  if (!octets) return std::nullopt;
+  const unsigned selection = kBasicChannelSelectionField.ValueIn(octets->octet3);
+  if (!octets->otherInterface)
+    return selection == 0b01 || selection == 0b10 ? std::optional(IdentifiedChannel{selection, {}}) : std::nullopt;
+  if (!octets->octet32 || kNumberMapField.ValueIn(*octets->octet32) != 0) return std::nullopt;
+  const OctetSpan numbers = ExtendedGroup(element, octets->channelPosition);
+  return numbers.empty() ? std::nullopt : std::optional(IdentifiedChannel{0, numbers});
 }
 
 }  // namespace velmora

@@ -2,6 +2,8 @@
 // The three numbers share one decoder, told by a small layout record which
 // optional octets it reads and how it shows the digits; the two subaddresses
 // share another.
+#include "party_numbers.h"
+
 #include "element_registry.h"
 #include "field_text.h"
 
@@ -89,25 +91,30 @@ constexpr NumberLayout kCallingPartyNumber{true, false, "Number digits (IA5)", f
 constexpr NumberLayout kCalledPartyNumber{false, false, "Number digits (IA5)", true};
 constexpr NumberLayout kRedirectingNumber{true, true, "Number digits(IA5)", true};
 
+// Where the digits begin: behind octet 3, and behind octets 3a and 3b when
+// the layout reads them and extension bits announce them. Octets 3a and 3b
+// are announced by extension bits, not by the length, so they count even
+// when they lie behind the element's last octet.
+std::size_t DigitsPosition(const ElementOctets& element, const NumberLayout& layout) {
+  const auto octet3 = element.At(2);
+  if (!layout.readsOctet3a || !octet3 || !AnnouncesMore(*octet3)) return 3;
+  const auto octet3a = element.FrameAt(3);
+  return layout.readsOctet3b && octet3a && AnnouncesMore(*octet3a) ? 5 : 4;
+}
+
 void DecodeNumber(OutputWriter& out, const ElementOctets& element, const NumberLayout& layout) {
   const auto octet3 = element.At(2);
   if (!octet3) return;
 
   PrintFields(out, *octet3, kNumberOctet3Fields);
-
-  // Octets 3a and 3b are announced by extension bits, not by the length, so
-  // they are read even when they lie behind the element's last octet. Behind
-  // the frame's last octet they do not exist and their lines are not shown.
-  std::size_t digitsFrom = 3;
-  if (layout.readsOctet3a && AnnouncesMore(*octet3)) {
-    digitsFrom = 4;
-    if (const auto octet3a = element.FrameAt(3)) {
-      PrintFields(out, *octet3a, kNumberOctet3aFields);
-      if (layout.readsOctet3b && AnnouncesMore(*octet3a)) {
-        digitsFrom = 5;
-        if (const auto octet3b = element.FrameAt(4)) PrintField(out, kReasonForRedirectionField, *octet3b);
-      }
-    }
+  // Behind the frame's last octet, octets 3a and 3b do not exist and their
+  // lines are not shown.
+  const std::size_t digitsFrom = DigitsPosition(element, layout);
+  if (digitsFrom > 3) {
+    if (const auto octet3a = element.FrameAt(3)) PrintFields(out, *octet3a, kNumberOctet3aFields);
+  }
+  if (digitsFrom > 4) {
+    if (const auto octet3b = element.FrameAt(4)) PrintField(out, kReasonForRedirectionField, *octet3b);
   }
 
   const OctetSpan digits = element.Slice(digitsFrom);
@@ -134,6 +141,19 @@ void DecodeCalledPartyNumber(OutputWriter& out, const ElementOctets& element) {
 
 void DecodeRedirectingNumber(OutputWriter& out, const ElementOctets& element) {
   DecodeNumber(out, element, kRedirectingNumber);
+}
+
+OctetSpan PartyNumberDigits(const ElementOctets& element) {
+  switch (element.Identifier()) {
+    case 0x6C:
+      return element.Slice(DigitsPosition(element, kCallingPartyNumber));
+    case 0x70:
+      return element.Slice(DigitsPosition(element, kCalledPartyNumber));
+    case 0x74:
+      return element.Slice(DigitsPosition(element, kRedirectingNumber));
+    default:
+      return {};
+  }
 }
 
 void DecodeCallingPartySubaddress(OutputWriter& out, const ElementOctets& element) { DecodeSubaddress(out, element); }

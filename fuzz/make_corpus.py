@@ -70,6 +70,26 @@ def elements(message):
         index += size
 
 
+def call_tracker_records(text):
+    """A trace's frames as records of the call tracker target: a control
+    octet (TX/RX in bits 2-1, a whole frame in bit 3, one second more in
+    bits 8-4), a length and the octets; Q.931 in an I-frame from octet 6 on."""
+    records = b""
+    for line in text.split(b"\n"):
+        frame = frame_octets(line)
+        if frame is None:
+            continue
+        word = re.search(rb"\b(TX|RX)\b", line)
+        control = 0x08 | (0 if not word else 1 if word.group(1) == b"TX" else 2)
+        if len(frame) >= 5 and frame[2] & 1 == 0 and frame[4] == 0x08:
+            octets = frame[5:]
+        else:
+            control, octets = control | 0x04, frame
+        octets = octets[:255]
+        records += bytes([control, len(octets)]) + octets
+    return records
+
+
 def write(target, name, data):
     directory = CORPUS / target
     directory.mkdir(parents=True, exist_ok=True)
@@ -162,7 +182,8 @@ def capture_seeds(texts):
 def main():
     golden = sorted((ROOT / "tests" / "data").glob("*.in.txt"))
     sample = (ROOT / "samples" / "trace.txt").read_bytes()
-    for target in ("line_handler", "translation_run", "element_decoders", "q931_message", "capture_input"):
+    for target in ("line_handler", "translation_run", "element_decoders", "q931_message", "capture_input",
+                   "call_tracker"):
         directory = CORPUS / target
         if directory.exists():
             for old in directory.glob("seed-*"):
@@ -186,6 +207,13 @@ def main():
 
     for capture in capture_seeds(texts + [sample]):
         write("capture_input", seed_name(capture), capture)
+
+    # Byte 0 sets the waiting limit: 1 and 16.
+    call_traces = sorted((ROOT / "tests" / "data" / "calls").glob("*.trace.txt"))
+    for text in [sample] + [path.read_bytes() for path in golden + call_traces]:
+        for limit in (0x00, 0x0F):
+            data = bytes([limit]) + call_tracker_records(text)
+            write("call_tracker", seed_name(data), data)
 
     messages = list(q931_messages(texts + [sample]))
     for message in messages:

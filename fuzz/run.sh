@@ -15,7 +15,7 @@ fi
 build_dir=${1:?build directory}
 seconds=${2:?seconds per target}
 source_dir=$(cd "$(dirname "$0")" && pwd)
-targets=(line_handler translation_run element_decoders q931_message capture_input)
+targets=(line_handler translation_run element_decoders q931_message capture_input call_tracker)
 
 mkdir -p "$build_dir/artifacts"
 summary=""

@@ -2,27 +2,28 @@
 
 namespace velmora {
 
-// Header: protocol discriminator (0), call reference length (1), the call
-// reference value, then the message type at crl + 2. The whole octet 1 is
-// the length; bits 8 to 5 are not masked off.
+// The message type stands at crl + 2, crl being the whole octet 1.
+std::optional<Q931Header> ReadQ931Header(OctetSpan message) {
+  if (message.size() < 2) return std::nullopt;
+  const std::size_t typePosition = static_cast<std::size_t>(message[1]) + 2;
+  if (typePosition >= message.size()) return std::nullopt;
+  return Q931Header{message.subspan(2, typePosition - 2), message[typePosition], message.subspan(typePosition)};
+}
+
 void DecodeQ931Message(OutputWriter& out, OctetSpan message) {
   out.Put("Message type:");
-  if (message.size() < 2) {
-    out.Put("Truncated message\n");
-    return;
-  }
-  const std::size_t typePosition = static_cast<std::size_t>(message[1]) + 2;
-  if (typePosition >= message.size()) {
+  const std::optional<Q931Header> header = ReadQ931Header(message);
+  if (!header) {
     out.Put("Truncated message\n");
     return;
   }
   // An unknown type prints nothing more, not even a line end: the copy of
   // the next input line continues the open "Message type:" line.
-  const MessageWalk* walk = FindMessageWalk(message[typePosition]);
+  const MessageWalk* walk = FindMessageWalk(header->messageType);
   if (walk == nullptr) return;
   out.Put(walk->name);
   out.Put('\n');
-  WalkElements(out, *walk, message.subspan(typePosition));
+  WalkElements(out, *walk, header->fromMessageType);
 }
 
 }  // namespace velmora

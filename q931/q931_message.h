@@ -1,5 +1,7 @@
 #pragma once
 // The Q.931 message layer: header, message-type dispatch and element walks.
+#include <cstddef>
+#include <optional>
 #include <span>
 #include <string_view>
 
@@ -8,6 +10,21 @@
 #include "output_writer.h"
 
 namespace velmora {
+
+// The header of a Q.931 message: protocol discriminator (0), call
+// reference length (1), the call reference value, then the message type.
+struct Q931Header {
+  // The value octets, as many as the whole length octet says (bits 8 to 5
+  // are not masked off); empty for the dummy call reference. Bit 8 of the
+  // first is the call reference flag.
+  OctetSpan callReference;
+  Octet messageType;
+  OctetSpan fromMessageType;  // the message type octet to the message's end
+};
+
+// The header of `message` (from the protocol discriminator to the frame's
+// end); nothing when the frame ends before the message type.
+std::optional<Q931Header> ReadQ931Header(OctetSpan message);
 
 // Prints "Message type:" and the type's name, then walks the elements.
 // `message` starts at the protocol discriminator and ends with the frame.
@@ -38,9 +55,25 @@ const MessageWalk* FindMessageWalk(Octet value);
 // unknown-element dump.
 const ElementEntry* ChooseElement(std::span<const ElementMatch> accepted, Octet identifier);
 
-// From index 1 behind the message type to the message's end: the prefix
-// "\tInformation element:" and the chosen element, moving on by the octets
-// each occupies.
+// The walk over a message's elements, from index 1 behind the message type
+// to the message's end: visit(entry, element) for each, with the entry the
+// walk chooses for its identifier (null: the unknown-element dump), moving
+// on by the octets each occupies. An element that announces more octets
+// than the frame holds ends the walk; nothing behind the frame is visited.
+template <typename Visit>
+void ForEachElement(const MessageWalk& walk, OctetSpan fromMessageType, Visit&& visit) {
+  if (!walk.walked) return;
+  std::size_t index = 1;
+  while (index < fromMessageType.size()) {
+    const ElementOctets element(fromMessageType.subspan(index));
+    const ElementEntry* entry = ChooseElement(walk.accepted, element.Identifier());
+    visit(entry, element);
+    index += OccupiedOctets(entry, element);
+  }
+}
+
+// The walk that prints: for each element the prefix "\tInformation element:"
+// and the chosen element's lines.
 void WalkElements(OutputWriter& out, const MessageWalk& walk, OctetSpan fromMessageType);
 
 }  // namespace velmora

@@ -123,13 +123,10 @@ const ElementEntry* ChooseElement(std::span<const ElementMatch> accepted, Octet 
 }
 
 void WalkElements(OutputWriter& out, const MessageWalk& walk, OctetSpan fromMessageType) {
-  if (!walk.walked) return;
-  std::size_t index = 1;
-  while (index < fromMessageType.size()) {
+  ForEachElement(walk, fromMessageType, [&out](const ElementEntry* entry, const ElementOctets& element) {
     out.Put("\tInformation element:");
-    const ElementOctets element(fromMessageType.subspan(index));
-    index += DecodeElement(out, ChooseElement(walk.accepted, element.Identifier()), element);
-  }
+    DecodeElement(out, entry, element);
+  });
 }
 
 }  // namespace velmora

@@ -254,7 +254,7 @@ TEST_P(RoundTrip, ACaptureOfATraceDecodesEveryFrameAsTheTraceDoes) {
   EXPECT_EQ(at, fromCapture.size());
 }
 
-INSTANTIATE_TEST_SUITE_P(GoldenTraces, RoundTrip, ::testing::ValuesIn(GoldenNames()),
+INSTANTIATE_TEST_SUITE_P(GoldenTraces, RoundTrip, ::testing::ValuesIn(NamesEndingIn(VELMORA_TEST_DATA, ".in.txt")),
                          [](const auto& info) { return info.param; });
 
 }  // namespace

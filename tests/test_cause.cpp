@@ -1,9 +1,11 @@
 // The Cause element's octets 3 to 4, and lengths and frames that cut it or its diagnostics short.
 #include <gtest/gtest.h>
 
+#include <optional>
 #include <string>
 #include <vector>
 
+#include "cause.h"
 #include "test_support.h"
 
 namespace velmora {
@@ -71,6 +73,28 @@ TEST(Cause, DecodesOctets3To4UpToTheElementsAndTheFramesEnd) {
            "parameter name\n\t\t\tDiagnostic field= 0x1 0x2\n"},
   };
   testing::ExpectDecodes(cases);
+}
+
+// The reading takes the location and value from the octets whose lines the
+// decoder prints: octet 4 behind octet 3a when octet 3 announces it.
+TEST(Cause, ReadingFindsOctet4WhereTheDecoderDoes) {
+  const struct {
+    std::vector<Octet> octets;
+    std::optional<CauseReading> reading;
+  } cases[] = {
+      {{0x08, 0x02, 0x82, 0x91}, CauseReading{2, 0x11}},
+      {{0x08, 0x03, 0x04, 0x80, 0x9F}, CauseReading{4, 0x1F}},
+      {{0x08, 0x02, 0x02, 0x80, 0x9F}, CauseReading{2, std::nullopt}},  // octet 4 lies behind the element
+      {{0x08, 0x03, 0x8A}, CauseReading{10, std::nullopt}},             // and behind the frame
+      {{0x08, 0x00, 0x80, 0x90}, std::nullopt},
+  };
+  for (const auto& c : cases) {
+    const std::optional<CauseReading> reading = ReadCause(ElementOctets(c.octets));
+    ASSERT_EQ(reading.has_value(), c.reading.has_value());
+    if (!reading) continue;
+    EXPECT_EQ(reading->location, c.reading->location);
+    EXPECT_EQ(reading->value, c.reading->value);
+  }
 }
 
 }  // namespace

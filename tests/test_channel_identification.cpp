@@ -1,6 +1,10 @@
 // Channel identification: basic and primary-rate interfaces, and elements cut short.
 #include <gtest/gtest.h>
 
+#include <optional>
+#include <vector>
+
+#include "channel_identification.h"
 #include "test_support.h"
 
 namespace velmora {
@@ -49,6 +53,35 @@ TEST(ChannelIdentification, DecodesAsFarAsTheElementAndTheFrameGo) {
       {{0x18, 0x05, 0xA9, 0x83, 0x01}, kNumbers + "\t\tChannel number= 1\n"},
   };
   testing::ExpectDecodes(cases);
+}
+
+// The channel a reading names: a B-channel of a basic interface, or the
+// channel numbers behind octet 3.2 (and behind interface identifiers).
+TEST(ChannelIdentification, ReadingNamesTheChannelTheElementIdentifies) {
+  const struct {
+    std::vector<Octet> octets;
+    unsigned basicChannel;
+    std::vector<Octet> numbers;
+  } named[] = {
+      {{0x18, 0x01, 0x89}, 1, {}},
+      {{0x18, 0x01, 0x8A}, 2, {}},
+      {{0x18, 0x03, 0xA9, 0x83, 0x81}, 0, {0x81}},
+      {{0x18, 0x05, 0xA9, 0x83, 0x01, 0x92, 0x85}, 0, {0x01, 0x92}},  // numbers up to bit 8 set
+      {{0x18, 0x04, 0xA9, 0x83, 0x01, 0x02}, 0, {0x01, 0x02}},        // or to the element's end
+      {{0x18, 0x04, 0xE9, 0x81, 0x83, 0x85}, 0, {0x85}},
+  };
+  for (const auto& c : named) {
+    const std::optional<IdentifiedChannel> channel = ReadIdentifiedChannel(ElementOctets(c.octets));
+    ASSERT_TRUE(channel.has_value());
+    EXPECT_EQ(channel->basicChannel, c.basicChannel);
+    EXPECT_EQ(std::vector<Octet>(channel->numbers.begin(), channel->numbers.end()), c.numbers);
+  }
+  // Any channel, no channel, a slot map, and elements that end before the channel.
+  const std::vector<Octet> unnamed[] = {
+      {0x18, 0x01, 0x83}, {0x18, 0x01, 0x80},       {0x18, 0x04, 0xA9, 0x93, 0x00, 0x01},
+      {0x18, 0x01, 0xA9}, {0x18, 0x02, 0xA9, 0x83}, {0x18, 0x00},
+  };
+  for (const auto& octets : unnamed) EXPECT_FALSE(ReadIdentifiedChannel(ElementOctets(octets)).has_value());
 }
 
 }  // namespace velmora

@@ -35,7 +35,7 @@ TEST_P(Golden, OutputMatchesTheHandWrittenExpectation) {
   fs::remove(output);
 }
 
-INSTANTIATE_TEST_SUITE_P(Traces, Golden, ::testing::ValuesIn(GoldenNames()),
+INSTANTIATE_TEST_SUITE_P(Traces, Golden, ::testing::ValuesIn(NamesEndingIn(VELMORA_TEST_DATA, ".in.txt")),
                          [](const auto& info) { return info.param; });
 
 }  // namespace

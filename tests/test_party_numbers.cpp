@@ -1,6 +1,9 @@
 // Calling, called and redirecting numbers and the two subaddresses.
 #include <gtest/gtest.h>
 
+#include <vector>
+
+#include "party_numbers.h"
 #include "test_support.h"
 
 namespace velmora {
@@ -50,6 +53,27 @@ TEST(PartyNumbers, DecodesEachElement) {
       {{0x71, 0x00, 0x21}, "Called party subaddress\n"},
   };
   testing::ExpectDecodes(cases);
+}
+
+// The digits a reading takes are those the decoder shows: behind octet 3,
+// 3a and 3b as each element's layout reads them.
+TEST(PartyNumbers, ReadingTakesTheDigitsTheDecoderShows) {
+  const struct {
+    std::vector<Octet> octets;
+    std::vector<Octet> digits;
+  } cases[] = {
+      {{0x6C, 0x04, 0x21, 0x83, 0x35, 0x36}, {0x35, 0x36}},
+      {{0x6C, 0x03, 0xA1, 0x35, 0x36}, {0x35, 0x36}},
+      {{0x6C, 0x01, 0x21, 0x83}, {}},  // octet 3a behind the element
+      {{0x70, 0x03, 0x21, 0x83, 0x35}, {0x83, 0x35}},
+      {{0x74, 0x05, 0x01, 0x02, 0x8F, 0x37, 0x38}, {0x37, 0x38}},
+      {{0x74, 0x02, 0x81, 0xB9}, {0xB9}},
+      {{0x28, 0x02, 0x41, 0x42}, {}},
+  };
+  for (const auto& c : cases) {
+    const OctetSpan digits = PartyNumberDigits(ElementOctets(c.octets));
+    EXPECT_EQ(std::vector<Octet>(digits.begin(), digits.end()), c.digits);
+  }
 }
 
 }  // namespace velmora

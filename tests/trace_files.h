@@ -24,13 +24,13 @@ inline std::string ReadAll(const std::filesystem::path& path) {
   return text.str();
 }
 
-// The golden traces: the NAMEs of tests/data/NAME.in.txt, made of letters,
-// digits and underscores.
-inline std::vector<std::string> GoldenNames() {
+// The NAMEs of the files NAME<suffix> in a directory, in order: the traces
+// a parameterised test runs.
+inline std::vector<std::string> NamesEndingIn(const std::filesystem::path& directory, std::string_view suffix) {
   std::vector<std::string> names;
-  for (const auto& entry : std::filesystem::directory_iterator(VELMORA_TEST_DATA)) {
+  for (const auto& entry : std::filesystem::directory_iterator(directory)) {
     const std::string file = entry.path().filename().string();
-    if (file.ends_with(".in.txt")) names.push_back(file.substr(0, file.size() - 7));
+    if (file.ends_with(suffix)) names.push_back(file.substr(0, file.size() - suffix.size()));
   }
   std::sort(names.begin(), names.end());
   return names;

@@ -1,0 +1,305 @@
+#include "call_tracker.h"
+
+#include <algorithm>
+#include <array>
+
+#include "cause.h"
+#include "channel_identification.h"
+#include "common_tables.h"
+#include "lapd.h"
+#include "party_numbers.h"
+#include "q931_message.h"
+
+namespace velmora {
+namespace {
+
+constexpr Octet kSetup = 0x05;
+constexpr Octet kConnect = 0x07;
+constexpr Octet kDisconnect = 0x45;
+constexpr Octet kRelease = 0x4D;
+constexpr Octet kReleaseComplete = 0x5A;
+constexpr Octet kInformation = 0x7B;
+
+constexpr bool IsClearing(Octet messageType) {
+  return messageType == kDisconnect || messageType == kRelease || messageType == kReleaseComplete;
+}
+
+// Identifiers of the elements a call record reads.
+constexpr Octet kBearerCapability = 0x04;
+constexpr Octet kCause = 0x08;
+constexpr Octet kChannelIdentification = 0x18;
+constexpr Octet kCallingPartyNumber = 0x6C;
+constexpr Octet kCalledPartyNumber = 0x70;
+
+// A call reference value of up to eight octets fits an integer, flag left out.
+constexpr std::size_t kLongestCallReference = 8;
+// Digits kept of a called number that overlap sending keeps adding to.
+constexpr std::size_t kLongestNumber = 256;
+// Delivered calls whose storage is kept for the calls to come.
+constexpr std::size_t kSpareCalls = 64;
+
+constexpr std::int64_t kMicrosecondsPerDay = 86400LL * 1000000;
+
+void AppendDigits(std::string& text, OctetSpan digits) {
+  for (const Octet digit : digits) {
+    if (text.size() >= kLongestNumber) return;
+    text.push_back(static_cast<char>(digit & 0x7F));
+  }
+}
+
+// "B1", "B2", or the channel numbers joined by commas.
+std::optional<std::string> ChannelText(const ElementOctets& element) {
+  const std::optional<IdentifiedChannel> channel = ReadIdentifiedChannel(element);
+  if (!channel) return std::nullopt;
+  if (channel->basicChannel != 0) return channel->basicChannel == 1 ? "B1" : "B2";
+  std::string text;
+  for (const Octet number : channel->numbers) {
+    if (!text.empty()) text.push_back(',');
+    text += std::to_string(number & 0x7F);
+  }
+  return text;
+}
+
+}  // namespace
+
+void MomentText::Append(std::string_view part) {
+  const std::size_t room = sizeof text_ - size_;
+  const std::size_t taken = std::min(part.size(), room);
+  std::copy_n(part.data(), taken, text_ + size_);
+  size_ = static_cast<std::uint8_t>(size_ + taken);
+}
+
+void MomentText::Assign(const FrameLineFacts& facts) {
+  size_ = 0;
+  const std::string_view date = facts.dateText;
+  const std::string_view time = facts.timeText;
+  // Side by side ("2026-03-14 09:15:02.306", "2026-03-14T09:15:02"): as written.
+  if (!date.empty() && !time.empty() && time.data() == date.data() + date.size() + 1) {
+    Append({date.data(), date.size() + 1 + time.size()});
+    return;
+  }
+  Append(date);
+  if (!date.empty() && !time.empty()) Append(" ");
+  Append(time);
+}
+
+// The names of the message type table by octet, for a look-up per message.
+constexpr auto kNamesByType = [] {
+  std::array<std::string_view, 256> names{};
+  for (const ValueText& row : kMessageTypeNames) names[row.value] = row.text;
+  return names;
+}();
+
+std::string_view MessageName(Octet messageType) { return kNamesByType[messageType]; }
+
+std::optional<CallSide> CallRecord::ClearedBy() const {
+  if (!clearing) return std::nullopt;
+  return clearing->sender;
+}
+
+std::optional<std::int64_t> CallRecord::DurationMicroseconds() const {
+  if (!connect || !clearing || clearing->line < connect->line) return std::nullopt;
+  const MessageMoment& from = connect->moment;
+  const MessageMoment& to = clearing->moment;
+  if (!from.time || !to.time) return std::nullopt;
+  if (from.date && to.date) {
+    const std::int64_t duration =
+        MicrosecondsSinceEpoch(*to.date, *to.time) - MicrosecondsSinceEpoch(*from.date, *from.time);
+    return duration >= 0 ? std::optional(duration) : std::nullopt;
+  }
+  const std::int64_t duration = MicrosecondsOfDay(*to.time) - MicrosecondsOfDay(*from.time);
+  return duration >= 0 ? duration : duration + kMicrosecondsPerDay;
+}
+
+struct CallTracker::Call {
+  CallRecord record;
+  bool complete = false;
+  bool released = false;    // a RELEASE was seen
+  bool onlySetups = true;   // every message so far is a SETUP
+  bool causeTaken = false;  // the clearing cause is read
+
+  CallKey Key() const { return {record.callReference, record.callReferenceLength}; }
+
+  // Back to a fresh call; the message list keeps its storage.
+  void Reset() {
+    std::vector<CallMessage> messages = std::move(record.messages);
+    messages.clear();
+    *this = Call{};
+    record.messages = std::move(messages);
+  }
+
+  void Add(const Q931Header& header, CallSide sender, std::uint64_t line, std::string_view lineText);
+  void ReadElements(const Q931Header& header, CallMessage& message);
+};
+
+void CallTracker::Call::Add(const Q931Header& header, CallSide sender, std::uint64_t line, std::string_view lineText) {
+  const FrameLineFacts facts = ReadFrameLineFacts(lineText);
+  CallMessage message;
+  message.line = line;
+  message.time.Assign(facts);
+  message.moment = {facts.date, facts.time};
+  message.sender = sender;
+  message.direction = facts.direction;
+  message.messageType = header.messageType;
+  ReadElements(header, message);
+
+  // The first line with TX or RX tells the direction: a message sent here
+  // by the caller, or received here from the callee, belongs to an
+  // outgoing call.
+  if (record.direction == CallDirection::Unknown && facts.direction != FrameDirection::Unknown) {
+    const bool sentHere = facts.direction == FrameDirection::Sent;
+    record.direction = sentHere == (sender == CallSide::Caller) ? CallDirection::Outgoing : CallDirection::Incoming;
+  }
+  if (header.messageType == kConnect && !record.connect) record.connect = message;
+  if (IsClearing(header.messageType) && !record.clearing) record.clearing = message;
+  released = released || header.messageType == kRelease;
+  onlySetups = onlySetups && header.messageType == kSetup;
+  record.lastLine = line;
+  record.last = message;
+  if (record.messages.size() < CallRecord::kListedMessages) {
+    record.messages.push_back(message);
+  } else {
+    ++record.unlistedMessages;
+  }
+}
+
+// The elements as the message's walk takes them, so that an element counts
+// exactly where the message file decodes it.
+void CallTracker::Call::ReadElements(const Q931Header& header, CallMessage& message) {
+  const MessageWalk* walk = FindMessageWalk(header.messageType);
+  if (walk == nullptr) return;
+  const bool clearing = IsClearing(header.messageType);
+  ForEachElement(*walk, header.fromMessageType, [&](const ElementEntry* entry, const ElementOctets& element) {
+    if (entry == nullptr) return;
+    switch (entry->identifier) {
+      case kBearerCapability:
+        if (const std::optional<Octet> octet3 = element.At(2); octet3 && !record.transferCapability)
+          record.transferCapability = kTransferCapabilityField.ValueIn(*octet3);
+        break;
+      case kCause:
+        if (const std::optional<CauseReading> cause = ReadCause(element)) {
+          if (!message.causeValue && cause->value) message.causeValue = static_cast<std::uint8_t>(*cause->value);
+          if (clearing && !causeTaken) {
+            causeTaken = true;
+            record.causeLocation = cause->location;
+            record.causeValue = cause->value;
+          }
+        }
+        break;
+      case kChannelIdentification:
+        if (!record.channel) record.channel = ChannelText(element);
+        break;
+      case kCallingPartyNumber:
+        if (!record.calling) AppendDigits(record.calling.emplace(), PartyNumberDigits(element));
+        break;
+      case kCalledPartyNumber:
+        // Overlap sending adds digits in INFORMATION messages; a repeated
+        // SETUP repeats the number.
+        if (!record.called || header.messageType == kInformation)
+          AppendDigits(record.called ? *record.called : record.called.emplace(), PartyNumberDigits(element));
+        break;
+      default:
+        break;
+    }
+  });
+}
+
+CallTracker::CallTracker(CallSink sink, std::size_t waitingLimit)
+    : sink_(std::move(sink)), waitingLimit_(waitingLimit) {}
+
+CallTracker::~CallTracker() = default;
+
+void CallTracker::Frame(OctetSpan frame, std::uint64_t line, std::string_view lineText) {
+  // Address (octets 1 and 2), control (an I-frame when bit 1 of octet 3 is
+  // 0, as the message file decodes it), layer 3 from octet 5.
+  if (frame.size() < 5 || (frame[2] & 0x01) != 0 || !IsQ931Discriminator(frame[4])) return;
+  const std::optional<Q931Header> header = ReadQ931Header(frame.subspan(4));
+  if (!header) return;
+  const OctetSpan reference = header->callReference;
+  if (reference.empty() || reference.size() > kLongestCallReference) {
+    ++outsideCalls_;
+    return;
+  }
+  CallKey key{reference[0] & 0x7FU, reference.size()};
+  for (const Octet octet : reference.subspan(1)) key.value = key.value << 8 | octet;
+  if (key.value == 0) {  // the global call reference
+    ++outsideCalls_;
+    return;
+  }
+  const CallSide sender = (reference[0] & 0x80) != 0 ? CallSide::Callee : CallSide::Caller;
+
+  const auto found = open_.find(key);
+  Call* call = found != open_.end() ? found->second : nullptr;
+  // A SETUP takes its reference for a new call, unless the open call has
+  // only SETUPs so far (one repeated when timer T303 expires).
+  if (call != nullptr && header->messageType == kSetup && !call->onlySetups) {
+    Close(*call);
+    call = nullptr;
+  }
+  if (call == nullptr) call = &Start(key, line);
+  call->Add(*header, sender, line, lineText);
+  if (header->messageType == kReleaseComplete) Close(*call);
+  Deliver();
+}
+
+void CallTracker::Finish() {
+  for (const std::unique_ptr<Call>& call : queue_)
+    if (!call->complete) Close(*call);
+  Deliver();
+}
+
+CallTracker::Call& CallTracker::Start(const CallKey& key, std::uint64_t line) {
+  std::unique_ptr<Call> call;
+  if (spare_.empty()) {
+    call = std::make_unique<Call>();
+  } else {
+    call = std::move(spare_.back());
+    spare_.pop_back();
+    call->Reset();
+  }
+  call->record.callReference = key.value;
+  call->record.callReferenceLength = key.length;
+  call->record.firstLine = line;
+  Call& started = *call;
+  open_.emplace(key, &started);
+  queue_.push_back(std::move(call));
+  return started;
+}
+
+void CallTracker::Close(Call& call) {
+  call.complete = true;
+  open_.erase(call.Key());
+  ++waiting_;
+}
+
+void CallTracker::Deliver() {
+  const auto deliver = [this](std::unique_ptr<Call>& call) {
+    sink_(call->record);
+    --waiting_;
+    if (spare_.size() < kSpareCalls) spare_.push_back(std::move(call));
+  };
+  for (;;) {
+    while (!queue_.empty() && queue_.front()->complete) {
+      deliver(queue_.front());
+      queue_.pop_front();
+    }
+    if (waiting_ <= waitingLimit_) return;
+    // Too many wait behind the open call at the head. One that a RELEASE
+    // has cleared is complete but for a RELEASE COMPLETE that has not come.
+    Call& head = *queue_.front();
+    if (!head.released) break;
+    Close(head);
+  }
+  // The head stays open: the waiting calls go out ahead of it.
+  std::deque<std::unique_ptr<Call>> stillOpen;
+  for (std::unique_ptr<Call>& call : queue_) {
+    if (call->complete) {
+      deliver(call);
+    } else {
+      stillOpen.push_back(std::move(call));
+    }
+  }
+  queue_ = std::move(stillOpen);
+}
+
+}  // namespace velmora

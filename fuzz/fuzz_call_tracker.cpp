@@ -1,0 +1,217 @@
+// Random frames to the call tracker and to the JSON Lines summary.
+//
+// Input: byte 0 sets the tracker's waiting limit (1 to 16); then records of
+// [control][length][length octets]. Control bits 2-1 give the line's TX, RX
+// or neither, bit 3 whether the octets are a whole frame or a Q.931 message
+// behind an I-frame header and the protocol discriminator, bits 8-4 the
+// seconds the line's clock moves on.
+//
+// Invariants: every Q.931 message with a readable header is in exactly one
+// call or counted outside calls; a call's lines run from its first to its
+// last message; with the default limit calls come in the order of their
+// first messages; with a small one the tracker never holds more than its
+// open calls and the limit; every JSON line is an object with exactly the
+// summary's keys, in order, and as many lines as calls; the CSV has a row
+// a call and the table its rows and totals.
+#include <algorithm>
+#include <cctype>
+#include <cstddef>
+#include <cstdint>
+#include <cstdio>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "call_tracker.h"
+#include "calls_output.h"
+#include "fuzz_support.h"
+
+namespace {
+
+using velmora::Octet;
+using velmora::fuzz::Printable;
+using velmora::fuzz::Require;
+
+struct FrameLine {
+  std::vector<Octet> frame;
+  std::string text;
+};
+
+std::vector<FrameLine> ReadFrames(const std::uint8_t* data, std::size_t size) {
+  std::vector<FrameLine> lines;
+  unsigned seconds = 0;
+  for (std::size_t at = 0; at + 2 <= size;) {
+    const std::uint8_t control = data[at];
+    const std::size_t length = std::min<std::size_t>(data[at + 1], size - at - 2);
+    const std::uint8_t* octets = data + at + 2;
+    at += 2 + length;
+    FrameLine line;
+    if ((control & 4) == 0) line.frame = {0x00, 0x81, 0x00, 0x00, 0x08};
+    line.frame.insert(line.frame.end(), octets, octets + length);
+    seconds = (seconds + (control >> 3)) % 86400;
+    char text[64];
+    std::snprintf(text, sizeof text, "2026-03-14 %02u:%02u:%02u.250 %s **** HDLC", seconds / 3600, seconds / 60 % 60,
+                  seconds % 60,
+                  (control & 3) == 1   ? "TX"
+                  : (control & 3) == 2 ? "RX"
+                                       : "--");
+    line.text = text;
+    lines.push_back(std::move(line));
+  }
+  return lines;
+}
+
+// Q.931 in an I-frame, and a call reference that leaves room for the type.
+bool HasReadableHeader(const std::vector<Octet>& frame) {
+  return frame.size() >= 6 && (frame[2] & 1) == 0 && frame[4] == 0x08 && frame[5] + 2U < frame.size() - 4;
+}
+
+void CheckRecord(const velmora::CallRecord& call) {
+  Require(!call.messages.empty(), "a call has a message");
+  Require(call.firstLine <= call.lastLine, "first_line <= last_line");
+  Require(call.messages.front().line == call.firstLine && call.last.line == call.lastLine,
+          "the first and last messages give the lines");
+  for (std::size_t i = 1; i < call.messages.size(); ++i)
+    Require(call.messages[i - 1].line < call.messages[i].line, "messages in line order");
+  Require(call.messages.size() <= velmora::CallRecord::kListedMessages, "the message list is bounded");
+}
+
+// A small reader for the one JSON shape the summary writes.
+class JsonLine {
+ public:
+  explicit JsonLine(std::string_view text) : text_(text) {}
+
+  bool Object(std::vector<std::string>& keys) {
+    if (!Take('{')) return false;
+    do {
+      std::string key;
+      if (!String(&key) || !Take(':') || !Value()) return false;
+      keys.push_back(key);
+    } while (Take(','));
+    return Take('}') && at_ == text_.size();
+  }
+
+ private:
+  bool Take(char c) {
+    if (at_ < text_.size() && text_[at_] == c) return ++at_, true;
+    return false;
+  }
+  bool Word(std::string_view word) {
+    if (text_.substr(at_, word.size()) != word) return false;
+    at_ += word.size();
+    return true;
+  }
+  bool String(std::string* out) {
+    if (!Take('"')) return false;
+    while (at_ < text_.size() && text_[at_] != '"') {
+      const auto c = static_cast<unsigned char>(text_[at_++]);
+      if (c < 0x20) return false;
+      if (c != '\\') {
+        if (out != nullptr) out->push_back(static_cast<char>(c));
+        continue;
+      }
+      if (Take('"') || Take('\\')) continue;
+      if (!Take('u')) return false;
+      for (int i = 0; i < 4; ++i, ++at_)
+        if (at_ >= text_.size() || !std::isxdigit(static_cast<unsigned char>(text_[at_]))) return false;
+    }
+    return Take('"');
+  }
+  bool Number() {
+    const std::size_t start = at_;
+    while (at_ < text_.size() && std::isdigit(static_cast<unsigned char>(text_[at_]))) ++at_;
+    if (at_ == start) return false;
+    if (!Take('.')) return true;
+    const std::size_t fraction = at_;
+    while (at_ < text_.size() && std::isdigit(static_cast<unsigned char>(text_[at_]))) ++at_;
+    return at_ > fraction && text_[at_ - 1] != '0';
+  }
+  bool Value() {
+    if (Word("null") || Word("true") || Word("false")) return true;
+    if (at_ < text_.size() && text_[at_] == '"') return String(nullptr);
+    if (!Take('[')) return Number();
+    if (Take(']')) return true;
+    do {
+      if (!String(nullptr)) return false;
+    } while (Take(','));
+    return Take(']');
+  }
+
+  std::string_view text_;
+  std::size_t at_ = 0;
+};
+
+const std::vector<std::string> kKeys = {"call_ref",    "first_line",     "last_line",  "direction", "calling",
+                                        "called",      "bearer",         "messages",   "answered",  "cleared_by",
+                                        "cause_value", "cause_location", "cause_text", "start",     "connect",
+                                        "end",         "duration_s"};
+
+}  // namespace
+
+extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
+  if (size < 1) return 0;
+  const std::size_t waitingLimit = 1 + data[0] % 16;
+  const std::vector<FrameLine> lines = ReadFrames(data + 1, size - 1);
+
+  // The default limit: calls in the order of their first messages.
+  std::vector<std::uint64_t> firstLines;
+  std::uint64_t listed = 0;
+  velmora::CallTracker ordered([&](const velmora::CallRecord& call) {
+    CheckRecord(call);
+    Require(firstLines.empty() || firstLines.back() < call.firstLine, "calls in the order of first messages");
+    firstLines.push_back(call.firstLine);
+    listed += call.messages.size() + call.unlistedMessages;
+  });
+  // A small limit: the tracker holds no more than its open calls and the limit.
+  std::uint64_t listedSmall = 0;
+  velmora::CallTracker small(
+      [&](const velmora::CallRecord& call) {
+        CheckRecord(call);
+        listedSmall += call.messages.size() + call.unlistedMessages;
+      },
+      waitingLimit);
+  std::uint64_t messages = 0;
+  for (std::size_t i = 0; i < lines.size(); ++i) {
+    const velmora::OctetSpan frame(lines[i].frame);
+    ordered.Frame(frame, i + 1, lines[i].text);
+    small.Frame(frame, i + 1, lines[i].text);
+    Require(small.HeldCalls() <= small.OpenCalls() + waitingLimit, "held calls bounded by open calls and the limit");
+    if (HasReadableHeader(lines[i].frame)) ++messages;
+  }
+  ordered.Finish();
+  small.Finish();
+  Require(listed + ordered.MessagesOutsideCalls() == messages, "every message in one call or outside calls");
+  Require(listedSmall + small.MessagesOutsideCalls() == messages, "the same with a small limit");
+  Require(small.HeldCalls() == 0 && small.OpenCalls() == 0, "nothing held after the end");
+
+  const auto summary = [&](velmora::CallsForm form) {
+    return velmora::fuzz::Capture([&](velmora::OutputWriter& out) {
+      const auto consumer = velmora::MakeCallsConsumer(out, form);
+      for (std::size_t i = 0; i < lines.size(); ++i)
+        consumer->Consume({lines[i].text, i + 1, true, velmora::OctetSpan(lines[i].frame)});
+      consumer->Finish();
+    });
+  };
+  // A header row and a row a call; a control character never breaks a row.
+  const std::string csv = summary(velmora::CallsForm::Csv);
+  Require(static_cast<std::size_t>(std::count(csv.begin(), csv.end(), '\n')) == firstLines.size() + 1,
+          "a CSV row a call behind the header row", Printable(csv));
+  // The heading, a row a call, a blank line, five totals and the causes.
+  const std::string table = summary(velmora::CallsForm::Table);
+  Require(static_cast<std::size_t>(std::count(table.begin(), table.end(), '\n')) >= firstLines.size() + 7,
+          "the table's rows and totals", Printable(table));
+
+  const std::string json = summary(velmora::CallsForm::JsonLines);
+  std::size_t objects = 0;
+  for (std::size_t start = 0; start < json.size(); ++objects) {
+    const std::size_t end = json.find('\n', start);
+    Require(end != std::string::npos, "every JSON line ends with a line end");
+    const std::string_view line = std::string_view(json).substr(start, end - start);
+    std::vector<std::string> keys;
+    Require(JsonLine(line).Object(keys) && keys == kKeys, "a JSON object with exactly the summary's keys",
+            Printable(line));
+    start = end + 1;
+  }
+  Require(objects == firstLines.size(), "one JSON line a call");
+  return 0;
+}

@@ -128,11 +128,12 @@ struct CallTracker::Call {
     record.messages = std::move(messages);
   }
 
-  void Add(const Q931Header& header, CallSide sender, std::uint64_t line, std::string_view lineText);
+  void Add(const Q931Header& header, CallSide sender, std::uint64_t line, std::string_view lineText, std::uint32_t tag);
   void ReadElements(const Q931Header& header, CallMessage& message);
 };
 
-void CallTracker::Call::Add(const Q931Header& header, CallSide sender, std::uint64_t line, std::string_view lineText) {
+void CallTracker::Call::Add(const Q931Header& header, CallSide sender, std::uint64_t line, std::string_view lineText,
+                            std::uint32_t tag) {
   const FrameLineFacts facts = ReadFrameLineFacts(lineText);
   CallMessage message;
   message.line = line;
@@ -141,6 +142,7 @@ void CallTracker::Call::Add(const Q931Header& header, CallSide sender, std::uint
   message.sender = sender;
   message.direction = facts.direction;
   message.messageType = header.messageType;
+  message.tag = tag;
   ReadElements(header, message);
 
   // The first line with TX or RX tells the direction: a message sent here
@@ -209,7 +211,7 @@ CallTracker::CallTracker(CallSink sink, std::size_t waitingLimit)
 
 CallTracker::~CallTracker() = default;
 
-void CallTracker::Frame(OctetSpan frame, std::uint64_t line, std::string_view lineText) {
+void CallTracker::Frame(OctetSpan frame, std::uint64_t line, std::string_view lineText, std::uint32_t tag) {
   // Address (octets 1 and 2), control (an I-frame when bit 1 of octet 3 is
   // 0, as the message file decodes it), layer 3 from octet 5.
   if (frame.size() < 5 || (frame[2] & 0x01) != 0 || !IsQ931Discriminator(frame[4])) return;
@@ -237,7 +239,7 @@ void CallTracker::Frame(OctetSpan frame, std::uint64_t line, std::string_view li
     call = nullptr;
   }
   if (call == nullptr) call = &Start(key, line);
-  call->Add(*header, sender, line, lineText);
+  call->Add(*header, sender, line, lineText, tag);
   if (header->messageType == kReleaseComplete) Close(*call);
   Deliver();
 }

@@ -62,6 +62,7 @@ struct CallMessage {
   FrameDirection direction = FrameDirection::Unknown;  // TX or RX on its line
   Octet messageType = 0;
   std::optional<std::uint8_t> causeValue;  // of its first Cause element that has one
+  std::uint32_t tag = 0;                   // what the tracker's user gave the frame
 };
 
 // The message names of the dispatch table; a type it lacks has none (empty).
@@ -123,8 +124,9 @@ class CallTracker {
 
   // A frame line: the frame's octets as the scanner reads them, the line's
   // number and its text (for TX/RX, date and time). Only a Q.931 message in
-  // an I-frame counts; every other frame is passed over.
-  void Frame(OctetSpan frame, std::uint64_t line, std::string_view lineText);
+  // an I-frame counts; every other frame is passed over. `tag` is kept with
+  // the message, for the user to find what it knows of the frame.
+  void Frame(OctetSpan frame, std::uint64_t line, std::string_view lineText, std::uint32_t tag = 0);
 
   // The end of the trace: every open call is complete.
   void Finish();

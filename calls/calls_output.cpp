@@ -13,38 +13,8 @@
 namespace velmora {
 namespace {
 
-// The columns of the table and the CSV. The table shows the cause value and
-// its meaning in one column.
-enum Column : std::size_t {
-  kFirstLine,
-  kDirection,
-  kCalling,
-  kCalled,
-  kBearer,
-  kChannel,
-  kAnswered,
-  kDuration,
-  kClearedBy,
-  kCauseValue,
-  kCauseText,
-  kColumnCount,
-};
-
 constexpr std::string_view kCsvHeader =
     "first_line,direction,calling,called,bearer,channel,answered,duration_s,cleared_by,cause_value,cause_text\n";
-
-// Table columns: heading, width, whether the cell stands to the right. The
-// widths fit the common values; a longer one pushes the rest of its row on.
-struct TableColumn {
-  std::string_view heading;
-  std::size_t width;
-  bool right;
-};
-constexpr TableColumn kTable[] = {
-    {"line", 7, true},         {"direction", 9, false}, {"calling", 16, false}, {"called", 16, false},
-    {"bearer", 32, false},     {"channel", 7, false},   {"answered", 8, false}, {"duration", 10, true},
-    {"cleared by", 10, false}, {"cause", 0, false},
-};
 
 std::string_view DirectionText(CallDirection direction) {
   switch (direction) {
@@ -114,50 +84,13 @@ void AppendDigits(std::string& to, std::string_view digits, bool json) {
   }
 }
 
-// The texts of one row; the strings keep their storage from row to row.
-// An unknown value is an empty cell.
-using RowCells = std::array<std::string, kColumnCount>;
-
-void FillCells(RowCells& cells, const CallRecord& call) {
-  for (std::string& cell : cells) cell.clear();
-  cells[kFirstLine] += std::to_string(call.firstLine);
-  cells[kDirection] += DirectionText(call.direction);
-  if (call.calling) AppendDigits(cells[kCalling], *call.calling, false);
-  if (call.called) AppendDigits(cells[kCalled], *call.called, false);
-  cells[kBearer] += BearerText(call);
-  if (call.channel) cells[kChannel] += *call.channel;
-  cells[kAnswered] += call.Answered() ? "yes" : "no";
-  if (const auto duration = call.DurationMicroseconds()) AppendSeconds(cells[kDuration], *duration);
-  cells[kClearedBy] += SideText(call.ClearedBy());
-  if (call.causeValue) {
-    cells[kCauseValue] += std::to_string(*call.causeValue);
-    cells[kCauseText] += CauseValueMeaning(*call.causeValue);
-  }
-}
-
-// The totals under the table.
-struct CallTotals {
-  std::uint64_t calls = 0;
-  std::uint64_t answered = 0;
-  std::uint64_t clearedByCaller = 0;
-  std::uint64_t clearedByCallee = 0;
-  std::array<std::uint64_t, 128> causes{};  // by cause value
-
-  void Count(const CallRecord& call) {
-    ++calls;
-    if (call.Answered()) ++answered;
-    if (const auto side = call.ClearedBy()) ++(*side == CallSide::Caller ? clearedByCaller : clearedByCallee);
-    if (call.causeValue) ++causes[*call.causeValue & 0x7F];
-  }
-};
-
 class CallsWriter {
  public:
   CallsWriter(OutputWriter& out, CallsForm form) : out_(out), form_(form) {}
 
   void Begin() {
     if (form_ == CallsForm::Table) {
-      for (const TableColumn& column : kTable) TableCell(column.heading);
+      for (const CallTableColumn& column : kCallTableColumns) TableCell(column.heading);
       EndTableRow();
     } else if (form_ == CallsForm::Csv) {
       out_.Put(kCsvHeader);
@@ -166,7 +99,7 @@ class CallsWriter {
 
   void Call(const CallRecord& call) {
     if (form_ == CallsForm::JsonLines) return JsonLine(call);
-    FillCells(cells_, call);
+    FillCallCells(cells_, call);
     if (form_ == CallsForm::Csv) return CsvRow();
     totals_.Count(call);
     for (std::size_t c = 0; c < kCauseValue; ++c) TableCell(cells_[c]);
@@ -185,20 +118,15 @@ class CallsWriter {
     Total("cleared by the caller: ", totals_.clearedByCaller);
     Total("cleared by the callee: ", totals_.clearedByCallee);
     Total("messages outside calls: ", messagesOutsideCalls);
-    std::array<std::uint8_t, 128> order;
-    std::size_t used = 0;
-    for (std::size_t value = 0; value < totals_.causes.size(); ++value)
-      if (totals_.causes[value] != 0) order[used++] = static_cast<std::uint8_t>(value);
-    if (used == 0) return;
-    std::stable_sort(order.begin(), order.begin() + used,
-                     [this](std::uint8_t a, std::uint8_t b) { return totals_.causes[a] > totals_.causes[b]; });
+    const std::vector<std::uint8_t> order = totals_.CausesByCount();
+    if (order.empty()) return;
     out_.Put("cause values, most frequent first:\n");
-    for (std::size_t i = 0; i < used; ++i) {
-      scratch_ = std::to_string(totals_.causes[order[i]]);
+    for (const std::uint8_t value : order) {
+      scratch_ = std::to_string(totals_.causes[value]);
       PutPadded(scratch_, 7, true);
       out_.Put("  ");
-      out_.Decimal(order[i]);
-      const std::string_view meaning = CauseValueMeaning(order[i]);
+      out_.Decimal(value);
+      const std::string_view meaning = CauseValueMeaning(value);
       if (!meaning.empty()) {
         out_.Put(' ');
         out_.Put(meaning);
@@ -221,7 +149,7 @@ class CallsWriter {
   // Cells of the table stand two blanks apart; an unknown value shows as
   // "-". The last column, of width 0, is not padded.
   void TableCell(std::string_view text) {
-    const TableColumn& column = kTable[tableColumn_];
+    const CallTableColumn& column = kCallTableColumns[tableColumn_];
     if (tableColumn_ > 0) out_.Put("  ");
     PutPadded(text.empty() ? "-" : text, column.width, column.right);
     ++tableColumn_;
@@ -239,7 +167,7 @@ class CallsWriter {
 
   // A cell holding a comma or a quote stands in quotes, its quotes doubled.
   void CsvRow() {
-    for (std::size_t c = 0; c < kColumnCount; ++c) {
+    for (std::size_t c = 0; c < kCallColumnCount; ++c) {
       if (c > 0) out_.Put(',');
       const std::string_view cell = cells_[c];
       if (cell.find_first_of(",\"") == std::string_view::npos) {
@@ -325,7 +253,7 @@ class CallsWriter {
 
   OutputWriter& out_;
   CallsForm form_;
-  RowCells cells_;
+  CallCells cells_;
   CallTotals totals_;
   std::string scratch_;
   std::size_t tableColumn_ = 0;
@@ -356,6 +284,39 @@ class CallsConsumer final : public TraceConsumer {
 
 std::unique_ptr<TraceConsumer> MakeCallsConsumer(OutputWriter& out, CallsForm form) {
   return std::make_unique<CallsConsumer>(out, form);
+}
+
+void FillCallCells(CallCells& cells, const CallRecord& call) {
+  for (std::string& cell : cells) cell.clear();
+  cells[kFirstLine] += std::to_string(call.firstLine);
+  cells[kDirection] += DirectionText(call.direction);
+  if (call.calling) AppendDigits(cells[kCalling], *call.calling, false);
+  if (call.called) AppendDigits(cells[kCalled], *call.called, false);
+  cells[kBearer] += BearerText(call);
+  if (call.channel) cells[kChannel] += *call.channel;
+  cells[kAnswered] += call.Answered() ? "yes" : "no";
+  if (const auto duration = call.DurationMicroseconds()) AppendSeconds(cells[kDuration], *duration);
+  cells[kClearedBy] += SideText(call.ClearedBy());
+  if (call.causeValue) {
+    cells[kCauseValue] += std::to_string(*call.causeValue);
+    cells[kCauseText] += CauseValueMeaning(*call.causeValue);
+  }
+}
+
+void CallTotals::Count(const CallRecord& call) {
+  ++calls;
+  if (call.Answered()) ++answered;
+  if (const auto side = call.ClearedBy()) ++(*side == CallSide::Caller ? clearedByCaller : clearedByCallee);
+  if (call.causeValue) ++causes[*call.causeValue & 0x7F];
+}
+
+std::vector<std::uint8_t> CallTotals::CausesByCount() const {
+  std::vector<std::uint8_t> order;
+  for (std::size_t value = 0; value < causes.size(); ++value)
+    if (causes[value] != 0) order.push_back(static_cast<std::uint8_t>(value));
+  std::stable_sort(order.begin(), order.end(),
+                   [this](std::uint8_t a, std::uint8_t b) { return causes[a] > causes[b]; });
+  return order;
 }
 
 }  // namespace velmora

@@ -1,5 +1,6 @@
 // velmora INPUT OUTPUT [INPUT OUTPUT ...]: the translation run on the command
 // line. Exit status follows sysexits.h.
+#include <sys/stat.h>
 #include <unistd.h>
 
 #include <algorithm>
@@ -14,6 +15,7 @@
 #include <thread>
 #include <vector>
 
+#include "call_report.h"
 #include "calls_output.h"
 #include "capture_input.h"
 #include "pcap_export.h"
@@ -36,19 +38,29 @@ constexpr int kExitIoError = 74;     // EX_IOERR
 struct OutputKind {
   std::string_view name;
   std::string_view help;
-  velmora::TraceConsumerFactory (*make)();  // null: the message file
+  velmora::TraceConsumerFactory (*make)(const std::string& input);  // null: the message file
 };
+velmora::TraceConsumerFactory PcapFactory(const std::string&) { return velmora::PcapExport(); }
 template <velmora::CallsForm form>
-velmora::TraceConsumerFactory CallsFactory() {
+velmora::TraceConsumerFactory CallsFactory(const std::string&) {
   return [](velmora::OutputWriter& out, velmora::LinkMemory&) { return velmora::MakeCallsConsumer(out, form); };
+}
+// The report names its input and gives a regular file's size.
+velmora::TraceConsumerFactory ReportFactory(const std::string& input) {
+  velmora::ReportInput report{input == "-" ? "standard input" : input, std::nullopt};
+  struct stat info {};
+  if (input != "-" && ::stat(input.c_str(), &info) == 0 && S_ISREG(info.st_mode))
+    report.size = static_cast<std::uint64_t>(info.st_size);
+  return velmora::CallReport(std::move(report));
 }
 
 constexpr OutputKind kOutputKinds[] = {
     {"message", "the message file (the default)", nullptr},
-    {"pcap", "a pcap capture of every frame line's octets", &velmora::PcapExport},
+    {"pcap", "a pcap capture of every frame line's octets", PcapFactory},
     {"calls", "a table of the calls, one row a call, and totals", CallsFactory<velmora::CallsForm::Table>},
     {"calls-csv", "the table's rows as CSV", CallsFactory<velmora::CallsForm::Csv>},
     {"calls-json", "one JSON object a call (JSON Lines)", CallsFactory<velmora::CallsForm::JsonLines>},
+    {"report", "an HTML page of the calls, with a ladder diagram for each", ReportFactory},
 };
 
 constexpr std::string_view kUsageHead =
@@ -129,7 +141,7 @@ int TranslatePair(const std::string& input, const std::string& output, velmora::
   options.jobs = settings.jobs;
   options.report = &report;
   options.inputFormats = {&velmora::CaptureFormat()};
-  if (settings.kind->make != nullptr) options.makeConsumer = settings.kind->make();
+  if (settings.kind->make != nullptr) options.makeConsumer = settings.kind->make(input);
   velmora::ProgressBar progress(stderr);
   if (::isatty(STDERR_FILENO))
     options.progress = [&progress](std::uint64_t done, std::uint64_t size) { progress.Update(done, size); };

@@ -5,13 +5,13 @@ SHELL := /bin/bash
 
 PACKAGES := cmake ninja-build g++ clang clang-format libclang-rt-14-dev libgtest-dev libgmock-dev \
             libbenchmark-dev qt6-base-dev libpcap-dev time bc \
-            dpkg-dev file lintian desktop-file-utils groff-base man-db
+            dpkg-dev file lintian desktop-file-utils groff-base man-db python3 chromium-headless-shell
 JOBS ?= $(shell nproc)
 
 RELEASE_DIR := build/release
 TEST_DIR := build/test
 
-.PHONY: demo test deps build package package-check clean
+.PHONY: demo report-demo test deps build package package-check clean
 
 # Installs what is missing; when not root, prints the exact line and stops.
 deps:
@@ -37,6 +37,18 @@ demo: build
 	$(RELEASE_DIR)/velmora samples/trace.txt build/demo/message.txt
 	@echo "---- build/demo/message.txt ----"
 	@cat build/demo/message.txt
+
+# The call report of samples/trace.txt and, where a headless Chromium is
+# installed, its screenshot with the first call's ladder open (docs/report.png).
+report-demo: build
+	@mkdir -p build/demo
+	$(RELEASE_DIR)/velmora --to report samples/trace.txt build/demo/report.html
+	@if command -v chromium-headless-shell >/dev/null || command -v chromium >/dev/null; then \
+	  python3 tests/browser/report_browser.py screenshot $(RELEASE_DIR)/velmora samples/trace.txt docs/report.png; \
+	else \
+	  echo "No headless Chromium (Debian's chromium-headless-shell or chromium): no screenshot."; \
+	fi
+	@echo "Open build/demo/report.html in a browser."
 
 # Every test, built with AddressSanitizer and UndefinedBehaviorSanitizer and
 # warnings as errors; then the fuzz smoke and the check of the .deb packages.

@@ -203,7 +203,11 @@ class Browser:
         return found
 
     def screenshot(self, path):
-        data = self.call("Page.captureScreenshot", format="png")["data"]
+        """The page from its top to the end of its content."""
+        bottom = self.evaluate("document.querySelector('body > section:last-of-type').getBoundingClientRect().bottom")
+        height = min(WINDOW[1], int(bottom) + 12)
+        clip = {"x": 0, "y": 0, "width": WINDOW[0], "height": height, "scale": 1}
+        data = self.call("Page.captureScreenshot", format="png", clip=clip)["data"]
         with open(path, "wb") as out:
             out.write(base64.b64decode(data))
 

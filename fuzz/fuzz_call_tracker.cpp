@@ -1,4 +1,5 @@
-// Random frames to the call tracker and to the JSON Lines summary.
+// Random frames to the call tracker, to the JSON Lines summary and to the
+// report.
 //
 // Input: byte 0 sets the tracker's waiting limit (1 to 16); then records of
 // [control][length][length octets]. Control bits 2-1 give the line's TX, RX
@@ -12,7 +13,8 @@
 // first messages; with a small one the tracker never holds more than its
 // open calls and the limit; every JSON line is an object with exactly the
 // summary's keys, in order, and as many lines as calls; the CSV has a row
-// a call and the table its rows and totals.
+// a call and the table its rows and totals; in the report, no text of the
+// trace ends a data block early or stands in it as markup.
 #include <algorithm>
 #include <cctype>
 #include <cstddef>
@@ -22,6 +24,7 @@
 #include <string_view>
 #include <vector>
 
+#include "call_report.h"
 #include "call_tracker.h"
 #include "calls_output.h"
 #include "fuzz_support.h"
@@ -213,5 +216,35 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     start = end + 1;
   }
   Require(objects == firstLines.size(), "one JSON line a call");
+
+  // The report, of the frames written out as frame lines that the line
+  // handler decodes.
+  const std::string report = velmora::fuzz::Capture([&](velmora::OutputWriter& out) {
+    velmora::LinkMemory link;
+    const auto consumer = velmora::CallReport({"</script>", std::nullopt})(out, link);
+    std::string text;
+    for (std::size_t i = 0; i < lines.size(); ++i) {
+      text = lines[i].text + ":" + std::to_string(lines[i].frame.size()) + "  |";
+      for (const Octet octet : lines[i].frame) {
+        char cell[6];
+        std::snprintf(cell, sizeof cell, " 0x%02x", octet);
+        text += cell;
+      }
+      text.resize(std::max<std::size_t>(text.size(), 84), ' ');
+      text += '\n';
+      consumer->Consume({text, i + 1, true, velmora::OctetSpan(lines[i].frame)});
+    }
+    consumer->Finish();
+  });
+  constexpr std::string_view kDataStart = R"(<script type="application/json" class="velmora-data">)";
+  std::size_t blocks = 0;
+  for (std::size_t at = report.find(kDataStart); at != std::string::npos; at = report.find(kDataStart, at), ++blocks) {
+    at += kDataStart.size();
+    const std::size_t end = report.find("</script>", at);
+    Require(end != std::string::npos && end > at && report[end - 1] == '}', "a data block ends with its object");
+    const std::string_view block = std::string_view(report).substr(at, end - at);
+    Require(block.find_first_of("<>&") == std::string_view::npos, "no markup in a data block", Printable(block));
+  }
+  Require(blocks >= 1 && report.ends_with("</html>\n"), "the report's data blocks and its end");
   return 0;
 }

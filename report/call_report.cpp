@@ -97,12 +97,12 @@ class ReportConsumer final : public TraceConsumer {
         decodedWriter_(decodedSink_, 16 * 1024),
         context_{decodedWriter_, link.setupPending ? LinkSetup::Pending : LinkSetup::NotPending},
         tracker_([this](const CallRecord& call) { AddCall(call); }) {
-    scratch_.clear();
-    AppendHtmlEscaped(scratch_, input_.name);
+    std::string name;
+    AppendHtmlEscaped(name, input_.name);
     out_.Put(kReportPageParts[0]);
-    out_.Put(scratch_);
+    out_.Put(name);
     out_.Put(kReportPageParts[1]);
-    out_.Put(scratch_);
+    out_.Put(name);
     out_.Put(kReportPageParts[2]);
   }
 
@@ -309,7 +309,7 @@ class ReportConsumer final : public TraceConsumer {
   Numbering strings_{kRememberedStrings};
   Numbering texts_{kRememberedTexts};
   std::string newStrings_, newTexts_, calls_;  // the chunk under way
-  std::string lines_, scratch_;
+  std::string lines_;                          // the frame text under way
   std::uint64_t bytesRead_ = 0;
   std::uint64_t frames_ = 0;
 };

@@ -21,6 +21,7 @@ import json
 import os
 import re
 import shutil
+import signal
 import socket
 import struct
 import subprocess
@@ -123,8 +124,17 @@ class Browser:
                      "--no-sandbox", "--disable-gpu", "--no-first-run", "--disable-background-networking",
                      "--disable-component-update", "--disable-sync", "--hide-scrollbars",
                      f"--window-size={WINDOW[0]},{WINDOW[1]}", "about:blank"]
+        # A group of its own: Debian's command is a shell script that starts
+        # the browser as its child, and the browser starts more; all end together.
         self.process = subprocess.Popen(arguments, stdin=subprocess.DEVNULL, stdout=subprocess.DEVNULL,
-                                        stderr=subprocess.PIPE, text=True)
+                                        stderr=subprocess.PIPE, text=True, start_new_session=True)
+        try:
+            self._connect()
+        except BaseException:
+            self.close()
+            raise
+
+    def _connect(self):
         port = None
         deadline = time.monotonic() + 60
         while port is None and time.monotonic() < deadline:
@@ -135,7 +145,6 @@ class Browser:
             if found:
                 port = int(found.group(1))
         if port is None:
-            self.close()
             raise Failure("the browser did not print its DevTools address")
         connection = http.client.HTTPConnection("127.0.0.1", port, timeout=30)
         connection.request("GET", "/json/list")
@@ -212,11 +221,24 @@ class Browser:
             out.write(base64.b64decode(data))
 
     def close(self):
-        try:
-            self.process.terminate()
-            self.process.wait(timeout=10)
-        except (subprocess.TimeoutExpired, OSError):
-            self.process.kill()
+        """Ends the browser's process group, the processes this driver started."""
+        for sig in (signal.SIGTERM, signal.SIGKILL):
+            try:
+                os.killpg(self.process.pid, sig)
+            except ProcessLookupError:
+                break
+            deadline = time.monotonic() + 10
+            while time.monotonic() < deadline:
+                try:
+                    os.killpg(self.process.pid, 0)
+                except ProcessLookupError:
+                    break
+                self.process.poll()
+                time.sleep(0.05)
+            else:
+                continue
+            break
+        self.process.wait()
         shutil.rmtree(self.profile, ignore_errors=True)
 
 
@@ -395,7 +417,11 @@ def main(argv):
     if browser is None:
         print("skipped: no headless Chromium found (Debian's chromium-headless-shell or chromium)")
         return SKIPPED
-    page = Browser(browser)
+    try:
+        page = Browser(browser)
+    except Failure as failure:
+        print(f"FAILED: {browser}: {failure}")
+        return 1
     work = tempfile.mkdtemp(prefix="velmora_report_")
     try:
         if argv[1] == "check":

@@ -410,6 +410,9 @@ def check_trace(page, binary, trace, work):
 
 
 def main(argv):
+    # Ended from outside (a test's time limit, Ctrl-C): the browser still ends.
+    for sig in (signal.SIGTERM, signal.SIGHUP):
+        signal.signal(sig, lambda number, frame: sys.exit(128 + number))
     if len(argv) < 2 or argv[1] not in ("check", "screenshot", "measure"):
         print(__doc__)
         return 64

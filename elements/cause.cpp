@@ -19,7 +19,7 @@ constexpr ValueText kCauseCodingStandard[] = {
     {0b10, "National standard"},
     {0b11, "Standard specific to identified location"},
 };
-constexpr CodedField kCauseCodingStandardField{"Coding standard", 7, 6, kCauseCodingStandard};
+constexpr CodedField kCauseCodingStandardField = Coded<"Coding standard", 7, 6, kCauseCodingStandard>;
 
 // 0110, 1000, 1001 and 1011 have no meaning here; 1100 to 1111 are national.
 constexpr ValueText kLocations[] = {
@@ -32,7 +32,7 @@ constexpr ValueText kLocations[] = {
     {0b0111, "international network (INTL)"},
     {0b1010, "network beyond interworking point (BI)"},
 };
-constexpr CodedField kLocationField{"Location", 4, 1, kLocations};
+constexpr CodedField kLocationField = Coded<"Location", 4, 1, kLocations>;
 constexpr unsigned kFirstNationalLocation = 0b1100;
 
 constexpr ValueText kRecommendations[] = {
@@ -41,7 +41,7 @@ constexpr ValueText kRecommendations[] = {
     {0b0000100, "X.25"},
     {0b0000101, "public land mobile networks, Q.1031/Q.1051"},
 };
-constexpr CodedField kRecommendationField{"Recommendation", 7, 1, kRecommendations};
+constexpr CodedField kRecommendationField = Coded<"Recommendation", 7, 1, kRecommendations>;
 
 constexpr ValueText kCauseClasses[] = {
     {0b000, "normal event"},
@@ -53,7 +53,7 @@ constexpr ValueText kCauseClasses[] = {
     {0b110, "protocol error"},
     {0b111, "interworking"},
 };
-constexpr CodedField kCauseClassField{"Cause Class", 7, 5, kCauseClasses};
+constexpr CodedField kCauseClassField = Coded<"Cause Class", 7, 5, kCauseClasses>;
 
 // Keyed by the whole 7-bit cause value (class in bits 7-5, value in bits 4-1),
 // the way Q.931 numbers its causes; the value line shows bits 4-1 only.

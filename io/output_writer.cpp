@@ -4,6 +4,9 @@
 
 #include <algorithm>
 #include <cerrno>
+#include <condition_variable>
+#include <mutex>
+#include <thread>
 
 namespace velmora {
 
@@ -26,16 +29,105 @@ bool StringSink::Write(const char* data, std::size_t size, int& /*error*/) {
   return true;
 }
 
-OutputWriter::OutputWriter(ByteSink& sink, std::size_t capacity)
-    : sink_(sink), buffer_(new char[capacity < 64 ? 64 : capacity]), capacity_(capacity < 64 ? 64 : capacity) {}
+// Writes one block at a time to a sink, on a thread of its own, so that the
+// decoding fills the next block meanwhile.
+class BlockWriterThread {
+ public:
+  explicit BlockWriterThread(ByteSink& sink) : sink_(sink), thread_([this] { Run(); }) {}
+  ~BlockWriterThread() {
+    {
+      std::lock_guard lock(mutex_);
+      stopping_ = true;
+    }
+    changed_.notify_all();
+    thread_.join();
+  }
+
+  // Waits until the block in hand, if any, is written. Returns the error
+  // of the first write that failed, or 0.
+  int Wait() {
+    std::unique_lock lock(mutex_);
+    changed_.wait(lock, [this] { return block_ == nullptr; });
+    return error_;
+  }
+  // Starts writing a block, which stays untouched until Wait() returns. Only
+  // after Wait(): one block at a time.
+  void Start(const char* data, std::size_t size) {
+    {
+      std::lock_guard lock(mutex_);
+      block_ = data;
+      size_ = size;
+    }
+    changed_.notify_all();
+  }
+
+ private:
+  void Run() {
+    std::unique_lock lock(mutex_);
+    for (;;) {
+      changed_.wait(lock, [this] { return stopping_ || block_ != nullptr; });
+      if (block_ == nullptr) return;
+      const char* data = block_;
+      const std::size_t size = size_;
+      lock.unlock();
+      int error = 0;
+      const bool written = sink_.Write(data, size, error);
+      lock.lock();
+      if (!written && error_ == 0) error_ = error != 0 ? error : EIO;
+      block_ = nullptr;
+      changed_.notify_all();
+    }
+  }
+
+  ByteSink& sink_;
+  std::mutex mutex_;
+  std::condition_variable changed_;
+  const char* block_ = nullptr;
+  std::size_t size_ = 0;
+  int error_ = 0;
+  bool stopping_ = false;
+  std::thread thread_;  // last: starts once the members above exist
+};
+
+namespace {
+
+std::size_t UsableCapacity(std::size_t capacity) { return capacity < 64 ? 64 : capacity; }
+
+}  // namespace
+
+OutputWriter::OutputWriter(ByteSink& sink, std::size_t capacity, SinkWrites writes)
+    : sink_(sink), buffer_(new char[UsableCapacity(capacity)]), capacity_(UsableCapacity(capacity)) {
+  if (writes == SinkWrites::Behind) {
+    spare_.reset(new char[capacity_]);
+    behind_ = std::make_unique<BlockWriterThread>(sink_);
+  }
+}
 
 OutputWriter::~OutputWriter() { Flush(); }
 
-void OutputWriter::Flush() {
+void OutputWriter::Spill() {
   if (used_ == 0) return;
-  if (error_ == 0 && !sink_.Write(buffer_.get(), used_, error_) && error_ == 0) error_ = EIO;
+  if (behind_ != nullptr) {
+    // The spare buffer is free once its block is written.
+    const int error = behind_->Wait();
+    if (error_ == 0) error_ = error;
+    if (error_ == 0) {
+      behind_->Start(buffer_.get(), used_);
+      std::swap(buffer_, spare_);
+    }
+  } else if (error_ == 0 && !sink_.Write(buffer_.get(), used_, error_) && error_ == 0) {
+    error_ = EIO;
+  }
   flushed_ += used_;
   used_ = 0;
+}
+
+void OutputWriter::Flush() {
+  Spill();
+  if (behind_ != nullptr) {
+    const int error = behind_->Wait();
+    if (error_ == 0) error_ = error;
+  }
 }
 
 void OutputWriter::PutSlow(std::string_view text) {
@@ -47,7 +139,7 @@ void OutputWriter::PutSlow(std::string_view text) {
     return;
   }
   while (!text.empty()) {
-    if (used_ == capacity_) Flush();
+    if (used_ == capacity_) Spill();
     const std::size_t chunk = std::min(text.size(), capacity_ - used_);
     std::memcpy(buffer_.get() + used_, text.data(), chunk);
     used_ += chunk;
@@ -55,7 +147,7 @@ void OutputWriter::PutSlow(std::string_view text) {
   }
 }
 
-void OutputWriter::Hex(std::uint32_t value) {
+void OutputWriter::HexSlow(std::uint32_t value) {
   static constexpr char kDigits[] = "0123456789abcdef";
   Reserve(10);
   char* out = buffer_.get() + used_;
@@ -84,7 +176,7 @@ void OutputWriter::Decimal(std::int64_t value) {
   while (count > 0) buffer_[used_++] = digits[--count];
 }
 
-void OutputWriter::Bits(std::uint32_t value, unsigned width) {
+void OutputWriter::BitsSlow(std::uint32_t value, unsigned width) {
   Reserve(width);
   for (unsigned bit = width; bit > 0; --bit) buffer_[used_++] = ((value >> (bit - 1)) & 1U) ? '1' : '0';
 }

@@ -5,6 +5,7 @@
 #include <unistd.h>
 
 #include <cerrno>
+#include <optional>
 #include <string>
 
 #include "decode_context.h"
@@ -80,9 +81,10 @@ bool SameFile(const FileIdentity& a, const FileIdentity& b) {
 // can be read ahead freely.
 constexpr std::uint64_t kParallelMinimum = 4 * 1024 * 1024;
 
-std::uint64_t RegularFileSize(int fd) {
+// The size of a regular file; nothing for a pipe, a terminal or a device.
+std::optional<std::uint64_t> RegularFileSize(int fd) {
   struct stat info {};
-  if (::fstat(fd, &info) != 0 || !S_ISREG(info.st_mode)) return 0;
+  if (::fstat(fd, &info) != 0 || !S_ISREG(info.st_mode)) return std::nullopt;
   return static_cast<std::uint64_t>(info.st_size);
 }
 
@@ -135,15 +137,19 @@ TranslationOutcome TranslateTraceFile(std::string_view inputPath, std::string_vi
   }
 
   FdSink sink(outputFd);
-  OutputWriter writer(sink);
-  const std::uint64_t inputSize = RegularFileSize(inputFd);
+  const std::optional<std::uint64_t> regularInputSize = RegularFileSize(inputFd);
+  const std::uint64_t inputSize = regularInputSize.value_or(0);
+  const bool parallel = options.jobs > 1 && !inputIsStandard && inputSize >= kParallelMinimum;
+  // One decoding thread leaves the writes to a thread of their own; a
+  // parallel run's decoding threads have the cores already.
+  OutputWriter writer(sink, OutputWriter::kDefaultCapacity, parallel ? SinkWrites::Inline : SinkWrites::Behind);
   const auto reportProgress = [&options, inputSize](std::uint64_t bytesRead) {
     if (options.progress) options.progress(bytesRead, inputSize);
   };
   bool frameFound = false;
   int readError = 0;
   std::uint64_t bytesRead = 0;
-  if (options.jobs > 1 && !inputIsStandard && inputSize >= kParallelMinimum) {
+  if (parallel) {
     const ParallelRunResult result =
         TranslateInParallel(inputFd, inputSize, writer, link, options.jobs, options.stopOnWriteError, reportProgress);
     writer.Flush();
@@ -154,9 +160,11 @@ TranslationOutcome TranslateTraceFile(std::string_view inputPath, std::string_vi
     DecodeContext context{writer, link.setupPending ? LinkSetup::Pending : LinkSetup::NotPending};
     LineReader reader(inputFd);
     // Output produced so far reaches its reader before the run may wait
-    // for more input: `velmora - -` works as a filter.
+    // for more input: `velmora - -` works as a filter. A regular file's
+    // read does not wait for anyone.
+    const bool readMayWait = !regularInputSize;
     reader.SetBeforeRead([&] {
-      writer.Flush();
+      if (readMayWait) writer.Flush();
       reportProgress(reader.BytesRead());
     });
     while (const auto line = reader.Next()) {

@@ -1,5 +1,7 @@
 #pragma once
 // The Q.931 message layer: header, message-type dispatch and element walks.
+#include <array>
+#include <cstdint>
 #include <span>
 #include <string_view>
 
@@ -21,6 +23,14 @@ struct ElementMatch {
   const ElementEntry* element;
 };
 
+// The element a walk picks for an identifier octet: the first match of its
+// accepted list; null for the unknown-element dump.
+constexpr const ElementEntry* ChooseElement(std::span<const ElementMatch> accepted, Octet identifier) {
+  for (const ElementMatch& match : accepted)
+    if ((identifier & match.mask) == match.value) return match.element;
+  return nullptr;
+}
+
 // A message type the dispatch knows: its value, the name printed behind
 // "Message type:" and the elements its walk accepts, in test order. A
 // type that shows no element at all (SEGMENT) is not walked.
@@ -29,14 +39,23 @@ struct MessageWalk {
   std::string_view name;
   std::span<const ElementMatch> accepted;
   bool walked = true;
+  // ChooseElement's answer for every identifier octet, worked out at compile
+  // time: the registry index plus one, 0 for the unknown-element dump.
+  std::array<std::uint8_t, 256> choices{};
+
+  constexpr MessageWalk(Octet value, std::string_view name, std::span<const ElementMatch> accepted, bool walked)
+      : value(value), name(name), accepted(accepted), walked(walked) {
+    for (unsigned identifier = 0; identifier < 256; ++identifier)
+      if (const ElementEntry* entry = ChooseElement(accepted, static_cast<Octet>(identifier)))
+        choices[identifier] = static_cast<std::uint8_t>(entry - kElementRegistry + 1);
+  }
+  const ElementEntry* Choose(Octet identifier) const {
+    return choices[identifier] == 0 ? nullptr : &kElementRegistry[choices[identifier] - 1];
+  }
 };
 
 // The walk of a message type, or null when the dispatch does not know it.
 const MessageWalk* FindMessageWalk(Octet value);
-
-// The element a walk picks for an identifier octet; null for the
-// unknown-element dump.
-const ElementEntry* ChooseElement(std::span<const ElementMatch> accepted, Octet identifier);
 
 // From index 1 behind the message type to the message's end: the prefix
 // "\tInformation element:" and the chosen element, moving on by the octets

@@ -2,7 +2,7 @@
 // value; the diagnostic octets go to the coding the cause value selects.
 #include "cause.h"
 
-#include <algorithm>
+#include <array>
 #include <optional>
 
 #include "element_registry.h"
@@ -137,6 +137,9 @@ constexpr ValueText kCauseValues[] = {
     {0x7F, "Interworking, unspecified"},
 };
 
+// The value line shows bits 4-1 of the cause, its meaning all seven.
+constexpr CodedField kCauseValueField = Coded<"Cause Value", 7, 1, kCauseValues, 4>;
+
 // The diagnostic coding each cause value announces; every other value,
 // and every value without a line above, carries no decodable diagnostics.
 struct CauseDiagnosticRow {
@@ -169,10 +172,13 @@ constexpr CauseDiagnosticRow kCauseDiagnostics[] = {
     {0x6E, CauseDiagnosticKind::ParameterName},
 };
 
-constexpr CauseDiagnosticKind DiagnosticKindOf(unsigned cause) {
-  const auto* row = std::ranges::find(kCauseDiagnostics, cause, &CauseDiagnosticRow::cause);
-  return row != std::ranges::end(kCauseDiagnostics) ? row->kind : CauseDiagnosticKind::None;
-}
+// The rows above by cause value.
+constexpr std::array<CauseDiagnosticKind, 128> kDiagnosticKinds = [] {
+  std::array<CauseDiagnosticKind, 128> kinds{};
+  kinds.fill(CauseDiagnosticKind::None);
+  for (const CauseDiagnosticRow& row : kCauseDiagnostics) kinds[row.cause] = row.kind;
+  return kinds;
+}();
 
 void PrintLocation(OutputWriter& out, Octet octet3) {
   const unsigned location = kLocationField.ValueIn(octet3);
@@ -209,11 +215,9 @@ void DecodeCause(OutputWriter& out, const ElementOctets& element) {
   const std::optional<Octet> octet4 = element.At(octet4Position);
   if (!octet4) return;
   PrintField(out, kCauseClassField, *octet4);
-  // The value line shows bits 4-1 of the cause, its meaning all seven.
-  const unsigned cause = FieldBits(*octet4, 7, 1);
-  const ValueText* value = FindRow(kCauseValues, cause);
-  if (value != nullptr) PrintCodedValue(out, "Cause Value", cause, 4, value->text);
-  const CauseDiagnosticKind kind = value != nullptr ? DiagnosticKindOf(cause) : CauseDiagnosticKind::None;
+  const bool named = PrintField(out, kCauseValueField, *octet4);
+  const CauseDiagnosticKind kind =
+      named ? kDiagnosticKinds[kCauseValueField.ValueIn(*octet4)] : CauseDiagnosticKind::None;
 
   // Diagnostics only when their first octet lies inside the element and the frame.
   const OctetSpan diagnostics = element.Slice(octet4Position + 1);

@@ -91,6 +91,18 @@ class OutputWriter {
       PutSlow(text);
     }
   }
+  // Text that may be read, though not printed, up to kPadding characters
+  // past its end: a short one is copied in one fixed-size move, which costs
+  // no branch on its length.
+  static constexpr std::size_t kPadding = 64;
+  void PutPadded(std::string_view text) {
+    if (text.size() <= kPadding && capacity_ - used_ >= kPadding) {
+      std::memcpy(buffer_.get() + used_, text.data(), kPadding);
+      used_ += text.size();
+    } else {
+      Put(text);
+    }
+  }
   void Put(char c) {
     if (used_ == capacity_) Spill();
     buffer_[used_++] = c;

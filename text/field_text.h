@@ -116,7 +116,6 @@ struct CodedField {
                        std::span<const std::string_view> lines)
       : name(name), highBit(highBit), lowBit(lowBit), meanings(meanings), lines(lines) {}
 
-  constexpr unsigned Width() const { return highBit - lowBit + 1; }
   // The field's bits of an octet, shifted down to a plain value.
   constexpr unsigned ValueIn(Octet octet) const { return FieldBits(octet, highBit, lowBit); }
 };
@@ -144,23 +143,23 @@ struct Lines {
 };
 
 // Every line of one field, in the order of its values, and each value's line.
-template <FieldName name, unsigned highBit, unsigned lowBit, const auto& meanings>
+template <FieldName name, unsigned highBit, unsigned lowBit, const auto& meanings, unsigned shownWidth>
 struct Book {
-  static constexpr unsigned kWidth = highBit - lowBit + 1;
-  static constexpr std::size_t kValues = std::size_t{1} << kWidth;
+  static constexpr std::size_t kValues = std::size_t{1} << (highBit - lowBit + 1);
 
   template <typename Text>
   static constexpr void WriteLine(Text& text, std::uint32_t value) {
     if (const ValueText* row = FindRow(meanings, value))
-      WriteCodedValue(text, name.View(), value, kWidth, row->text, Indent::SubField);
+      WriteCodedValue(text, name.View(), value, shownWidth, row->text, Indent::SubField);
   }
   static constexpr std::size_t Size() {
     Measure all;
     for (std::uint32_t value = 0; value < kValues; ++value) WriteLine(all, value);
     return all.size;
   }
-  static constexpr Lines<Size()> kText = [] {
-    Lines<Size()> all;
+  // Padded, so that a line can be copied in one fixed-size move.
+  static constexpr Lines<Size() + OutputWriter::kPadding> kText = [] {
+    Lines<Size() + OutputWriter::kPadding> all;
     for (std::uint32_t value = 0; value < kValues; ++value) WriteLine(all, value);
     return all;
   }();
@@ -180,10 +179,12 @@ struct Book {
 }  // namespace line_book
 
 // The coded field named `name`, of bits highBit to lowBit, with the
-// meanings of the table `meanings`.
-template <FieldName name, unsigned highBit, unsigned lowBit, const auto& meanings>
+// meanings of the table `meanings`. Its line shows the field's low
+// `shownWidth` bits, all of them unless a field words it otherwise.
+template <FieldName name, unsigned highBit, unsigned lowBit, const auto& meanings,
+          unsigned shownWidth = highBit - lowBit + 1>
 inline constexpr CodedField Coded{name.View(), highBit, lowBit, meanings,
-                                  line_book::Book<name, highBit, lowBit, meanings>::kLines};
+                                  line_book::Book<name, highBit, lowBit, meanings, shownWidth>::kLines};
 
 // The same field with other meanings, for an element that words it its own way.
 template <const CodedField& field, const auto& otherMeanings>
@@ -194,7 +195,7 @@ inline constexpr CodedField WithMeanings = Coded<FieldName(field.name), field.hi
 inline bool PrintField(OutputWriter& out, const CodedField& field, Octet octet, Indent indent = Indent::Field) {
   const unsigned value = field.ValueIn(octet);
   if (value >= field.lines.size() || field.lines[value].empty()) return false;
-  out.Put(indent == Indent::SubField ? field.lines[value] : field.lines[value].substr(1));
+  out.PutPadded(indent == Indent::SubField ? field.lines[value] : field.lines[value].substr(1));
   return true;
 }
 

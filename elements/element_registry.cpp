@@ -11,8 +11,7 @@ std::size_t DecodeElement(OutputWriter& out, const ElementEntry* entry, const El
   if (entry == nullptr) {
     DecodeUnknownElement(out, element);
   } else {
-    out.Put(entry->name);
-    out.Put('\n');
+    out.PutPadded(entry->Heading());
     entry->decode(out, element);
   }
   return OccupiedOctets(entry, element);

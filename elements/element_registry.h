@@ -3,6 +3,8 @@
 // name (the heading behind "\tInformation element:"), its decoder and its
 // form. The message walks, the fuzz targets and the tests all take the
 // elements from here.
+#include <algorithm>
+#include <array>
 #include <cstddef>
 #include <string_view>
 
@@ -19,6 +21,16 @@ struct ElementEntry {
   std::string_view name;
   ElementDecoder decode;
   ElementForm form;
+  // "<name>\n", padded for OutputWriter::PutPadded.
+  std::array<char, 48 + OutputWriter::kPadding> heading{};
+
+  constexpr ElementEntry(Octet identifier, std::string_view name, ElementDecoder decode, ElementForm form)
+      : identifier(identifier), name(name), decode(decode), form(form) {
+    if (name.size() + 1 > 48) throw "element name too long for its heading";
+    std::copy(name.begin(), name.end(), heading.begin());
+    heading[name.size()] = '\n';
+  }
+  std::string_view Heading() const { return {heading.data(), name.size() + 1}; }
 };
 
 // The decoders, by source file: bearer_capability, low_layer_compatibility,

@@ -11,7 +11,6 @@
 
 #include "field_text.h"
 #include "line_scanner.h"
-#include "pieces.h"
 #include "q931_message.h"
 #include "trace_generator.h"
 
@@ -157,7 +156,7 @@ void TranslateBenchmarkTrace(benchmark::State& state) {
   velmora::OutputWriter writer(sink);
   for (auto _ : state) {
     velmora::DecodeContext context{writer};
-    velmora::ForEachPiece(trace, [&context](std::string_view piece) { velmora::TranslateTraceLine(context, piece); });
+    velmora::TranslateTracePieces(context, trace);
     writer.Flush();
   }
   state.SetBytesProcessed(static_cast<int64_t>(state.iterations() * trace.size()));
@@ -188,7 +187,7 @@ void TranslateToCopyingSink(benchmark::State& state) {
                                state.range(0) == 0 ? velmora::SinkWrites::Inline : velmora::SinkWrites::Behind);
   for (auto _ : state) {
     velmora::DecodeContext context{writer};
-    velmora::ForEachPiece(trace, [&context](std::string_view piece) { velmora::TranslateTraceLine(context, piece); });
+    velmora::TranslateTracePieces(context, trace);
     writer.Flush();
   }
   state.SetBytesProcessed(static_cast<int64_t>(state.iterations() * trace.size()));

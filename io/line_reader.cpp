@@ -33,10 +33,10 @@ bool LineReader::Refill() {
   }
 }
 
-std::optional<std::string_view> LineReader::Next() {
+std::optional<std::string_view> LineReader::NextPieces() {
   for (;;) {
     const std::string_view unread(buffer_.get() + begin_, end_ - begin_);
-    if (const std::size_t size = FirstPieceLength(unread, !atEnd_); size > 0) {
+    if (const std::size_t size = WholePiecesLength(unread, !atEnd_); size > 0) {
       begin_ += size;
       return unread.substr(0, size);
     }

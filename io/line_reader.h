@@ -1,6 +1,7 @@
 #pragma once
 // Reads a file descriptor in large blocks and hands out its lines as views
-// into the block, in pieces of at most 2047 characters, the line end kept.
+// into the block, in pieces of at most 2047 characters, the line end kept:
+// as many whole pieces at a time as the block holds.
 #include <cstddef>
 #include <functional>
 #include <memory>
@@ -21,10 +22,10 @@ class LineReader {
   // that output already produced reaches its reader first (pipelines).
   void SetBeforeRead(std::function<void()> beforeRead) { beforeRead_ = std::move(beforeRead); }
 
-  // The next piece: up to and including the first "\n", at most 2047
-  // characters. Valid until the next call. Nothing at the end of the input
-  // or after a read error.
-  std::optional<std::string_view> Next();
+  // The next whole pieces (pieces.h), one or more, as read so far. Valid
+  // until the next call. Nothing at the end of the input or after a read
+  // error.
+  std::optional<std::string_view> NextPieces();
 
   bool Failed() const { return error_ != 0; }
   int Error() const { return error_; }

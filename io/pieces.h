@@ -20,14 +20,15 @@ inline std::size_t FirstPieceLength(std::string_view text, bool moreMayFollow) {
   return (window == kMaxPiece || !moreMayFollow) ? window : 0;
 }
 
-// Visits every piece of a complete text that begins at a piece boundary.
-template <typename Visit>
-void ForEachPiece(std::string_view text, Visit&& visit) {
-  while (!text.empty()) {
-    const std::size_t size = FirstPieceLength(text, false);
-    visit(text.substr(0, size));
-    text.remove_prefix(size);
-  }
+// The length of the whole pieces at the start of `text`, which begins at a
+// piece boundary: up to and including its last line end, and behind that
+// the whole 2047-character pieces of a longer line. All of `text` when no
+// more input may follow.
+inline std::size_t WholePiecesLength(std::string_view text, bool moreMayFollow) {
+  if (!moreMayFollow) return text.size();
+  std::size_t lineStart = text.size();
+  while (lineStart > 0 && text[lineStart - 1] != '\n') --lineStart;
+  return lineStart + (text.size() - lineStart) / kMaxPiece * kMaxPiece;
 }
 
 }  // namespace velmora

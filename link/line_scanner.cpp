@@ -3,6 +3,7 @@
 #include <array>
 
 #include "lapd.h"
+#include "pieces.h"
 
 namespace velmora {
 
@@ -83,16 +84,39 @@ std::size_t ReadFrameOctets(std::string_view line, Octet (&frame)[kFrameCapacity
   return ReadCells(line, line.find("HDLC"), frame);
 }
 
-// The line is searched for its markers once: the anchor found by the
-// frame-line test also locates the length field.
-void TranslateTraceLine(DecodeContext& context, std::string_view line) {
-  context.out.Put(line);
-  const std::size_t anchor = FrameAnchor(line);
-  if (anchor == std::string_view::npos) return;
+namespace {
+
+// A frame line, copied already: noted as found, and its frame decoded. The
+// line is searched for its markers once: the anchor found by the frame-line
+// test also locates the length field.
+void DecodeFrameLine(DecodeContext& context, std::string_view line, std::size_t anchor) {
   context.frameFound = true;
   Octet frame[kFrameCapacity];
   const std::size_t count = ReadCells(line, anchor, frame);
   DecodeLapdFrame(context, OctetSpan(frame, count));
+}
+
+}  // namespace
+
+void TranslateTraceLine(DecodeContext& context, std::string_view line) {
+  context.out.Put(line);
+  if (const std::size_t anchor = FrameAnchor(line); anchor != std::string_view::npos)
+    DecodeFrameLine(context, line, anchor);
+}
+
+void TranslateTracePieces(DecodeContext& context, std::string_view text) {
+  std::size_t copied = 0;
+  std::size_t end = 0;
+  while (end < text.size()) {
+    const std::string_view piece = text.substr(end, FirstPieceLength(text.substr(end), false));
+    end += piece.size();
+    const std::size_t anchor = FrameAnchor(piece);
+    if (anchor == std::string_view::npos) continue;
+    context.out.Put(text.substr(copied, end - copied));
+    copied = end;
+    DecodeFrameLine(context, piece, anchor);
+  }
+  context.out.Put(text.substr(copied));
 }
 
 }  // namespace velmora

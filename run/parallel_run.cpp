@@ -94,8 +94,7 @@ class ParallelRun {
 
  private:
   // Reads the next chunk behind the carried tail of the last one, and cuts it
-  // after its last line end (or, inside a line longer than a chunk, at a
-  // multiple of the piece size) so the next chunk also starts at a piece
+  // behind its whole pieces, so the next chunk also starts at a piece
   // boundary. False at the end of the input.
   bool Fill(Chunk& chunk) {
     std::memcpy(chunk.input.get(), carry_.data(), carry_.size());
@@ -114,11 +113,8 @@ class ParallelRun {
       result_.bytesRead += static_cast<std::uint64_t>(got);
     }
     if (!inputEnded_) {
-      const char* data = chunk.input.get();
-      std::size_t cut = chunk.size;
-      while (cut > 0 && data[cut - 1] != '\n') --cut;
-      if (cut == 0) cut = chunk.size / kMaxPiece * kMaxPiece;
-      carry_.assign(data + cut, chunk.size - cut);
+      const std::size_t cut = WholePiecesLength({chunk.input.get(), chunk.size}, true);
+      carry_.assign(chunk.input.get() + cut, chunk.size - cut);
       chunk.size = cut;
     }
     chunk.endOffset = result_.bytesRead - carry_.size();
@@ -148,8 +144,7 @@ class ParallelRun {
     StringSink sink(chunk.output);
     OutputWriter writer(sink, 64 * 1024);
     DecodeContext context{writer, LinkSetup::Unknown, false, &chunk.pendingUaWordings};
-    ForEachPiece({chunk.input.get(), chunk.size},
-                 [&context](std::string_view piece) { TranslateTraceLine(context, piece); });
+    TranslateTracePieces(context, {chunk.input.get(), chunk.size});
     writer.Flush();
     chunk.frameFound = context.frameFound;
     chunk.linkSetupAtEnd = context.linkSetup;

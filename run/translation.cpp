@@ -167,8 +167,8 @@ TranslationOutcome TranslateTraceFile(std::string_view inputPath, std::string_vi
       if (readMayWait) writer.Flush();
       reportProgress(reader.BytesRead());
     });
-    while (const auto line = reader.Next()) {
-      TranslateTraceLine(context, *line);
+    while (const auto pieces = reader.NextPieces()) {
+      TranslateTracePieces(context, *pieces);
       if (options.stopOnWriteError && writer.Failed()) break;
     }
     writer.Flush();

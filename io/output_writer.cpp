@@ -4,9 +4,6 @@
 
 #include <algorithm>
 #include <cerrno>
-#include <condition_variable>
-#include <mutex>
-#include <thread>
 
 namespace velmora {
 
@@ -29,66 +26,6 @@ bool StringSink::Write(const char* data, std::size_t size, int& /*error*/) {
   return true;
 }
 
-// Writes one block at a time to a sink, on a thread of its own, so that the
-// decoding fills the next block meanwhile.
-class BlockWriterThread {
- public:
-  explicit BlockWriterThread(ByteSink& sink) : sink_(sink), thread_([this] { Run(); }) {}
-  ~BlockWriterThread() {
-    {
-      std::lock_guard lock(mutex_);
-      stopping_ = true;
-    }
-    changed_.notify_all();
-    thread_.join();
-  }
-
-  // Waits until the block in hand, if any, is written. Returns the error
-  // of the first write that failed, or 0.
-  int Wait() {
-    std::unique_lock lock(mutex_);
-    changed_.wait(lock, [this] { return block_ == nullptr; });
-    return error_;
-  }
-  // Starts writing a block, which stays untouched until Wait() returns. Only
-  // after Wait(): one block at a time.
-  void Start(const char* data, std::size_t size) {
-    {
-      std::lock_guard lock(mutex_);
-      block_ = data;
-      size_ = size;
-    }
-    changed_.notify_all();
-  }
-
- private:
-  void Run() {
-    std::unique_lock lock(mutex_);
-    for (;;) {
-      changed_.wait(lock, [this] { return stopping_ || block_ != nullptr; });
-      if (block_ == nullptr) return;
-      const char* data = block_;
-      const std::size_t size = size_;
-      lock.unlock();
-      int error = 0;
-      const bool written = sink_.Write(data, size, error);
-      lock.lock();
-      if (!written && error_ == 0) error_ = error != 0 ? error : EIO;
-      block_ = nullptr;
-      changed_.notify_all();
-    }
-  }
-
-  ByteSink& sink_;
-  std::mutex mutex_;
-  std::condition_variable changed_;
-  const char* block_ = nullptr;
-  std::size_t size_ = 0;
-  int error_ = 0;
-  bool stopping_ = false;
-  std::thread thread_;  // last: starts once the members above exist
-};
-
 namespace {
 
 std::size_t UsableCapacity(std::size_t capacity) { return capacity < 64 ? 64 : capacity; }
@@ -99,24 +36,32 @@ OutputWriter::OutputWriter(ByteSink& sink, std::size_t capacity, SinkWrites writ
     : sink_(sink), buffer_(new char[UsableCapacity(capacity)]), capacity_(UsableCapacity(capacity)) {
   if (writes == SinkWrites::Behind) {
     spare_.reset(new char[capacity_]);
-    behind_ = std::make_unique<BlockWriterThread>(sink_);
+    behind_ = std::make_unique<IoThread>();
   }
 }
 
 OutputWriter::~OutputWriter() { Flush(); }
 
+void OutputWriter::WriteToSink(const char* data, std::size_t size, int& error) {
+  if (error == 0 && !sink_.Write(data, size, error) && error == 0) error = EIO;
+}
+
+void OutputWriter::WaitForWriteBehind() {
+  behind_->Wait();
+  if (error_ == 0) error_ = behindError_;
+}
+
 void OutputWriter::Spill() {
   if (used_ == 0) return;
   if (behind_ != nullptr) {
     // The spare buffer is free once its block is written.
-    const int error = behind_->Wait();
-    if (error_ == 0) error_ = error;
+    WaitForWriteBehind();
     if (error_ == 0) {
-      behind_->Start(buffer_.get(), used_);
+      behind_->Start([this, block = buffer_.get(), size = used_] { WriteToSink(block, size, behindError_); });
       std::swap(buffer_, spare_);
     }
-  } else if (error_ == 0 && !sink_.Write(buffer_.get(), used_, error_) && error_ == 0) {
-    error_ = EIO;
+  } else {
+    WriteToSink(buffer_.get(), used_, error_);
   }
   flushed_ += used_;
   used_ = 0;
@@ -124,17 +69,14 @@ void OutputWriter::Spill() {
 
 void OutputWriter::Flush() {
   Spill();
-  if (behind_ != nullptr) {
-    const int error = behind_->Wait();
-    if (error_ == 0) error_ = error;
-  }
+  if (behind_ != nullptr) WaitForWriteBehind();
 }
 
 void OutputWriter::PutSlow(std::string_view text) {
   // A block larger than the buffer goes to the sink as it is, uncopied.
   if (text.size() >= capacity_) {
     Flush();
-    if (error_ == 0 && !sink_.Write(text.data(), text.size(), error_) && error_ == 0) error_ = EIO;
+    WriteToSink(text.data(), text.size(), error_);
     flushed_ += text.size();
     return;
   }

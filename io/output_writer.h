@@ -9,6 +9,8 @@
 #include <string>
 #include <string_view>
 
+#include "io_thread.h"
+
 namespace velmora {
 
 // Where flushed blocks go: a file descriptor, a string (tests, parallel chunks).
@@ -36,8 +38,6 @@ class StringSink final : public ByteSink {
  private:
   std::string& target_;
 };
-
-class BlockWriterThread;
 
 namespace writer_tables {
 
@@ -156,6 +156,8 @@ class OutputWriter {
   }
   // Hands a full buffer on; writing behind, without waiting for its write.
   void Spill();
+  void WriteToSink(const char* data, std::size_t size, int& error);
+  void WaitForWriteBehind();
   void PutSlow(std::string_view text);
   void HexSlow(std::uint32_t value);
   void BitsSlow(std::uint32_t value, unsigned width);
@@ -166,9 +168,11 @@ class OutputWriter {
   std::size_t used_ = 0;
   std::uint64_t flushed_ = 0;
   int error_ = 0;
-  // Writing behind: the buffer the writer thread has in hand, and the thread.
+  // Writing behind: the buffer the writer thread has in hand, the thread,
+  // and the first error of its writes, read after waiting for it.
   std::unique_ptr<char[]> spare_;
-  std::unique_ptr<BlockWriterThread> behind_;
+  std::unique_ptr<IoThread> behind_;
+  int behindError_ = 0;
 };
 
 }  // namespace velmora

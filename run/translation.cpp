@@ -158,7 +158,7 @@ TranslationOutcome TranslateTraceFile(std::string_view inputPath, std::string_vi
     bytesRead = result.bytesRead;
   } else {
     DecodeContext context{writer, link.setupPending ? LinkSetup::Pending : LinkSetup::NotPending};
-    LineReader reader(inputFd);
+    LineReader reader(inputFd, LineReader::kDefaultBlock, regularInputSize ? SourceReads::Ahead : SourceReads::Inline);
     // Output produced so far reaches its reader before the run may wait
     // for more input: `velmora - -` works as a filter. A regular file's
     // read does not wait for anyone.

@@ -1,6 +1,7 @@
 #pragma once
 // The Q.931 message layer: header, message-type dispatch and element walks.
 #include <array>
+#include <cstddef>
 #include <cstdint>
 #include <span>
 #include <string_view>
@@ -23,12 +24,21 @@ struct ElementMatch {
   const ElementEntry* element;
 };
 
-// The element a walk picks for an identifier octet: the first match of its
-// accepted list; null for the unknown-element dump.
-constexpr const ElementEntry* ChooseElement(std::span<const ElementMatch> accepted, Octet identifier) {
+// The element a walk picks for an identifier octet, the first match of its
+// accepted list, as its registry index plus one; 0 for the unknown-element
+// dump. (No null pointers: some sanitizing builds cannot compare them at
+// compile time.)
+constexpr std::size_t ChosenElementNumber(std::span<const ElementMatch> accepted, Octet identifier) {
   for (const ElementMatch& match : accepted)
-    if ((identifier & match.mask) == match.value) return match.element;
-  return nullptr;
+    if ((identifier & match.mask) == match.value) return static_cast<std::size_t>(match.element - kElementRegistry) + 1;
+  return 0;
+}
+
+// The element a walk picks for an identifier octet; null for the
+// unknown-element dump.
+inline const ElementEntry* ChooseElement(std::span<const ElementMatch> accepted, Octet identifier) {
+  const std::size_t number = ChosenElementNumber(accepted, identifier);
+  return number == 0 ? nullptr : &kElementRegistry[number - 1];
 }
 
 // A message type the dispatch knows: its value, the name printed behind
@@ -39,15 +49,13 @@ struct MessageWalk {
   std::string_view name;
   std::span<const ElementMatch> accepted;
   bool walked = true;
-  // ChooseElement's answer for every identifier octet, worked out at compile
-  // time: the registry index plus one, 0 for the unknown-element dump.
+  // ChosenElementNumber for every identifier octet, worked out at compile time.
   std::array<std::uint8_t, 256> choices{};
 
   constexpr MessageWalk(Octet value, std::string_view name, std::span<const ElementMatch> accepted, bool walked)
       : value(value), name(name), accepted(accepted), walked(walked) {
     for (unsigned identifier = 0; identifier < 256; ++identifier)
-      if (const ElementEntry* entry = ChooseElement(accepted, static_cast<Octet>(identifier)))
-        choices[identifier] = static_cast<std::uint8_t>(entry - kElementRegistry + 1);
+      choices[identifier] = static_cast<std::uint8_t>(ChosenElementNumber(accepted, static_cast<Octet>(identifier)));
   }
   const ElementEntry* Choose(Octet identifier) const {
     return choices[identifier] == 0 ? nullptr : &kElementRegistry[choices[identifier] - 1];

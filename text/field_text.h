@@ -147,10 +147,16 @@ template <FieldName name, unsigned highBit, unsigned lowBit, const auto& meaning
 struct Book {
   static constexpr std::size_t kValues = std::size_t{1} << (highBit - lowBit + 1);
 
+  // The first row that names the value, as FindRow finds it; walked here
+  // without null pointers, which some sanitizing builds cannot compare at
+  // compile time.
   template <typename Text>
   static constexpr void WriteLine(Text& text, std::uint32_t value) {
-    if (const ValueText* row = FindRow(meanings, value))
-      WriteCodedValue(text, name.View(), value, shownWidth, row->text, Indent::SubField);
+    for (const ValueText& row : ValueTable(meanings)) {
+      if (row.value != value) continue;
+      WriteCodedValue(text, name.View(), value, shownWidth, row.text, Indent::SubField);
+      return;
+    }
   }
   static constexpr std::size_t Size() {
     Measure all;

@@ -26,11 +26,19 @@ constexpr std::array<Octet, 256> kHexValues = [] {
 
 namespace {
 
+// The first "HDLC" of a line, found by its "L": trace lines carry "D-CH" in
+// front of it, whose "H" a search by the first letter would stop at first.
+std::size_t FindHdlc(std::string_view line) {
+  for (std::size_t l = line.find('L', 2); l != std::string_view::npos; l = line.find('L', l + 1))
+    if (line.substr(l - 2, 4) == "HDLC") return l - 2;
+  return std::string_view::npos;
+}
+
 // The position of the first "HDLC" of a frame line, which anchors its length
 // field; npos for a line that is not a frame line.
 std::size_t FrameAnchor(std::string_view line) {
   if (line.size() < kMinimumFrameLine || line.find("****") == std::string_view::npos) return std::string_view::npos;
-  return line.find("HDLC");
+  return FindHdlc(line);
 }
 
 }  // namespace

@@ -11,7 +11,7 @@ std::size_t DecodeElement(OutputWriter& out, const ElementEntry* entry, const El
   if (entry == nullptr) {
     DecodeUnknownElement(out, element);
   } else {
-    out.PutPadded(entry->Heading());
+    out.PutPadded(entry->heading.Line());
     entry->decode(out, element);
   }
   return OccupiedOctets(entry, element);

@@ -3,8 +3,6 @@
 // name (the heading behind "\tInformation element:"), its decoder and its
 // form. The message walks, the fuzz targets and the tests all take the
 // elements from here.
-#include <algorithm>
-#include <array>
 #include <cstddef>
 #include <string_view>
 
@@ -21,16 +19,10 @@ struct ElementEntry {
   std::string_view name;
   ElementDecoder decode;
   ElementForm form;
-  // "<name>\n", padded for OutputWriter::PutPadded.
-  std::array<char, 48 + OutputWriter::kPadding> heading{};
+  PaddedLine<48> heading;  // "<name>\n"
 
   constexpr ElementEntry(Octet identifier, std::string_view name, ElementDecoder decode, ElementForm form)
-      : identifier(identifier), name(name), decode(decode), form(form) {
-    if (name.size() + 1 > 48) throw "element name too long for its heading";
-    std::copy(name.begin(), name.end(), heading.begin());
-    heading[name.size()] = '\n';
-  }
-  std::string_view Heading() const { return {heading.data(), name.size() + 1}; }
+      : identifier(identifier), name(name), decode(decode), form(form), heading(name) {}
 };
 
 // The decoders, by source file: bearer_capability, low_layer_compatibility,

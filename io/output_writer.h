@@ -73,6 +73,26 @@ inline constexpr std::array<std::array<char, 8>, 256> kOctetBits = [] {
 // thread of their own while the next block fills (Behind).
 enum class SinkWrites { Inline, Behind };
 
+// A short text stored with the room behind it that OutputWriter::PutPadded
+// may read: a name and its line end, built at compile time.
+template <std::size_t Capacity>
+class PaddedLine {
+ public:
+  static constexpr std::size_t kPadding = 64;
+
+  constexpr explicit PaddedLine(std::string_view text) : size_(text.size() + 1) {
+    if (size_ > Capacity) throw "text too long for its PaddedLine";
+    for (std::size_t i = 0; i < text.size(); ++i) text_[i] = text[i];
+    text_[text.size()] = '\n';
+  }
+  // The text and its line end.
+  constexpr std::string_view Line() const { return {text_.data(), size_}; }
+
+ private:
+  std::array<char, Capacity + kPadding> text_{};
+  std::size_t size_;
+};
+
 class OutputWriter {
  public:
   static constexpr std::size_t kDefaultCapacity = 256 * 1024;
@@ -94,7 +114,7 @@ class OutputWriter {
   // Text that may be read, though not printed, up to kPadding characters
   // past its end: a short one is copied in one fixed-size move, which costs
   // no branch on its length.
-  static constexpr std::size_t kPadding = 64;
+  static constexpr std::size_t kPadding = PaddedLine<1>::kPadding;
   void PutPadded(std::string_view text) {
     if (text.size() <= kPadding && capacity_ - used_ >= kPadding) {
       std::memcpy(buffer_.get() + used_, text.data(), kPadding);

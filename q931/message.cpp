@@ -20,8 +20,7 @@ void DecodeQ931Message(OutputWriter& out, OctetSpan message) {
   // the next input line continues the open "Message type:" line.
   const MessageWalk* walk = FindMessageWalk(message[typePosition]);
   if (walk == nullptr) return;
-  out.Put(walk->name);
-  out.Put('\n');
+  out.PutPadded(walk->nameLine.Line());
   WalkElements(out, *walk, message.subspan(typePosition));
 }
 

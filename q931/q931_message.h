@@ -49,11 +49,12 @@ struct MessageWalk {
   std::string_view name;
   std::span<const ElementMatch> accepted;
   bool walked = true;
+  PaddedLine<24> nameLine;  // "<name>\n"
   // ChosenElementNumber for every identifier octet, worked out at compile time.
   std::array<std::uint8_t, 256> choices{};
 
   constexpr MessageWalk(Octet value, std::string_view name, std::span<const ElementMatch> accepted, bool walked)
-      : value(value), name(name), accepted(accepted), walked(walked) {
+      : value(value), name(name), accepted(accepted), walked(walked), nameLine(name) {
     for (unsigned identifier = 0; identifier < 256; ++identifier)
       choices[identifier] = static_cast<std::uint8_t>(ChosenElementNumber(accepted, static_cast<Octet>(identifier)));
   }

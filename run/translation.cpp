@@ -81,6 +81,13 @@ bool SameFile(const FileIdentity& a, const FileIdentity& b) {
 // can be read ahead freely.
 constexpr std::uint64_t kParallelMinimum = 4 * 1024 * 1024;
 
+// Whether writing to the descriptor copies the bytes somewhere: a regular
+// file, a pipe or a socket, unlike a device such as /dev/null.
+bool WritesCost(int fd) {
+  struct stat info {};
+  return ::fstat(fd, &info) == 0 && (S_ISREG(info.st_mode) || S_ISFIFO(info.st_mode) || S_ISSOCK(info.st_mode));
+}
+
 // The size of a regular file; nothing for a pipe, a terminal or a device.
 std::optional<std::uint64_t> RegularFileSize(int fd) {
   struct stat info {};
@@ -140,9 +147,11 @@ TranslationOutcome TranslateTraceFile(std::string_view inputPath, std::string_vi
   const std::optional<std::uint64_t> regularInputSize = RegularFileSize(inputFd);
   const std::uint64_t inputSize = regularInputSize.value_or(0);
   const bool parallel = options.jobs > 1 && !inputIsStandard && inputSize >= kParallelMinimum;
-  // One decoding thread leaves the writes to a thread of their own; a
+  // One decoding thread leaves the writes to a thread of their own where a
+  // write costs (a file, a pipe; not /dev/null or another device); a
   // parallel run's decoding threads have the cores already.
-  OutputWriter writer(sink, OutputWriter::kDefaultCapacity, parallel ? SinkWrites::Inline : SinkWrites::Behind);
+  const bool writesBehind = !parallel && WritesCost(outputFd);
+  OutputWriter writer(sink, OutputWriter::kDefaultCapacity, writesBehind ? SinkWrites::Behind : SinkWrites::Inline);
   const auto reportProgress = [&options, inputSize](std::uint64_t bytesRead) {
     if (options.progress) options.progress(bytesRead, inputSize);
   };

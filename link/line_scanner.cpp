@@ -114,16 +114,14 @@ void TranslateTraceLine(DecodeContext& context, std::string_view line) {
 
 void TranslateTracePieces(DecodeContext& context, std::string_view text) {
   std::size_t copied = 0;
-  std::size_t end = 0;
-  while (end < text.size()) {
-    const std::string_view piece = text.substr(end, FirstPieceLength(text.substr(end), false));
-    end += piece.size();
+  ForEachPiece(text, [&](std::string_view piece) {
     const std::size_t anchor = FrameAnchor(piece);
-    if (anchor == std::string_view::npos) continue;
+    if (anchor == std::string_view::npos) return;
+    const std::size_t end = static_cast<std::size_t>(piece.data() - text.data()) + piece.size();
     context.out.Put(text.substr(copied, end - copied));
     copied = end;
     DecodeFrameLine(context, piece, anchor);
-  }
+  });
   context.out.Put(text.substr(copied));
 }
 

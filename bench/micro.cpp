@@ -58,7 +58,7 @@ void ScanReceiveReadyLine(benchmark::State& state) {
 }
 BENCHMARK(ScanReceiveReadyLine);
 
-// 48 cells through the table of digit values.
+// 48 cells, each one load of its digit pair and one of the table of octets.
 void HexCellsToOctets(benchmark::State& state) {
   std::string cells;
   for (unsigned k = 0; k < 48; ++k) cells += "0x" + std::string(1, "0123456789abcdef"[k % 16]) + "f ";

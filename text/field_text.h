@@ -114,10 +114,21 @@ struct CodedField {
   constexpr CodedField() = default;
   constexpr CodedField(std::string_view name, unsigned highBit, unsigned lowBit, ValueTable meanings,
                        std::span<const std::string_view> lines)
-      : name(name), highBit(highBit), lowBit(lowBit), meanings(meanings), lines(lines) {}
+      : name(name),
+        highBit(highBit),
+        lowBit(lowBit),
+        meanings(meanings),
+        lines(lines),
+        shift_(lowBit - 1),
+        mask_(FieldBits(0xFF, highBit, lowBit)) {}
 
   // The field's bits of an octet, shifted down to a plain value.
-  constexpr unsigned ValueIn(Octet octet) const { return FieldBits(octet, highBit, lowBit); }
+  constexpr unsigned ValueIn(Octet octet) const { return (static_cast<unsigned>(octet) >> shift_) & mask_; }
+
+ private:
+  // FieldBits' shift and mask, worked out once.
+  unsigned shift_ = 0;
+  unsigned mask_ = 0xFF;
 };
 
 namespace line_book {

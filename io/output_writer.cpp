@@ -60,6 +60,8 @@ void OutputWriter::Spill() {
       behind_->Start([this, block = buffer_.get(), size = used_] { WriteToSink(block, size, behindError_); });
       std::swap(buffer_, spare_);
     }
+  } else if (error_ == 0 && sink_.Keep(buffer_, used_)) {
+    if (buffer_ == nullptr) buffer_.reset(new char[capacity_]);
   } else {
     WriteToSink(buffer_.get(), used_, error_);
   }
@@ -72,14 +74,15 @@ void OutputWriter::Flush() {
   if (behind_ != nullptr) WaitForWriteBehind();
 }
 
+void OutputWriter::PutBlock(std::string_view block) {
+  Flush();
+  WriteToSink(block.data(), block.size(), error_);
+  flushed_ += block.size();
+}
+
 void OutputWriter::PutSlow(std::string_view text) {
   // A block larger than the buffer goes to the sink as it is, uncopied.
-  if (text.size() >= capacity_) {
-    Flush();
-    WriteToSink(text.data(), text.size(), error_);
-    flushed_ += text.size();
-    return;
-  }
+  if (text.size() >= capacity_) return PutBlock(text);
   while (!text.empty()) {
     if (used_ == capacity_) Spill();
     const std::size_t chunk = std::min(text.size(), capacity_ - used_);

@@ -13,12 +13,17 @@
 
 namespace velmora {
 
-// Where flushed blocks go: a file descriptor, a string (tests, parallel chunks).
+// Where flushed blocks go: a file descriptor, a string (tests), the blocks
+// of a parallel run's chunk.
 class ByteSink {
  public:
   virtual ~ByteSink() = default;
   // Writes all of the block; false (with errno-style code in error) when it cannot.
   virtual bool Write(const char* data, std::size_t size, int& error) = 0;
+  // A sink that keeps blocks rather than writing them on may take a full
+  // buffer itself instead of a copy: it returns true and leaves in `buffer`
+  // one to fill next, or null for the writer to allocate.
+  virtual bool Keep(std::unique_ptr<char[]>& /*buffer*/, std::size_t /*size*/) { return false; }
 };
 
 class FdSink final : public ByteSink {
@@ -123,6 +128,9 @@ class OutputWriter {
       Put(text);
     }
   }
+  // A block handed to the sink as it is, uncopied, behind the text
+  // buffered so far.
+  void PutBlock(std::string_view block);
   void Put(char c) {
     if (used_ == capacity_) Spill();
     buffer_[used_++] = c;

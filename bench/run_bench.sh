@@ -19,7 +19,7 @@ jobs_list=("${@:-1}")
 [ ${#jobs_list[@]} -gt 0 ] || jobs_list=(1)
 runs=${BENCH_RUNS:-5}
 baseline=${BASELINE:-}
-block_kb=256  # OutputWriter::kDefaultCapacity
+block_kb=1024  # OutputWriter::kBehindCapacity, the block one thread writes a file in
 work=${BENCH_DIR:-build/bench-data}
 mkdir -p "$work"
 input="$work/trace-${size}MB.txt"

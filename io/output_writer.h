@@ -101,6 +101,10 @@ class PaddedLine {
 class OutputWriter {
  public:
   static constexpr std::size_t kDefaultCapacity = 256 * 1024;
+  // Writing behind: each block handed over costs the two threads a wake-up
+  // or two, so blocks are larger; much larger ones would leave the cache
+  // while they fill.
+  static constexpr std::size_t kBehindCapacity = 1024 * 1024;
 
   explicit OutputWriter(ByteSink& sink, std::size_t capacity = kDefaultCapacity,
                         SinkWrites writes = SinkWrites::Inline);

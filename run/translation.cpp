@@ -151,7 +151,8 @@ TranslationOutcome TranslateTraceFile(std::string_view inputPath, std::string_vi
   // write costs (a file, a pipe; not /dev/null or another device); a
   // parallel run's decoding threads have the cores already.
   const bool writesBehind = !parallel && WritesCost(outputFd);
-  OutputWriter writer(sink, OutputWriter::kDefaultCapacity, writesBehind ? SinkWrites::Behind : SinkWrites::Inline);
+  OutputWriter writer(sink, writesBehind ? OutputWriter::kBehindCapacity : OutputWriter::kDefaultCapacity,
+                      writesBehind ? SinkWrites::Behind : SinkWrites::Inline);
   const auto reportProgress = [&options, inputSize](std::uint64_t bytesRead) {
     if (options.progress) options.progress(bytesRead, inputSize);
   };

@@ -10,7 +10,9 @@
 # fresh file of the output's size from /dev/zero in the writer's block size.
 # Every contender writes a fresh file (the old one is removed untimed), the
 # contenders take turns within each round, and every figure is the median
-# of the rounds. "to null" is velmora decoding to /dev/null: no write cost.
+# of the rounds. "to null" is velmora decoding to /dev/null: no write cost;
+# its rounds (and the baseline's, taking turns) follow once the files'
+# pages are written back.
 set -euo pipefail
 build=${1:?build directory}
 size=${2:-128}
@@ -73,10 +75,15 @@ for jobs in "${jobs_list[@]}"; do
     peak_kb=$(awk -v a="$peak_kb" -v b="$(cat "$work/rss")" 'BEGIN { print (b > a) ? b : a }')
     rm -f "$copy"
     floor_s+=("$(timed floor_run "$blocks")")
+  done
+  rm -f "$copy"
+  # The kernel writes the files' pages back meanwhile; the decoding alone is
+  # timed once it is done.
+  sync
+  for ((run = 0; run < runs; run++)); do
     null_s+=("$(timed "$build/velmora" -q --jobs "$jobs" "$input" /dev/null)")
     [ -n "$baseline" ] && base_s+=("$(timed "$baseline" -q --jobs "$jobs" "$input" /dev/null)")
   done
-  rm -f "$copy"
   v=$(median "${velmora_s[@]}")
   fl=$(median "${floor_s[@]}")
   n=$(median "${null_s[@]}")

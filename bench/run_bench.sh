@@ -11,9 +11,10 @@
 # Every contender writes a fresh file (the old one is removed untimed), the
 # contenders take turns within each round, and every figure is the median
 # of the rounds. "to null" is velmora decoding to /dev/null: no write cost;
-# its rounds (and the baseline's, taking turns) follow once the files'
-# pages are written back.
+# its rounds (the baseline's taking turns with them) come first, before
+# any file is written.
 set -euo pipefail
+[ -n "${EPOCHREALTIME:-}" ] || { echo "run_bench.sh needs bash 5 (EPOCHREALTIME)" >&2; exit 1; }
 build=${1:?build directory}
 size=${2:-128}
 shift 2 || shift $#
@@ -29,13 +30,13 @@ output="$work/message.txt"
 copy="$work/floor-copy"
 [ -s "$input" ] || "$build/bench/velmora_gen_trace" "$size" "$input"
 
-now() { date +%s.%N; }
-# Seconds that the command takes.
+export LC_ALL=C
+# Seconds that the command takes, read from the shell's own clock: a `date`
+# on either side would add its own start-up to every contender.
 timed() {
-  local start end
-  start=$(now)
+  local start=$EPOCHREALTIME
   "$@"
-  end=$(now)
+  local end=$EPOCHREALTIME
   echo "$end - $start" | bc -l
 }
 median() { printf '%s\n' "$@" | sort -g | awk '{ v[NR] = $1 } END { print (NR % 2) ? v[(NR + 1) / 2] : (v[NR / 2] + v[NR / 2 + 1]) / 2 }'; }
@@ -69,6 +70,13 @@ printf '\n'
 for jobs in "${jobs_list[@]}"; do
   velmora_s=() floor_s=() null_s=() base_s=()
   peak_kb=0
+  # The decoding alone first: the files' pages that the kernel writes back
+  # after the other rounds would compete with it.
+  sync
+  for ((run = 0; run < runs; run++)); do
+    null_s+=("$(timed "$build/velmora" -q --jobs "$jobs" "$input" /dev/null)")
+    [ -n "$baseline" ] && base_s+=("$(timed "$baseline" -q --jobs "$jobs" "$input" /dev/null)")
+  done
   for ((run = 0; run < runs; run++)); do
     rm -f "$output"
     velmora_s+=("$(timed /usr/bin/time -f '%M' -o "$work/rss" "$build/velmora" -q --jobs "$jobs" "$input" "$output")")
@@ -77,13 +85,6 @@ for jobs in "${jobs_list[@]}"; do
     floor_s+=("$(timed floor_run "$blocks")")
   done
   rm -f "$copy"
-  # The kernel writes the files' pages back meanwhile; the decoding alone is
-  # timed once it is done.
-  sync
-  for ((run = 0; run < runs; run++)); do
-    null_s+=("$(timed "$build/velmora" -q --jobs "$jobs" "$input" /dev/null)")
-    [ -n "$baseline" ] && base_s+=("$(timed "$baseline" -q --jobs "$jobs" "$input" /dev/null)")
-  done
   v=$(median "${velmora_s[@]}")
   fl=$(median "${floor_s[@]}")
   n=$(median "${null_s[@]}")

@@ -31,13 +31,11 @@ inline std::size_t WholePiecesLength(std::string_view text, bool moreMayFollow) 
 inline std::uint64_t LineEndMask(const char* characters) {
 #if defined(__SSE2__)
   const __m128i lineEnd = _mm_set1_epi8('\n');
-  std::uint64_t mask = 0;
-  for (int block = 0; block < 4; ++block) {
-    const __m128i sixteen = _mm_loadu_si128(reinterpret_cast<const __m128i*>(characters + 16 * block));
-    mask |= static_cast<std::uint64_t>(static_cast<unsigned>(_mm_movemask_epi8(_mm_cmpeq_epi8(sixteen, lineEnd))))
-            << (16 * block);
-  }
-  return mask;
+  const auto sixteen = [&](int block) {
+    const __m128i text = _mm_loadu_si128(reinterpret_cast<const __m128i*>(characters + 16 * block));
+    return static_cast<std::uint64_t>(static_cast<unsigned>(_mm_movemask_epi8(_mm_cmpeq_epi8(text, lineEnd))));
+  };
+  return sixteen(0) | sixteen(1) << 16 | sixteen(2) << 32 | sixteen(3) << 48;
 #else
   std::uint64_t mask = 0;
   for (int i = 0; i < 64; ++i) mask |= static_cast<std::uint64_t>(characters[i] == '\n') << i;

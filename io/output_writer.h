@@ -5,6 +5,7 @@
 #include <cstddef>
 #include <cstdint>
 #include <cstring>
+#include <initializer_list>
 #include <memory>
 #include <string>
 #include <string_view>
@@ -78,24 +79,25 @@ inline constexpr std::array<std::array<char, 8>, 256> kOctetBits = [] {
 // thread of their own while the next block fills (Behind).
 enum class SinkWrites { Inline, Behind };
 
-// A short text stored with the room behind it that OutputWriter::PutPadded
-// may read: a name and its line end, built at compile time.
+// A short text joined from pieces at compile time and stored with the room
+// behind it that OutputWriter::PutPadded may read: a heading, a name line,
+// constant lines printed together.
 template <std::size_t Capacity>
-class PaddedLine {
+class PaddedText {
  public:
   static constexpr std::size_t kPadding = 64;
 
-  constexpr explicit PaddedLine(std::string_view text) : size_(text.size() + 1) {
-    if (size_ > Capacity) throw "text too long for its PaddedLine";
-    for (std::size_t i = 0; i < text.size(); ++i) text_[i] = text[i];
-    text_[text.size()] = '\n';
+  constexpr PaddedText(std::initializer_list<std::string_view> pieces) {
+    for (const std::string_view piece : pieces) {
+      if (size_ + piece.size() > Capacity) throw "text too long for its PaddedText";
+      for (const char c : piece) text_[size_++] = c;
+    }
   }
-  // The text and its line end.
-  constexpr std::string_view Line() const { return {text_.data(), size_}; }
+  constexpr std::string_view View() const { return {text_.data(), size_}; }
 
  private:
   std::array<char, Capacity + kPadding> text_{};
-  std::size_t size_;
+  std::size_t size_ = 0;
 };
 
 class OutputWriter {
@@ -123,7 +125,7 @@ class OutputWriter {
   // Text that may be read, though not printed, up to kPadding characters
   // past its end: a short one is copied in one fixed-size move, which costs
   // no branch on its length.
-  static constexpr std::size_t kPadding = PaddedLine<1>::kPadding;
+  static constexpr std::size_t kPadding = PaddedText<1>::kPadding;
   void PutPadded(std::string_view text) {
     if (text.size() <= kPadding && capacity_ - used_ >= kPadding) {
       std::memcpy(buffer_.get() + used_, text.data(), kPadding);

@@ -6,21 +6,20 @@ namespace velmora {
 // reference value, then the message type at crl + 2. The whole octet 1 is
 // the length; bits 8 to 5 are not masked off.
 void DecodeQ931Message(OutputWriter& out, OctetSpan message) {
-  out.Put("Message type:");
-  if (message.size() < 2) {
-    out.Put("Truncated message\n");
-    return;
-  }
-  const std::size_t typePosition = static_cast<std::size_t>(message[1]) + 2;
+  const std::size_t typePosition = message.size() < 2 ? message.size() : static_cast<std::size_t>(message[1]) + 2;
   if (typePosition >= message.size()) {
+    out.Put(kMessageTypePrefix);
     out.Put("Truncated message\n");
     return;
   }
   // An unknown type prints nothing more, not even a line end: the copy of
   // the next input line continues the open "Message type:" line.
   const MessageWalk* walk = FindMessageWalk(message[typePosition]);
-  if (walk == nullptr) return;
-  out.PutPadded(walk->nameLine.Line());
+  if (walk == nullptr) {
+    out.Put(kMessageTypePrefix);
+    return;
+  }
+  out.PutPadded(walk->typeLine.View());
   WalkElements(out, *walk, message.subspan(typePosition));
 }
 

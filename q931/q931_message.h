@@ -12,6 +12,9 @@
 
 namespace velmora {
 
+// What the message-type line begins with, known type or not.
+inline constexpr std::string_view kMessageTypePrefix = "Message type:";
+
 // Prints "Message type:" and the type's name, then walks the elements.
 // `message` starts at the protocol discriminator and ends with the frame.
 void DecodeQ931Message(OutputWriter& out, OctetSpan message);
@@ -49,12 +52,12 @@ struct MessageWalk {
   std::string_view name;
   std::span<const ElementMatch> accepted;
   bool walked = true;
-  PaddedLine<24> nameLine;  // "<name>\n"
+  PaddedText<40> typeLine;  // kMessageTypePrefix, the name, "\n"
   // ChosenElementNumber for every identifier octet, worked out at compile time.
   std::array<std::uint8_t, 256> choices{};
 
   constexpr MessageWalk(Octet value, std::string_view name, std::span<const ElementMatch> accepted, bool walked)
-      : value(value), name(name), accepted(accepted), walked(walked), nameLine(name) {
+      : value(value), name(name), accepted(accepted), walked(walked), typeLine{kMessageTypePrefix, name, "\n"} {
     for (unsigned identifier = 0; identifier < 256; ++identifier)
       choices[identifier] = static_cast<std::uint8_t>(ChosenElementNumber(accepted, static_cast<Octet>(identifier)));
   }

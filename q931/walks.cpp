@@ -130,9 +130,8 @@ void WalkElements(OutputWriter& out, const MessageWalk& walk, OctetSpan fromMess
   if (!walk.walked) return;
   std::size_t index = 1;
   while (index < fromMessageType.size()) {
-    out.Put("\tInformation element:");
     const ElementOctets element(fromMessageType.subspan(index));
-    index += DecodeElement(out, walk.Choose(element.Identifier()), element);
+    index += DecodeElement(out, walk.Choose(element.Identifier()), element, ElementPrefix::Printed);
   }
 }
 

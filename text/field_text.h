@@ -211,8 +211,12 @@ inline constexpr CodedField WithMeanings = Coded<FieldName(field.name), field.hi
 // nothing at all otherwise. Returns whether a line was printed.
 inline bool PrintField(OutputWriter& out, const CodedField& field, Octet octet, Indent indent = Indent::Field) {
   const unsigned value = field.ValueIn(octet);
-  if (value >= field.lines.size() || field.lines[value].empty()) return false;
-  out.PutPadded(indent == Indent::SubField ? field.lines[value] : field.lines[value].substr(1));
+  if (value >= field.lines.size()) return false;
+  const std::string_view line = field.lines[value];
+  if (line.empty()) return false;
+  // A field line leaves out the first of the sub-field indent's three tabs.
+  const std::size_t skipped = indent == Indent::SubField ? 0 : 1;
+  out.PutPadded({line.data() + skipped, line.size() - skipped});
   return true;
 }
 

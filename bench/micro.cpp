@@ -1,15 +1,19 @@
 // Micro-benchmarks of the hot paths, each a place where a slower way once
 // stood: the line scanner and its hex cells, the coded field lines, octet
-// strings in hexadecimal, whole messages, the benchmark trace as a whole, and
-// the writes behind the decoding.
+// strings in hexadecimal, whole messages, the benchmark trace as a whole, the
+// writes behind the decoding and the reads ahead of it.
 #include <benchmark/benchmark.h>
+#include <fcntl.h>
+#include <unistd.h>
 
+#include <cstdio>
 #include <cstring>
 #include <memory>
 #include <string>
 #include <vector>
 
 #include "field_text.h"
+#include "line_reader.h"
 #include "line_scanner.h"
 #include "q931_message.h"
 #include "trace_generator.h"
@@ -196,6 +200,40 @@ void TranslateToCopyingSink(benchmark::State& state) {
   state.SetBytesProcessed(static_cast<int64_t>(state.iterations() * trace.size()));
 }
 BENCHMARK(TranslateToCopyingSink)->Arg(0)->Arg(1)->Unit(benchmark::kMillisecond)->UseRealTime();
+
+// The benchmark trace from a file, read when more input is needed (0) or a
+// block ahead (1), and decoded: with a core to spare, reading ahead hides
+// the reads.
+void TranslateFromFile(benchmark::State& state) {
+  // The trace, four times over, in a file of its own, removed when the
+  // benchmarks end.
+  static constexpr int kCopies = 4;
+  struct TraceFile {
+    std::string path = "/tmp/velmora_micro_trace_" + std::to_string(::getpid()) + ".txt";
+    TraceFile() {
+      std::FILE* file = std::fopen(path.c_str(), "wb");
+      for (int copy = 0; copy < kCopies; ++copy) std::fwrite(BenchmarkTrace().data(), 1, BenchmarkTrace().size(), file);
+      std::fclose(file);
+    }
+    ~TraceFile() { std::remove(path.c_str()); }
+  };
+  static const TraceFile traceFile;
+  CountingSink sink;
+  velmora::OutputWriter writer(sink);
+  const auto reads = state.range(0) == 0 ? velmora::SourceReads::Inline : velmora::SourceReads::Ahead;
+  for (auto _ : state) {
+    const int fd = ::open(traceFile.path.c_str(), O_RDONLY | O_CLOEXEC);
+    {
+      velmora::LineReader reader(fd, velmora::LineReader::kDefaultBlock, reads);
+      velmora::DecodeContext context{writer};
+      while (const auto pieces = reader.NextPieces()) velmora::TranslateTracePieces(context, *pieces);
+    }
+    ::close(fd);
+    writer.Flush();
+  }
+  state.SetBytesProcessed(static_cast<int64_t>(state.iterations() * kCopies * BenchmarkTrace().size()));
+}
+BENCHMARK(TranslateFromFile)->Arg(0)->Arg(1)->Unit(benchmark::kMillisecond)->UseRealTime();
 
 }  // namespace
 

@@ -27,18 +27,18 @@ inline std::size_t WholePiecesLength(std::string_view text, bool moreMayFollow) 
   return lineStart + (text.size() - lineStart) / kMaxPiece * kMaxPiece;
 }
 
-// The line ends among 64 characters, one bit each, lowest first.
-inline std::uint64_t LineEndMask(const char* characters) {
+// Where a character stands among 64 characters, one bit each, lowest first.
+inline std::uint64_t CharacterMask(const char* characters, char wanted) {
 #if defined(__SSE2__)
-  const __m128i lineEnd = _mm_set1_epi8('\n');
+  const __m128i match = _mm_set1_epi8(wanted);
   const auto sixteen = [&](int block) {
     const __m128i text = _mm_loadu_si128(reinterpret_cast<const __m128i*>(characters + 16 * block));
-    return static_cast<std::uint64_t>(static_cast<unsigned>(_mm_movemask_epi8(_mm_cmpeq_epi8(text, lineEnd))));
+    return static_cast<std::uint64_t>(static_cast<unsigned>(_mm_movemask_epi8(_mm_cmpeq_epi8(text, match))));
   };
   return sixteen(0) | sixteen(1) << 16 | sixteen(2) << 32 | sixteen(3) << 48;
 #else
   std::uint64_t mask = 0;
-  for (int i = 0; i < 64; ++i) mask |= static_cast<std::uint64_t>(characters[i] == '\n') << i;
+  for (int i = 0; i < 64; ++i) mask |= static_cast<std::uint64_t>(characters[i] == wanted) << i;
   return mask;
 #endif
 }
@@ -60,7 +60,7 @@ void ForEachPiece(std::string_view text, Visit&& visit) {
   };
   std::size_t at = 0;
   for (; at + 64 <= text.size(); at += 64)
-    for (std::uint64_t ends = LineEndMask(text.data() + at); ends != 0; ends &= ends - 1)
+    for (std::uint64_t ends = CharacterMask(text.data() + at, '\n'); ends != 0; ends &= ends - 1)
       visitUpTo(at + static_cast<std::size_t>(std::countr_zero(ends)) + 1);
   for (; at < text.size(); ++at)
     if (text[at] == '\n') visitUpTo(at + 1);

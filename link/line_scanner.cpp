@@ -36,19 +36,35 @@ constexpr std::array<Octet, 65536> kCellOctets = [] {
 
 namespace {
 
+constexpr std::size_t kNone = std::string_view::npos;
+
 // The first "HDLC" of a line, found by its "L": trace lines carry "D-CH" in
 // front of it, whose "H" a search by the first letter would stop at first.
-std::size_t FindHdlc(std::string_view line) {
-  for (std::size_t l = line.find('L', 2); l != std::string_view::npos; l = line.find('L', l + 1))
+// `firstL` is where the line's first "L" stands (kNone: it has none).
+std::size_t FindHdlc(std::string_view line, std::size_t firstL) {
+  for (std::size_t l = firstL < 2 ? line.find('L', 2) : firstL; l != kNone; l = line.find('L', l + 1))
     if (line.substr(l - 2, 4) == "HDLC") return l - 2;
-  return std::string_view::npos;
+  return kNone;
+}
+
+// Where a character first stands in a line of at least 64 characters: the
+// first 64, where a frame line carries its markers, are looked at all at
+// once, the rest only when they do not hold it.
+std::size_t FirstInLongLine(std::string_view line, char wanted) {
+  const std::uint64_t early = CharacterMask(line.data(), wanted);
+  return early != 0 ? static_cast<std::size_t>(std::countr_zero(early)) : line.find(wanted, 64);
 }
 
 // The position of the first "HDLC" of a frame line, which anchors its length
-// field; npos for a line that is not a frame line.
+// field; kNone for a line that is not a frame line.
 std::size_t FrameAnchor(std::string_view line) {
-  if (line.size() < kMinimumFrameLine || line.find("****") == std::string_view::npos) return std::string_view::npos;
-  return FindHdlc(line);
+  static_assert(kMinimumFrameLine >= 64);
+  if (line.size() < kMinimumFrameLine) return kNone;
+  // "****" anywhere: at the first "*" or behind it.
+  const std::size_t firstStar = FirstInLongLine(line, '*');
+  if (firstStar == kNone) return kNone;
+  if (line.substr(firstStar, 4) != "****" && line.find("****", firstStar + 1) == kNone) return kNone;
+  return FindHdlc(line, FirstInLongLine(line, 'L'));
 }
 
 }  // namespace

@@ -98,18 +98,36 @@ fuzz-smoke: deps
 	bash fuzz/run.sh --smoke $(FUZZ_DIR) 5
 
 # Throughput against the I/O floor on a generated trace of BENCH_MB
-# megabytes, one thread and all cores, then the micro-benchmarks.
+# megabytes, one thread and all cores, then the micro-benchmarks. The
+# decoding time is compared with that of release BENCH_BASELINE, built once
+# from git (skipped, with a message, where git or the commit is missing).
 BENCH_DIR := build/bench
-BENCH_MB ?= 256
+BENCH_MB ?= 128
+BENCH_BASELINE ?= 2977c83
+BASELINE_DIR := $(BENCH_DIR)/baseline-$(BENCH_BASELINE)
 
-.PHONY: bench
+.PHONY: bench bench-baseline
 
-bench: deps
+bench: deps bench-baseline
 	cmake -S . -B $(BENCH_DIR) -G Ninja -DCMAKE_BUILD_TYPE=Release -DVELMORA_TESTS=OFF -DVELMORA_DIALOG=OFF \
 	  -DVELMORA_BENCH=ON >/dev/null
 	cmake --build $(BENCH_DIR) -j $(JOBS)
-	BENCH_DIR=$(BENCH_DIR)/data bash bench/run_bench.sh $(BENCH_DIR) $(BENCH_MB) 1 $(JOBS)
+	BENCH_DIR=$(BENCH_DIR)/data BASELINE=$$([ -x $(BASELINE_DIR)/build/velmora ] && echo $(BASELINE_DIR)/build/velmora) \
+	  bash bench/run_bench.sh $(BENCH_DIR) $(BENCH_MB) 1 $(JOBS)
 	$(BENCH_DIR)/bench/velmora_micro
+
+bench-baseline: deps
+	@if [ -x $(BASELINE_DIR)/build/velmora ]; then exit 0; fi; \
+	if git rev-parse -q --verify '$(BENCH_BASELINE)^{commit}' >/dev/null 2>&1; then \
+	  echo "Building the baseline $(BENCH_BASELINE) in $(BASELINE_DIR)"; \
+	  rm -rf $(BASELINE_DIR) && mkdir -p $(BASELINE_DIR)/src && \
+	  git archive $(BENCH_BASELINE) | tar -x -C $(BASELINE_DIR)/src && \
+	  cmake -S $(BASELINE_DIR)/src -B $(BASELINE_DIR)/build -G Ninja -DCMAKE_BUILD_TYPE=Release \
+	    -DVELMORA_TESTS=OFF -DVELMORA_DIALOG=OFF >/dev/null && \
+	  cmake --build $(BASELINE_DIR)/build -j $(JOBS) --target velmora >/dev/null; \
+	else \
+	  echo "No baseline: commit $(BENCH_BASELINE) is not in this repository, decoding times are not compared."; \
+	fi
 
 clean:
 	rm -rf build

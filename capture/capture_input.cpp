@@ -8,10 +8,10 @@
 #include <cstdio>
 #include <cstring>
 #include <new>
+#include <utility>
 
 #include "lapd_link_types.h"
 #include "packet_line.h"
-#include "pieces.h"
 
 namespace velmora {
 namespace {
@@ -96,11 +96,10 @@ class CaptureSource final : public PieceSource {
       : stream_(std::move(stream)), pcap_(pcap), linuxLapd_(pcap_datalink(pcap) == kLinkTypeLinuxLapd) {}
   ~CaptureSource() override { pcap_close(pcap_); }  // closes the stream too
 
-  std::optional<std::string_view> Next() override {
+  // A packet's frame line at a time: whole, it holds whole pieces only.
+  std::optional<std::string_view> NextPieces() override {
     if (rest_.empty() && !ReadPacket()) return std::nullopt;
-    const std::string_view piece = rest_.substr(0, FirstPieceLength(rest_, false));
-    rest_.remove_prefix(piece.size());
-    return piece;
+    return std::exchange(rest_, std::string_view());
   }
   void SetBeforeRead(std::function<void()> beforeRead) override { stream_->SetBeforeRead(std::move(beforeRead)); }
   std::uint64_t BytesRead() const override { return stream_->BytesRead(); }

@@ -38,8 +38,8 @@ constexpr ValueText kSynchronousAsynchronous[] = {{0, "Synchronous data"}, {1, "
 constexpr ValueText kNegotiation[] = {{0, "In-band negotiation not possible"}, {1, "In-band negotiation possible"}};
 // Octet 5a but its user rate, which the element words its own way.
 constexpr CodedField kOctet5a[] = {
-    {"Synchronous/Asynchronous", 7, 7, kSynchronousAsynchronous},
-    {"Negotiation", 6, 6, kNegotiation},
+    Coded<"Synchronous/Asynchronous", 7, 7, kSynchronousAsynchronous>,
+    Coded<"Negotiation", 6, 6, kNegotiation>,
 };
 
 constexpr ValueText kIntermediateRate[] = {
@@ -62,11 +62,11 @@ constexpr ValueText kFlowControlOnReception[] = {
 };
 // Octet 5b for V.110 / I.460 / X.30 rate adaption; bit 1 is spare.
 constexpr CodedField kOctet5bRateAdaption[] = {
-    {"Intermediate rate", 7, 6, kIntermediateRate},
-    {"Network Independent Clock (NIC) on transmission (Tx)", 5, 5, kNicOnTransmission},
-    {"Network Independent Clock (NIC) on reception (Rx)", 4, 4, kNicOnReception},
-    {"Flow control on transmission (Tx)", 3, 3, kFlowControlOnTransmission},
-    {"Flow control on reception (Rx)", 2, 2, kFlowControlOnReception},
+    Coded<"Intermediate rate", 7, 6, kIntermediateRate>,
+    Coded<"Network Independent Clock (NIC) on transmission (Tx)", 5, 5, kNicOnTransmission>,
+    Coded<"Network Independent Clock (NIC) on reception (Rx)", 4, 4, kNicOnReception>,
+    Coded<"Flow control on transmission (Tx)", 3, 3, kFlowControlOnTransmission>,
+    Coded<"Flow control on reception (Rx)", 2, 2, kFlowControlOnReception>,
 };
 
 constexpr ValueText kRateAdaptionHeader[] = {{0, "Rate adaption header not included"},
@@ -87,12 +87,12 @@ constexpr ValueText kInBandOutBandNegotiation[] = {
 };
 // Octet 5b for V.120 rate adaption; bit 1 is spare.
 constexpr CodedField kOctet5bV120[] = {
-    {"Rate adaption header/no header", 7, 7, kRateAdaptionHeader},
-    {"Multiple frame establishment support in data link", 6, 6, kMultipleFrameEstablishment},
-    {"Mode of operation", 5, 5, kV120ModeOfOperation},
-    {"Logical link identifier negotiation", 4, 4, kLogicalLinkIdentifierNegotiation},
-    {"Assignor/assignee", 3, 3, kAssignorAssignee},
-    {"In-band/out-band negotiation", 2, 2, kInBandOutBandNegotiation},
+    Coded<"Rate adaption header/no header", 7, 7, kRateAdaptionHeader>,
+    Coded<"Multiple frame establishment support in data link", 6, 6, kMultipleFrameEstablishment>,
+    Coded<"Mode of operation", 5, 5, kV120ModeOfOperation>,
+    Coded<"Logical link identifier negotiation", 4, 4, kLogicalLinkIdentifierNegotiation>,
+    Coded<"Assignor/assignee", 3, 3, kAssignorAssignee>,
+    Coded<"In-band/out-band negotiation", 2, 2, kInBandOutBandNegotiation>,
 };
 
 constexpr ValueText kStopBits[] = {{0b00, "Not used"}, {0b01, "1 bit"}, {0b10, "1.5 bits"}, {0b11, "2 bits"}};
@@ -100,13 +100,13 @@ constexpr ValueText kDataBits[] = {{0b00, "Not used"}, {0b01, "5 bit"}, {0b10, "
 constexpr ValueText kParity[] = {
     {0b000, "Odd"}, {0b010, "Even"}, {0b011, "None"}, {0b100, "Forced to 0"}, {0b101, "Forced to 1"}};
 constexpr CodedField kOctet5c[] = {
-    {"Number of stop bits", 7, 6, kStopBits},
-    {"Number of data bits excluding parity Bit if present", 5, 4, kDataBits},
-    {"Parity information", 3, 1, kParity},
+    Coded<"Number of stop bits", 7, 6, kStopBits>,
+    Coded<"Number of data bits excluding parity Bit if present", 5, 4, kDataBits>,
+    Coded<"Parity information", 3, 1, kParity>,
 };
 
 constexpr ValueText kDuplexMode[] = {{0, "Half duplex"}, {1, "Full duplex"}};
-constexpr CodedField kDuplexModeField{"Mode duplex", 7, 7, kDuplexMode};
+constexpr CodedField kDuplexModeField = Coded<"Mode duplex", 7, 7, kDuplexMode>;
 
 // Modem types named by range; their line shows the value in decimal.
 constexpr RangeText kModemTypeRanges[] = {
@@ -133,7 +133,8 @@ constexpr ValueText kAdditionalLayer3Information[] = {
 // shared ones; Low layer compatibility words transfer mode 10 otherwise and
 // names more protocols, so it keeps its own.
 static_assert(std::size(kUserRate) == 31 && kUserRate[30].value == 0b10000);
-constexpr CodedField kBearerUserRateField = kUserRateField.With(ValueTable(kUserRate).first(std::size(kUserRate) - 1));
+constexpr ValueTable kBearerUserRates = ValueTable(kUserRate).first(std::size(kUserRate) - 1);
+constexpr CodedField kBearerUserRateField = WithMeanings<kUserRateField, kBearerUserRates>;
 
 // Layer identification, bits 7-6 of a layer octet.
 enum LayerIdentification : unsigned { kNoLayer = 0b00, kLayer1 = 0b01, kLayer2 = 0b10, kLayer3 = 0b11 };
@@ -150,7 +151,7 @@ std::span<const CodedField> Octet5bFields(unsigned layer1Protocol) {
   return {};
 }
 
-constexpr CodedField kModemTypeField{"Modem type", 6, 1, kModemType};
+constexpr CodedField kModemTypeField = Coded<"Modem type", 6, 1, kModemType>;
 
 void PrintModemType(OutputWriter& out, Octet octet5d) {
   const unsigned modemType = kModemTypeField.ValueIn(octet5d);

@@ -70,7 +70,7 @@ inline constexpr ValueText kUserRate[] = {
     {0b10000, "64 kbit/s Recommendation X.1"},
 };
 
-inline constexpr CodedField kUserRateField{"User rate", 5, 1, kUserRate};
+inline constexpr CodedField kUserRateField = Coded<"User rate", 5, 1, kUserRate>;
 
 // Layer 3 protocol 01011 (ISO/IEC TR 9577): octets 7a and 7b follow.
 inline constexpr unsigned kLayer3Tr9577 = 0b01011;

@@ -16,10 +16,13 @@ constexpr ValueText kCallStateCodingStandard[] = {
     {0b10, "National standard"},
     {0b11, "Standard defined for the network (either public or private) present on the network side of the interface"},
 };
-constexpr CodedField kCallStateCodingStandardField{"Coding standard", 8, 7, kCallStateCodingStandard};
+constexpr CodedField kCallStateCodingStandardField = Coded<"Coding standard", 8, 7, kCallStateCodingStandard>;
 
-constexpr ValueText kCallStateValue[] = {
-    {0b000000, "U0-Null, N0-Null, REST0-Null"},
+// The same six bits carry the global interface state of the restart
+// procedures; the field is named after what the value stands for, so each
+// name has the values that bear it.
+constexpr ValueText kNullState[] = {{0b000000, "U0-Null, N0-Null, REST0-Null"}};
+constexpr ValueText kCallStates[] = {
     {0b000001, "U1-Call initiated, N1-Call initiated"},
     {0b000010, "U2-Overlap sending, N2-Overlap sending"},
     {0b000011, "U3-Outgoing call proceeding, N3-Outgoing call proceeding"},
@@ -36,25 +39,24 @@ constexpr ValueText kCallStateValue[] = {
     {0b010011, "U19-Release request, N19-Release request"},
     {0b010110, "N22-Call abort"},
     {0b011001, "U25-Overlap receiving, N25-Overlap receiving"},
+};
+constexpr ValueText kGlobalInterfaceStates[] = {
     {0b111101, "REST1-Restart request"},
     {0b111110, "REST2-Restart"},
 };
-
-// The same six bits carry the global interface state of the restart
-// procedures; the field is named after what the value stands for.
-constexpr ValueText kCallStateFieldName[] = {
-    {0b000000, "Call state value / global interface state value"},
-    {0b111101, "Global interface state value"},
-    {0b111110, "Global interface state value"},
+// At most one of them names a value.
+constexpr CodedField kCallStateValueFields[] = {
+    Coded<"Call state value / global interface state value", 6, 1, kNullState>,
+    Coded<"Call state value", 6, 1, kCallStates>,
+    Coded<"Global interface state value", 6, 1, kGlobalInterfaceStates>,
 };
-constexpr CodedField kCallStateValueField{"Call state value", 6, 1, kCallStateValue};
 
 constexpr ValueText kRestartClass[] = {
     {0b000, "Indicated channels"},
     {0b110, "Single interface"},
     {0b111, "All interfaces"},
 };
-constexpr CodedField kRestartClassField{"Class", 3, 1, kRestartClass};
+constexpr CodedField kRestartClassField = Coded<"Class", 3, 1, kRestartClass>;
 
 }  // namespace
 
@@ -68,9 +70,7 @@ void DecodeCallState(OutputWriter& out, const ElementOctets& element) {
   if (!octet3) return;
 
   PrintField(out, kCallStateCodingStandardField, *octet3);
-  CodedField stateField = kCallStateValueField;
-  if (const ValueText* named = FindRow(kCallStateFieldName, stateField.ValueIn(*octet3))) stateField.name = named->text;
-  PrintField(out, stateField, *octet3);
+  PrintFields(out, *octet3, kCallStateValueFields);
 }
 
 void DecodeRestartIndicator(OutputWriter& out, const ElementOctets& element) {

@@ -2,7 +2,7 @@
 // value; the diagnostic octets go to the coding the cause value selects.
 #include "cause.h"
 
-#include <algorithm>
+#include <array>
 #include <optional>
 
 #include "element_registry.h"
@@ -19,7 +19,7 @@ constexpr ValueText kCauseCodingStandard[] = {
     {0b10, "National standard"},
     {0b11, "Standard specific to identified location"},
 };
-constexpr CodedField kCauseCodingStandardField{"Coding standard", 7, 6, kCauseCodingStandard};
+constexpr CodedField kCauseCodingStandardField = Coded<"Coding standard", 7, 6, kCauseCodingStandard>;
 
 // 0110, 1000, 1001 and 1011 have no meaning here; 1100 to 1111 are national.
 constexpr ValueText kLocations[] = {
@@ -32,7 +32,7 @@ constexpr ValueText kLocations[] = {
     {0b0111, "international network (INTL)"},
     {0b1010, "network beyond interworking point (BI)"},
 };
-constexpr CodedField kLocationField{"Location", 4, 1, kLocations};
+constexpr CodedField kLocationField = Coded<"Location", 4, 1, kLocations>;
 constexpr unsigned kFirstNationalLocation = 0b1100;
 
 constexpr ValueText kRecommendations[] = {
@@ -41,7 +41,7 @@ constexpr ValueText kRecommendations[] = {
     {0b0000100, "X.25"},
     {0b0000101, "public land mobile networks, Q.1031/Q.1051"},
 };
-constexpr CodedField kRecommendationField{"Recommendation", 7, 1, kRecommendations};
+constexpr CodedField kRecommendationField = Coded<"Recommendation", 7, 1, kRecommendations>;
 
 constexpr ValueText kCauseClasses[] = {
     {0b000, "normal event"},
@@ -53,7 +53,7 @@ constexpr ValueText kCauseClasses[] = {
     {0b110, "protocol error"},
     {0b111, "interworking"},
 };
-constexpr CodedField kCauseClassField{"Cause Class", 7, 5, kCauseClasses};
+constexpr CodedField kCauseClassField = Coded<"Cause Class", 7, 5, kCauseClasses>;
 
 // Keyed by the whole 7-bit cause value (class in bits 7-5, value in bits 4-1),
 // the way Q.931 numbers its causes; the value line shows bits 4-1 only.
@@ -137,6 +137,9 @@ constexpr ValueText kCauseValues[] = {
     {0x7F, "Interworking, unspecified"},
 };
 
+// The value line shows bits 4-1 of the cause, its meaning all seven.
+constexpr CodedField kCauseValueField = Coded<"Cause Value", 7, 1, kCauseValues, 4>;
+
 // The diagnostic coding each cause value announces; every other value,
 // and every value without a line above, carries no decodable diagnostics.
 struct CauseDiagnosticRow {
@@ -169,10 +172,13 @@ constexpr CauseDiagnosticRow kCauseDiagnostics[] = {
     {0x6E, CauseDiagnosticKind::ParameterName},
 };
 
-constexpr CauseDiagnosticKind DiagnosticKindOf(unsigned cause) {
-  const auto* row = std::ranges::find(kCauseDiagnostics, cause, &CauseDiagnosticRow::cause);
-  return row != std::ranges::end(kCauseDiagnostics) ? row->kind : CauseDiagnosticKind::None;
-}
+// The rows above by cause value.
+constexpr std::array<CauseDiagnosticKind, 128> kDiagnosticKinds = [] {
+  std::array<CauseDiagnosticKind, 128> kinds{};
+  kinds.fill(CauseDiagnosticKind::None);
+  for (const CauseDiagnosticRow& row : kCauseDiagnostics) kinds[row.cause] = row.kind;
+  return kinds;
+}();
 
 // Octet 4 stands behind octet 3a when octet 3's extension bit announces
 // 3a; 3a's own extension bit is not looked at.
@@ -211,11 +217,9 @@ void DecodeCause(OutputWriter& out, const ElementOctets& element) {
   const std::optional<Octet> octet4 = element.At(octet4Position);
   if (!octet4) return;
   PrintField(out, kCauseClassField, *octet4);
-  // The value line shows bits 4-1 of the cause, its meaning all seven.
-  const unsigned cause = FieldBits(*octet4, 7, 1);
-  const ValueText* value = FindRow(kCauseValues, cause);
-  if (value != nullptr) PrintCodedValue(out, "Cause Value", cause, 4, value->text);
-  const CauseDiagnosticKind kind = value != nullptr ? DiagnosticKindOf(cause) : CauseDiagnosticKind::None;
+  const bool named = PrintField(out, kCauseValueField, *octet4);
+  const CauseDiagnosticKind kind =
+      named ? kDiagnosticKinds[kCauseValueField.ValueIn(*octet4)] : CauseDiagnosticKind::None;
 
   // Diagnostics only when their first octet lies inside the element and the frame.
   const OctetSpan diagnostics = element.Slice(octet4Position + 1);

@@ -18,9 +18,9 @@ constexpr ValueText kServiceSides[] = {{0, "Network service - Provider"}, {1, "N
 constexpr ValueText kNormality[] = {{0, "Normal"}, {1, "Abnormal"}};
 constexpr ValueText kPersistence[] = {{0b00, "Unknown"}, {0b01, "Permanent"}, {0b10, "Transient"}};
 constexpr CodedField kConditionFields[] = {
-    {"Bit 4", 4, 4, kServiceSides},
-    {"Bit 3", 3, 3, kNormality},
-    {"Bits 2-1", 2, 1, kPersistence},
+    Coded<"Bit 4", 4, 4, kServiceSides>,
+    Coded<"Bit 3", 3, 3, kNormality>,
+    Coded<"Bits 2-1", 2, 1, kPersistence>,
 };
 
 void DecodeCondition(OutputWriter& out, OctetSpan diagnostics) {
@@ -34,7 +34,7 @@ constexpr ValueText kCcbsIndicators[] = {
     {0x02, "CCBS not possible"},
     {0xFF, "Reserved for extension"},
 };
-constexpr CodedField kCcbsIndicatorField{"Bits 8-1", 8, 1, kCcbsIndicators};
+constexpr CodedField kCcbsIndicatorField = Coded<"Bits 8-1", 8, 1, kCcbsIndicators>;
 
 void DecodeCcbsIndicator(OutputWriter& out, OctetSpan diagnostics) {
   const Octet octet = diagnostics.front();
@@ -53,19 +53,19 @@ constexpr ValueText kRejectionReasons[] = {
     {kElementMissing, "information element missing"},
     {kContentsNotSufficient, "information element contents are not sufficient"},
 };
-constexpr CodedField kRejectionReasonField{"Rejection reason", 7, 3, kRejectionReasons};
+constexpr CodedField kRejectionReasonField = Coded<"Rejection reason", 7, 3, kRejectionReasons>;
 constexpr ValueText kRejectionConditions[] = {
     {0b00, "unknown"},
     {0b01, "permanent"},
     {0b10, "transient"},
     {0b11, "spare"},
 };
-constexpr CodedField kRejectionConditionField{"Condition", 2, 1, kRejectionConditions};
+constexpr CodedField kRejectionConditionField = Coded<"Condition", 2, 1, kRejectionConditions>;
 constexpr ValueText kElementTypes[] = {
     {0, "variable length information element"},
     {1, "fixed length information element"},
 };
-constexpr CodedField kElementTypeField{"Information element type", 8, 8, kElementTypes};
+constexpr CodedField kElementTypeField = Coded<"Information element type", 8, 8, kElementTypes>;
 
 void DecodeCallRejected(OutputWriter& out, OctetSpan diagnostics) {
   const Octet first = diagnostics.front();
@@ -90,7 +90,7 @@ void DecodeCallRejected(OutputWriter& out, OctetSpan diagnostics) {
 // The values read as Bearer capability's octets 3 to 7, with its tables.
 
 constexpr ValueText kLayers[] = {{0b01, "layer 1"}, {0b10, "layer 2"}, {0b11, "layer 3"}};
-constexpr CodedField kLayerField{"Layer identification", 7, 6, kLayers};
+constexpr CodedField kLayerField = Coded<"Layer identification", 7, 6, kLayers>;
 // The protocol field of each layer, indexed by the layer; layer 0 names nothing.
 constexpr CodedField kLayerProtocolFields[] = {
     {},
@@ -171,7 +171,7 @@ void DecodeAttributeIdentity(OutputWriter& out, OctetSpan diagnostics) {
 // --- Channel type (one octet, bits 4-1, Channel identification's table) ---
 
 void DecodeChannelType(OutputWriter& out, OctetSpan diagnostics) {
-  constexpr CodedField kChannelTypeField{"Channel type", 4, 1, kChannelType};
+  constexpr CodedField kChannelTypeField = Coded<"Channel type", 4, 1, kChannelType>;
   PrintField(out, kChannelTypeField, diagnostics.front(), kSub);
 }
 

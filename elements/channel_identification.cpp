@@ -15,23 +15,23 @@ constexpr ValueText kInterfaceIdentifierPresent[] = {
     {0, "Interface implicitly identified"},
     {1, "Interface explicitly identified in one or more octets, beginning with octet 3.1"},
 };
-constexpr CodedField kInterfaceIdentifierPresentField{"Interface identifier present", 7, 7,
-                                                      kInterfaceIdentifierPresent};
+constexpr CodedField kInterfaceIdentifierPresentField =
+    Coded<"Interface identifier present", 7, 7, kInterfaceIdentifierPresent>;
 constexpr ValueText kInterfaceType[] = {
     {0, "Basic interface"},
     {1, "Other interface"},
 };
-constexpr CodedField kInterfaceTypeField{"Interface type", 6, 6, kInterfaceType};
+constexpr CodedField kInterfaceTypeField = Coded<"Interface type", 6, 6, kInterfaceType>;
 constexpr ValueText kPreferredExclusive[] = {
     {0, "Indicated channel is preferred"},
     {1, "Exclusive; only the indicated channel is acceptable"},
 };
-constexpr CodedField kPreferredExclusiveField{"Preferred/Exclusive", 4, 4, kPreferredExclusive};
+constexpr CodedField kPreferredExclusiveField = Coded<"Preferred/Exclusive", 4, 4, kPreferredExclusive>;
 constexpr ValueText kDChannelIndicator[] = {
     {0, "The channel identified is not the D-channel"},
     {1, "The channel identified is the D-channel"},
 };
-constexpr CodedField kDChannelIndicatorField{"D-channel indicator", 3, 3, kDChannelIndicator};
+constexpr CodedField kDChannelIndicatorField = Coded<"D-channel indicator", 3, 3, kDChannelIndicator>;
 constexpr CodedField kOctet3Fields[] = {kInterfaceIdentifierPresentField, kInterfaceTypeField, kPreferredExclusiveField,
                                         kDChannelIndicatorField};
 // The channel selection, bits 2-1, worded by the interface type.
@@ -47,17 +47,17 @@ constexpr ValueText kOtherChannelSelection[] = {
     {0b10, "Reserved"},
     {0b11, "Any channel"},
 };
-constexpr CodedField kBasicChannelSelectionField{"Information channel selection", 2, 1, kBasicChannelSelection};
-constexpr CodedField kOtherChannelSelectionField = kBasicChannelSelectionField.With(kOtherChannelSelection);
+constexpr CodedField kBasicChannelSelectionField = Coded<"Information channel selection", 2, 1, kBasicChannelSelection>;
+constexpr CodedField kOtherChannelSelectionField = WithMeanings<kBasicChannelSelectionField, kOtherChannelSelection>;
 
 // Octet 3.2; its coding standard and channel type tables are shared.
 constexpr ValueText kNumberMap[] = {
     {0, "Channel is indicated by the number in the following octet"},
     {1, "Channel is indicated by the slot map (Map) in the following octet(s)"},
 };
-constexpr CodedField kNumberMapField{"Number/map", 5, 5, kNumberMap};
-constexpr CodedField kOctet32Fields[] = {
-    kCodingStandardField, {"Channel type/map element type", 4, 1, kChannelType}, kNumberMapField};
+constexpr CodedField kNumberMapField = Coded<"Number/map", 5, 5, kNumberMap>;
+constexpr CodedField kOctet32Fields[] = {kCodingStandardField,
+                                         Coded<"Channel type/map element type", 4, 1, kChannelType>, kNumberMapField};
 
 // The octets of an extended group starting at `first`: up to and including
 // the one whose extension bit is 1, or to the element's end if none is.

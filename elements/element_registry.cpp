@@ -7,12 +7,14 @@ std::size_t OccupiedOctets(const ElementEntry* entry, const ElementOctets& eleme
   return single ? 1 : element.Count();
 }
 
-std::size_t DecodeElement(OutputWriter& out, const ElementEntry* entry, const ElementOctets& element) {
+std::size_t DecodeElement(OutputWriter& out, const ElementEntry* entry, const ElementOctets& element,
+                          ElementPrefix prefix) {
+  const std::size_t skipped = prefix == ElementPrefix::Printed ? 0 : kElementPrefix.size();
   if (entry == nullptr) {
+    out.Put(kElementPrefix.substr(skipped));
     DecodeUnknownElement(out, element);
   } else {
-    out.Put(entry->name);
-    out.Put('\n');
+    out.PutPadded(entry->heading.View().substr(skipped));
     entry->decode(out, element);
   }
   return OccupiedOctets(entry, element);

@@ -12,6 +12,9 @@
 
 namespace velmora {
 
+// What a walk prints in front of every element's heading.
+inline constexpr std::string_view kElementPrefix = "\tInformation element:";
+
 struct ElementEntry {
   // Type 1 single-octet elements (Congestion level 1011xxxx, Repeat indicator
   // 1101xxxx) carry a value in bits 4-1; their identifier has those bits 0.
@@ -19,6 +22,11 @@ struct ElementEntry {
   std::string_view name;
   ElementDecoder decode;
   ElementForm form;
+  // The heading line as a walk prints it: kElementPrefix, the name, "\n".
+  PaddedText<64> heading;
+
+  constexpr ElementEntry(Octet identifier, std::string_view name, ElementDecoder decode, ElementForm form)
+      : identifier(identifier), name(name), decode(decode), form(form), heading{kElementPrefix, name, "\n"} {}
 };
 
 // The decoders, by source file: bearer_capability, low_layer_compatibility,
@@ -114,7 +122,10 @@ constexpr const ElementEntry* FindElement(Octet identifier) {
 std::size_t OccupiedOctets(const ElementEntry* entry, const ElementOctets& element);
 
 // "<name>\n" and the element's field lines, or for null the unknown-element
-// dump. Returns the octets the element occupies.
-std::size_t DecodeElement(OutputWriter& out, const ElementEntry* entry, const ElementOctets& element);
+// dump; behind kElementPrefix when `prefix` is ElementPrefix::Printed, as a
+// walk shows the element. Returns the octets the element occupies.
+enum class ElementPrefix { Left, Printed };
+std::size_t DecodeElement(OutputWriter& out, const ElementEntry* entry, const ElementOctets& element,
+                          ElementPrefix prefix = ElementPrefix::Left);
 
 }  // namespace velmora

@@ -21,9 +21,9 @@ constexpr ValueText kPresentationMethod[] = {
     {0b01, "High layer protocol profile (without specification of attributes)"},
 };
 constexpr CodedField kOctet3[] = {
-    {"Coding standard", 7, 6, kCodingStandard},
-    {"Interpretation", 5, 3, kInterpretation},
-    {"Presentation method of protocol profile", 2, 1, kPresentationMethod},
+    Coded<"Coding standard", 7, 6, kCodingStandard>,
+    Coded<"Interpretation", 5, 3, kInterpretation>,
+    Coded<"Presentation method of protocol profile", 2, 1, kPresentationMethod>,
 };
 
 constexpr ValueText kHighLayerCharacteristics[] = {
@@ -48,8 +48,8 @@ constexpr ValueText kHighLayerCharacteristics[] = {
      "optionally 2a1, 2a3, 2b1, 2b2, and 2bc)"},
     {0b1101000, "Multimedia services F.700-series Recommendations [80]"},
 };
-constexpr CodedField kCharacteristicsField{"High layer characteristics identification", 7, 1,
-                                           kHighLayerCharacteristics};
+constexpr CodedField kCharacteristicsField =
+    Coded<"High layer characteristics identification", 7, 1, kHighLayerCharacteristics>;
 constexpr unsigned kMaintenance = 0b1011110;
 constexpr unsigned kManagement = 0b1011111;
 
@@ -87,9 +87,9 @@ bool IsReservedAudiovisual(unsigned characteristics) {
 // has no settled meaning and is not shown.
 CodedField Octet4aFieldAfter(unsigned characteristics) {
   if (characteristics == kMaintenance || characteristics == kManagement)
-    return {"Extended high layer characteristics identification", 7, 1, kExtendedHighLayerCharacteristics};
+    return Coded<"Extended high layer characteristics identification", 7, 1, kExtendedHighLayerCharacteristics>;
   if (IsReservedAudiovisual(characteristics))
-    return {"Extended audiovisual characteristics identification", 7, 1, kExtendedAudiovisualCharacteristics};
+    return Coded<"Extended audiovisual characteristics identification", 7, 1, kExtendedAudiovisualCharacteristics>;
   return {};
 }
 

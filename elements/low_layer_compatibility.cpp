@@ -45,8 +45,8 @@ constexpr ValueText kQ933Use[] = {
 };
 // Octet 6a after HDLC ARM, NRM or ABM; bits 5-3 are not looked at.
 constexpr CodedField kOctet6aHdlc[] = {
-    {"Mode of operation", 7, 6, kHdlcModeOfOperation},
-    {"Q.933 use", 2, 1, kQ933Use},
+    Coded<"Mode of operation", 7, 6, kHdlcModeOfOperation>,
+    Coded<"Q.933 use", 2, 1, kQ933Use>,
 };
 
 constexpr ValueText kLayer3Protocol[] = {
@@ -67,14 +67,14 @@ constexpr ValueText kX25ModeOfOperation[] = {
     {0b01, "Normal packet sequence numbering"},
     {0b10, "Extended packet sequence numbering"},
 };
-constexpr CodedField kX25ModeOfOperationField{"Mode of operation", 7, 6, kX25ModeOfOperation};
+constexpr CodedField kX25ModeOfOperationField = Coded<"Mode of operation", 7, 6, kX25ModeOfOperation>;
 
 constexpr ValueText kDefaultPacketSize[] = {
     {0b0100, "16 octets"},   {0b0101, "32 octets"},   {0b0110, "64 octets"},
     {0b0111, "128 octets"},  {0b1000, "256 octets"},  {0b1001, "512 octets"},
     {0b1010, "1024 octets"}, {0b1011, "2048 octets"}, {0b1100, "4096 octets"},
 };
-constexpr CodedField kDefaultPacketSizeField{"Default packet size", 4, 1, kDefaultPacketSize};
+constexpr CodedField kDefaultPacketSizeField = Coded<"Default packet size", 4, 1, kDefaultPacketSize>;
 
 // HDLC ARM, NRM and ABM carry octets 6a and 6b.
 bool IsHdlc(unsigned layer2Protocol) { return layer2Protocol >= 0b01001 && layer2Protocol <= 0b01011; }
@@ -84,7 +84,7 @@ bool IsX25Family(unsigned layer3Protocol) { return layer3Protocol >= 0b00110 && 
 
 // Octet 6, then 6a in its HDLC or user-specified form and 6b for HDLC.
 void DecodeLayer2Group(OutputWriter& out, Octet octet6, OctetReader& octets) {
-  constexpr CodedField kProtocolField = kBearerLayer2ProtocolField.With(kLayer2Protocol);
+  constexpr CodedField kProtocolField = WithMeanings<kBearerLayer2ProtocolField, kLayer2Protocol>;
   const unsigned protocol = kProtocolField.ValueIn(octet6);
   PrintField(out, kProtocolField, octet6);
   bool more = AnnouncesMore(octet6);
@@ -108,7 +108,7 @@ void DecodeLayer2Group(OutputWriter& out, Octet octet6, OctetReader& octets) {
 // Octet 7, then 7a (user specified), 7a to 7c (X.25 family) or 7a and 7b
 // (ISO/IEC TR 9577), each only when bit 8 of octet 7 announces them.
 void DecodeLayer3Group(OutputWriter& out, Octet octet7, OctetReader& octets) {
-  constexpr CodedField kProtocolField = kBearerLayer3ProtocolField.With(kLayer3Protocol);
+  constexpr CodedField kProtocolField = WithMeanings<kBearerLayer3ProtocolField, kLayer3Protocol>;
   const unsigned protocol = kProtocolField.ValueIn(octet7);
   PrintField(out, kProtocolField, octet7);
   if (!AnnouncesMore(octet7)) return;
@@ -132,8 +132,8 @@ void DecodeLayer3Group(OutputWriter& out, Octet octet7, OctetReader& octets) {
 }
 
 constexpr capability::CapabilityVariant kLowLayerCompatibility = {
-    .negotiationIndicator = {"Negotiation indicator", 7, 7, kNegotiationIndicator},
-    .transferMode = kBearerTransferModeField.With(kTransferMode),
+    .negotiationIndicator = Coded<"Negotiation indicator", 7, 7, kNegotiationIndicator>,
+    .transferMode = WithMeanings<kBearerTransferModeField, kTransferMode>,
     .userRate = capability::kUserRateField,
     .layer2Group = DecodeLayer2Group,
     .layer3Group = DecodeLayer3Group,

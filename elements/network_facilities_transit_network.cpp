@@ -13,8 +13,8 @@ constexpr ValueText kNetworkIdentificationType[] = {
     {0b010, "National network identification"},
     {0b011, "International network identification"},
 };
-constexpr CodedField kNetworkIdentificationTypeField{"Type of network identification", 7, 5,
-                                                     kNetworkIdentificationType};
+constexpr CodedField kNetworkIdentificationTypeField =
+    Coded<"Type of network identification", 7, 5, kNetworkIdentificationType>;
 
 // The two elements word the data network plan differently.
 constexpr ValueText kFacilitiesIdentificationPlan[] = {
@@ -27,8 +27,8 @@ constexpr ValueText kTransitIdentificationPlan[] = {
     {0b0001, "Carrier Identification Code"},
     {0b0011, "Data network identification code (Recommendation X.121 [21])"},
 };
-constexpr CodedField kFacilitiesPlanField{"Network identification plan", 4, 1, kFacilitiesIdentificationPlan};
-constexpr CodedField kTransitPlanField = kFacilitiesPlanField.With(kTransitIdentificationPlan);
+constexpr CodedField kFacilitiesPlanField = Coded<"Network identification plan", 4, 1, kFacilitiesIdentificationPlan>;
+constexpr CodedField kTransitPlanField = WithMeanings<kFacilitiesPlanField, kTransitIdentificationPlan>;
 
 void PrintNetworkIdentification(OutputWriter& out, Octet octet, const CodedField& plan) {
   PrintField(out, kNetworkIdentificationTypeField, octet);

@@ -20,10 +20,10 @@ constexpr ValueText kInformationRate[] = {
 
 // Octets 3 to 6 of Information rate, in order.
 constexpr CodedField kRateFields[] = {
-    {"Incoming information rate", 5, 1, kInformationRate},
-    {"Outgoing information rate", 5, 1, kInformationRate},
-    {"Minimum incoming information rate", 5, 1, kInformationRate},
-    {"Minimum outgoing information rate", 5, 1, kInformationRate},
+    Coded<"Incoming information rate", 5, 1, kInformationRate>,
+    Coded<"Outgoing information rate", 5, 1, kInformationRate>,
+    Coded<"Minimum incoming information rate", 5, 1, kInformationRate>,
+    Coded<"Minimum outgoing information rate", 5, 1, kInformationRate>,
 };
 
 // A 16-bit delay value spread over three octets (2 + 7 + 7 bits), the
@@ -65,22 +65,23 @@ constexpr ValueText kModulus[] = {
 };
 // Octet 3 of Packet layer binary parameters.
 constexpr CodedField kBinaryParameterFields[] = {
-    {"Fast select", 5, 4, kFastSelect},
-    {"Expedited data", 3, 3, kExpeditedData},
-    {"Delivery confirmation", 2, 2, kDeliveryConfirmation},
-    {"Modulus", 1, 1, kModulus},
+    Coded<"Fast select", 5, 4, kFastSelect>,
+    Coded<"Expedited data", 3, 3, kExpeditedData>,
+    Coded<"Delivery confirmation", 2, 2, kDeliveryConfirmation>,
+    Coded<"Modulus", 1, 1, kModulus>,
 };
 
 constexpr ValueText kCugIndication[] = {
     {0b001, "Closed user group selection"},
     {0b010, "Closed user group with outgoing access selection and indication"},
 };
-constexpr CodedField kCugIndicationField{"CUG indication", 3, 1, kCugIndication};
+constexpr CodedField kCugIndicationField = Coded<"CUG indication", 3, 1, kCugIndication>;
 
 constexpr ValueText kReverseChargingIndication[] = {
     {0b001, "Reverse charging requested"},
 };
-constexpr CodedField kReverseChargingIndicationField{"Reverse charging indication", 3, 1, kReverseChargingIndication};
+constexpr CodedField kReverseChargingIndicationField =
+    Coded<"Reverse charging indication", 3, 1, kReverseChargingIndication>;
 
 // Whether the element has contents to decode: L of 0, or a frame that ends
 // at the length octet, leaves the heading alone.

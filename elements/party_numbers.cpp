@@ -31,8 +31,8 @@ constexpr ValueText kNumberingPlan[] = {
     {0b1111, "Reserved for extension"},
 };
 constexpr CodedField kNumberOctet3Fields[] = {
-    {"Type of number", 7, 5, kTypeOfNumber},
-    {"Numbering plan identification", 4, 1, kNumberingPlan},
+    Coded<"Type of number", 7, 5, kTypeOfNumber>,
+    Coded<"Numbering plan identification", 4, 1, kNumberingPlan>,
 };
 
 constexpr ValueText kPresentationIndicator[] = {
@@ -50,8 +50,8 @@ constexpr ValueText kScreeningIndicator[] = {
 };
 // Octet 3a of the calling party and redirecting numbers.
 constexpr CodedField kNumberOctet3aFields[] = {
-    {"Presentation indicator", 7, 6, kPresentationIndicator},
-    {"Screening indicator", 2, 1, kScreeningIndicator},
+    Coded<"Presentation indicator", 7, 6, kPresentationIndicator>,
+    Coded<"Screening indicator", 2, 1, kScreeningIndicator>,
 };
 
 constexpr ValueText kReasonForRedirection[] = {
@@ -63,7 +63,7 @@ constexpr ValueText kReasonForRedirection[] = {
     {0b1010, "Call forwarding by the called DTE"},
     {0b1111, "Call forwarding unconditional or systematic call redirection"},
 };
-constexpr CodedField kReasonForRedirectionField{"Reason for redirection", 4, 1, kReasonForRedirection};
+constexpr CodedField kReasonForRedirectionField = Coded<"Reason for redirection", 4, 1, kReasonForRedirection>;
 
 constexpr ValueText kTypeOfSubaddress[] = {
     {0b000, "NSAP (ITU-T Rec. X.213 [23] and ISO/IEC 8348 Add.2 [24])"},
@@ -75,8 +75,8 @@ constexpr ValueText kOddEvenIndicator[] = {
     {1, "Odd number of address signals"},
 };
 constexpr CodedField kSubaddressOctet3Fields[] = {
-    {"Type of subaddress", 7, 5, kTypeOfSubaddress},
-    {"Odd/even indicator", 4, 4, kOddEvenIndicator},
+    Coded<"Type of subaddress", 7, 5, kTypeOfSubaddress>,
+    Coded<"Odd/even indicator", 4, 4, kOddEvenIndicator>,
 };
 
 // How one number element departs from the common octet 3 / digits shape.

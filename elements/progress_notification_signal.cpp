@@ -17,7 +17,7 @@ constexpr ValueText kLocation[] = {
     {0b0101, "Private network serving the remote user"},
     {0b1010, "Network beyond the interworking point"},
 };
-constexpr CodedField kProgressOctet3Fields[] = {kCodingStandardField, {"Location", 4, 1, kLocation}};
+constexpr CodedField kProgressOctet3Fields[] = {kCodingStandardField, Coded<"Location", 4, 1, kLocation>};
 
 // Progress indicator octet 4.
 constexpr ValueText kProgressDescription[] = {
@@ -28,14 +28,14 @@ constexpr ValueText kProgressDescription[] = {
     {0b0000101, "Interworking has occurred and has resulted in a telecommunication service change"},
     {0b0001000, "In-band information or an appropriate pattern is now available"},
 };
-constexpr CodedField kProgressDescriptionField{"Progress description", 7, 1, kProgressDescription};
+constexpr CodedField kProgressDescriptionField = Coded<"Progress description", 7, 1, kProgressDescription>;
 
 constexpr ValueText kNotificationDescription[] = {
     {0b0000000, "User suspended"},
     {0b0000001, "User resumed"},
     {0b0000010, "Bearer service change"},
 };
-constexpr CodedField kNotificationDescriptionField{"Notification description", 7, 1, kNotificationDescription};
+constexpr CodedField kNotificationDescriptionField = Coded<"Notification description", 7, 1, kNotificationDescription>;
 
 constexpr ValueText kSignalValue[] = {
     {0x00, "Dial tone on"},
@@ -60,7 +60,7 @@ constexpr ValueText kSignalValue[] = {
     {0x4F, "Alerting off"},
 };
 // The signal value takes the whole octet: bit 8 is part of the value.
-constexpr CodedField kSignalValueField{"Signal value", 8, 1, kSignalValue};
+constexpr CodedField kSignalValueField = Coded<"Signal value", 8, 1, kSignalValue>;
 
 }  // namespace
 

@@ -10,13 +10,13 @@ namespace {
 constexpr ValueText kRepeatIndication[] = {
     {0b0010, "Prioritized list for selecting one possibility"},
 };
-constexpr CodedField kRepeatIndicationField{"Repeat indication", 4, 1, kRepeatIndication};
+constexpr CodedField kRepeatIndicationField = Coded<"Repeat indication", 4, 1, kRepeatIndication>;
 
 constexpr ValueText kCongestionLevel[] = {
     {0b0000, "Receiver ready"},
     {0b1111, "Receiver not ready"},
 };
-constexpr CodedField kCongestionLevelField{"Congestion level", 4, 1, kCongestionLevel};
+constexpr CodedField kCongestionLevelField = Coded<"Congestion level", 4, 1, kCongestionLevel>;
 
 }  // namespace
 

@@ -16,7 +16,7 @@ constexpr ValueText kProtocolDiscriminator[] = {
     {0x07, "Recommendation V.120 [9] rate adaption"},
     {0x08, "Q.931/I.451 user-network call control messages"},
 };
-constexpr CodedField kProtocolDiscriminatorField{"Protocol discriminator", 8, 1, kProtocolDiscriminator};
+constexpr CodedField kProtocolDiscriminatorField = Coded<"Protocol discriminator", 8, 1, kProtocolDiscriminator>;
 
 // Discriminators named by range rather than one by one; these lines show
 // the octet as "0x%x" instead of its bits.

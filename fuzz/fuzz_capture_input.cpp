@@ -62,7 +62,8 @@ Reading ReadThroughFormat(std::string_view bytes, bool asPipe) {
     Require(!opened.refusal.empty(), "a refusal says why");
     reading.refused = true;
   } else {
-    while (const auto piece = opened.source->Next()) reading.pieces.emplace_back(*piece);
+    while (const auto pieces = opened.source->NextPieces())
+      velmora::ForEachPiece(*pieces, [&reading](std::string_view piece) { reading.pieces.emplace_back(piece); });
     reading.fault = opened.source->Fault();
     reading.faultText = opened.source->FaultText();
     Require(opened.source->Error() == 0, "a memory file does not fail to read");

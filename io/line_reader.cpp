@@ -5,46 +5,71 @@
 #include <algorithm>
 #include <cerrno>
 #include <cstring>
+#include <memory>
 
 namespace velmora {
 
-LineReader::LineReader(int fd, std::size_t blockSize)
-    : fd_(fd), blockSize_(blockSize < kMaxPiece ? kMaxPiece : blockSize), buffer_(new char[blockSize_ + kMaxPiece]) {}
+LineReader::LineReader(int fd, std::size_t blockSize, SourceReads reads)
+    : fd_(fd), blockSize_(blockSize < kMaxPiece ? kMaxPiece : blockSize) {
+  buffers_[0].reset(new char[kMaxPiece + blockSize_]);
+  if (reads == SourceReads::Ahead) {
+    buffers_[1].reset(new char[kMaxPiece + blockSize_]);
+    ahead_ = std::make_unique<IoThread>();
+    ahead_->Start([this] { aheadResult_ = ReadBlock(Buffer(1) + kMaxPiece); });
+  }
+}
+
+LineReader::~LineReader() = default;
 
 void LineReader::Preload(std::string_view bytes) {
-  const std::size_t size = std::min(bytes.size(), blockSize_ + kMaxPiece - end_);
-  std::memcpy(buffer_.get() + end_, bytes.data(), size);
-  end_ += size;
+  // They stand where the unread rest of a block waits for the next read.
+  const std::size_t size = std::min(bytes.size(), kMaxPiece - 1);
+  std::memcpy(Buffer(current_) + kMaxPiece - size, bytes.data(), size);
+  begin_ = kMaxPiece - size;
   bytesRead_ += size;
 }
 
-// Moves the unread rest to the front and reads more behind it.
-bool LineReader::Refill() {
-  if (atEnd_) return false;
-  if (begin_ > 0) {
-    std::memmove(buffer_.get(), buffer_.get() + begin_, end_ - begin_);
-    end_ -= begin_;
-    begin_ = 0;
-  }
-  if (beforeRead_) beforeRead_();
+LineReader::ReadResult LineReader::ReadBlock(char* into) const {
   for (;;) {
-    const ssize_t got = ::read(fd_, buffer_.get() + end_, blockSize_ + kMaxPiece - end_);
-    if (got > 0) {
-      end_ += static_cast<std::size_t>(got);
-      bytesRead_ += static_cast<std::uint64_t>(got);
-      return true;
-    }
-    if (got < 0 && errno == EINTR) continue;
-    if (got < 0) error_ = errno;
-    atEnd_ = true;
-    return false;
+    const ssize_t got = ::read(fd_, into, blockSize_);
+    if (got >= 0) return {static_cast<std::size_t>(got), 0};
+    if (errno != EINTR) return {0, errno};
   }
 }
 
-std::optional<std::string_view> LineReader::Next() {
+bool LineReader::Refill() {
+  if (atEnd_) return false;
+  if (beforeRead_) beforeRead_();
+  // The block read lands behind the room for the rest; reading ahead, in
+  // the other buffer, which the thread may be filling still.
+  const int next = ahead_ != nullptr ? 1 - current_ : current_;
+  const std::size_t rest = end_ - begin_;
+  ReadResult got;
+  if (ahead_ != nullptr) {
+    ahead_->Wait();
+    got = aheadResult_;
+  }
+  std::memmove(Buffer(next) + kMaxPiece - rest, Buffer(current_) + begin_, rest);
+  current_ = next;
+  begin_ = kMaxPiece - rest;
+  end_ = kMaxPiece;
+  if (ahead_ == nullptr) got = ReadBlock(Buffer(current_) + kMaxPiece);
+  if (got.size == 0) {
+    error_ = got.error;
+    atEnd_ = true;
+    return false;
+  }
+  end_ += got.size;
+  bytesRead_ += got.size;
+  if (ahead_ != nullptr)
+    ahead_->Start([this, into = Buffer(1 - current_) + kMaxPiece] { aheadResult_ = ReadBlock(into); });
+  return true;
+}
+
+std::optional<std::string_view> LineReader::NextPieces() {
   for (;;) {
-    const std::string_view unread(buffer_.get() + begin_, end_ - begin_);
-    if (const std::size_t size = FirstPieceLength(unread, !atEnd_); size > 0) {
+    const std::string_view unread(Buffer(current_) + begin_, end_ - begin_);
+    if (const std::size_t size = WholePiecesLength(unread, !atEnd_); size > 0) {
       begin_ += size;
       return unread.substr(0, size);
     }

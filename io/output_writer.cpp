@@ -26,28 +26,65 @@ bool StringSink::Write(const char* data, std::size_t size, int& /*error*/) {
   return true;
 }
 
-OutputWriter::OutputWriter(ByteSink& sink, std::size_t capacity)
-    : sink_(sink), buffer_(new char[capacity < 64 ? 64 : capacity]), capacity_(capacity < 64 ? 64 : capacity) {}
+namespace {
+
+std::size_t UsableCapacity(std::size_t capacity) { return capacity < 64 ? 64 : capacity; }
+
+}  // namespace
+
+OutputWriter::OutputWriter(ByteSink& sink, std::size_t capacity, SinkWrites writes)
+    : sink_(sink), buffer_(new char[UsableCapacity(capacity)]), capacity_(UsableCapacity(capacity)) {
+  if (writes == SinkWrites::Behind) {
+    spare_.reset(new char[capacity_]);
+    behind_ = std::make_unique<IoThread>();
+  }
+}
 
 OutputWriter::~OutputWriter() { Flush(); }
 
-void OutputWriter::Flush() {
+void OutputWriter::WriteToSink(const char* data, std::size_t size, int& error) {
+  if (error == 0 && !sink_.Write(data, size, error) && error == 0) error = EIO;
+}
+
+void OutputWriter::WaitForWriteBehind() {
+  behind_->Wait();
+  if (error_ == 0) error_ = behindError_;
+}
+
+void OutputWriter::Spill() {
   if (used_ == 0) return;
-  if (error_ == 0 && !sink_.Write(buffer_.get(), used_, error_) && error_ == 0) error_ = EIO;
+  if (behind_ != nullptr) {
+    // The spare buffer is free once its block is written.
+    WaitForWriteBehind();
+    if (error_ == 0) {
+      behind_->Start([this, block = buffer_.get(), size = used_] { WriteToSink(block, size, behindError_); });
+      std::swap(buffer_, spare_);
+    }
+  } else if (error_ == 0 && sink_.Keep(buffer_, used_)) {
+    if (buffer_ == nullptr) buffer_.reset(new char[capacity_]);
+  } else {
+    WriteToSink(buffer_.get(), used_, error_);
+  }
   flushed_ += used_;
   used_ = 0;
 }
 
+void OutputWriter::Flush() {
+  Spill();
+  if (behind_ != nullptr) WaitForWriteBehind();
+}
+
+void OutputWriter::PutBlock(std::string_view block) {
+  Flush();
+  WriteToSink(block.data(), block.size(), error_);
+  flushed_ += block.size();
+}
+
 void OutputWriter::PutSlow(std::string_view text) {
   // A block larger than the buffer goes to the sink as it is, uncopied.
-  if (text.size() >= capacity_) {
-    Flush();
-    if (error_ == 0 && !sink_.Write(text.data(), text.size(), error_) && error_ == 0) error_ = EIO;
-    flushed_ += text.size();
-    return;
-  }
+  if (text.size() >= capacity_) return PutBlock(text);
   while (!text.empty()) {
-    if (used_ == capacity_) Flush();
+    if (used_ == capacity_) Spill();
     const std::size_t chunk = std::min(text.size(), capacity_ - used_);
     std::memcpy(buffer_.get() + used_, text.data(), chunk);
     used_ += chunk;
@@ -55,7 +92,7 @@ void OutputWriter::PutSlow(std::string_view text) {
   }
 }
 
-void OutputWriter::Hex(std::uint32_t value) {
+void OutputWriter::HexSlow(std::uint32_t value) {
   static constexpr char kDigits[] = "0123456789abcdef";
   Reserve(10);
   char* out = buffer_.get() + used_;
@@ -84,7 +121,7 @@ void OutputWriter::Decimal(std::int64_t value) {
   while (count > 0) buffer_[used_++] = digits[--count];
 }
 
-void OutputWriter::Bits(std::uint32_t value, unsigned width) {
+void OutputWriter::BitsSlow(std::uint32_t value, unsigned width) {
   Reserve(width);
   for (unsigned bit = width; bit > 0; --bit) buffer_[used_++] = ((value >> (bit - 1)) & 1U) ? '1' : '0';
 }

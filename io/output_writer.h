@@ -1,21 +1,30 @@
 #pragma once
 // The one buffered writer the decoders print to: an append-only buffer with fast
 // paths for constant text and small numbers, handed to its sink in large blocks.
+#include <array>
 #include <cstddef>
 #include <cstdint>
 #include <cstring>
+#include <initializer_list>
 #include <memory>
 #include <string>
 #include <string_view>
 
+#include "io_thread.h"
+
 namespace velmora {
 
-// Where flushed blocks go: a file descriptor, a string (tests, parallel chunks).
+// Where flushed blocks go: a file descriptor, a string (tests), the blocks
+// of a parallel run's chunk.
 class ByteSink {
  public:
   virtual ~ByteSink() = default;
   // Writes all of the block; false (with errno-style code in error) when it cannot.
   virtual bool Write(const char* data, std::size_t size, int& error) = 0;
+  // A sink that keeps blocks rather than writing them on may take a full
+  // buffer itself instead of a copy: it returns true and leaves in `buffer`
+  // one to fill next, or null for the writer to allocate.
+  virtual bool Keep(std::unique_ptr<char[]>& /*buffer*/, std::size_t /*size*/) { return false; }
 };
 
 class FdSink final : public ByteSink {
@@ -36,11 +45,71 @@ class StringSink final : public ByteSink {
   std::string& target_;
 };
 
+namespace writer_tables {
+
+// " 0x%x" of an octet, at the start of a slot wide enough to be copied whole
+// from its first or second character, and its length.
+struct OctetHexText {
+  std::array<char, 15> text{};
+  std::uint8_t size = 0;
+};
+inline constexpr std::array<OctetHexText, 256> kOctetHex = [] {
+  constexpr std::string_view kDigits = "0123456789abcdef";
+  std::array<OctetHexText, 256> table{};
+  for (unsigned octet = 0; octet < 256; ++octet) {
+    OctetHexText& hex = table[octet];
+    for (const char c : std::string_view(" 0x")) hex.text[hex.size++] = c;
+    if (octet >= 16) hex.text[hex.size++] = kDigits[octet >> 4];
+    hex.text[hex.size++] = kDigits[octet & 0xF];
+  }
+  return table;
+}();
+
+// The eight binary digits of an octet, most significant first.
+inline constexpr std::array<std::array<char, 8>, 256> kOctetBits = [] {
+  std::array<std::array<char, 8>, 256> table{};
+  for (unsigned octet = 0; octet < 256; ++octet)
+    for (unsigned bit = 0; bit < 8; ++bit) table[octet][bit] = ((octet >> (7 - bit)) & 1U) ? '1' : '0';
+  return table;
+}();
+
+}  // namespace writer_tables
+
+// Whether the sink's writes wait for the decoding (Inline) or run on a
+// thread of their own while the next block fills (Behind).
+enum class SinkWrites { Inline, Behind };
+
+// A short text joined from pieces at compile time and stored with the room
+// behind it that OutputWriter::PutPadded may read: a heading, a name line,
+// constant lines printed together.
+template <std::size_t Capacity>
+class PaddedText {
+ public:
+  static constexpr std::size_t kPadding = 64;
+
+  constexpr PaddedText(std::initializer_list<std::string_view> pieces) {
+    for (const std::string_view piece : pieces) {
+      if (size_ + piece.size() > Capacity) throw "text too long for its PaddedText";
+      for (const char c : piece) text_[size_++] = c;
+    }
+  }
+  constexpr std::string_view View() const { return {text_.data(), size_}; }
+
+ private:
+  std::array<char, Capacity + kPadding> text_{};
+  std::size_t size_ = 0;
+};
+
 class OutputWriter {
  public:
   static constexpr std::size_t kDefaultCapacity = 256 * 1024;
+  // Writing behind: each block handed over costs the two threads a wake-up
+  // or two, so blocks are larger; much larger ones would leave the cache
+  // while they fill.
+  static constexpr std::size_t kBehindCapacity = 1024 * 1024;
 
-  explicit OutputWriter(ByteSink& sink, std::size_t capacity = kDefaultCapacity);
+  explicit OutputWriter(ByteSink& sink, std::size_t capacity = kDefaultCapacity,
+                        SinkWrites writes = SinkWrites::Inline);
   ~OutputWriter();
   OutputWriter(const OutputWriter&) = delete;
   OutputWriter& operator=(const OutputWriter&) = delete;
@@ -53,24 +122,56 @@ class OutputWriter {
       PutSlow(text);
     }
   }
+  // Text that may be read, though not printed, up to kPadding characters
+  // past its end: a short one is copied in one fixed-size move, which costs
+  // no branch on its length.
+  static constexpr std::size_t kPadding = PaddedText<1>::kPadding;
+  void PutPadded(std::string_view text) {
+    if (text.size() <= kPadding && capacity_ - used_ >= kPadding) {
+      std::memcpy(buffer_.get() + used_, text.data(), kPadding);
+      used_ += text.size();
+    } else {
+      Put(text);
+    }
+  }
+  // A block handed to the sink as it is, uncopied, behind the text
+  // buffered so far.
+  void PutBlock(std::string_view block);
   void Put(char c) {
-    if (used_ == capacity_) Flush();
+    if (used_ == capacity_) Spill();
     buffer_[used_++] = c;
   }
   // "0x%x": lower-case hexadecimal, no leading zeros, always unsigned.
-  void Hex(std::uint32_t value);
+  void Hex(std::uint32_t value) {
+    if (value < 256) {
+      PutOctetHex(value, 1);
+    } else {
+      HexSlow(value);
+    }
+  }
   // " 0x%x", the octet-string form.
   void SpaceHex(std::uint32_t value) {
-    Put(' ');
-    Hex(value);
+    if (value < 256) {
+      PutOctetHex(value, 0);
+    } else {
+      Put(' ');
+      HexSlow(value);
+    }
   }
   // "%d".
   void Decimal(std::int64_t value);
   // The low `width` bits of value as 0 and 1 digits, most significant first.
-  void Bits(std::uint32_t value, unsigned width);
+  void Bits(std::uint32_t value, unsigned width) {
+    if (width > 8) return BitsSlow(value, width);
+    // The octet's eight digits, shifted so that the field's stand first.
+    Reserve(8);
+    std::memcpy(buffer_.get() + used_, writer_tables::kOctetBits[(value << (8 - width)) & 0xFF].data(), 8);
+    used_ += width;
+  }
 
-  // Hands the buffered text to the sink. After a failed write the writer
-  // drops further text and remembers the first error.
+  // Hands the buffered text to the sink and, when the sink writes behind,
+  // waits until everything handed over so far is written. After a failed
+  // write the writer drops further text and remembers the first error.
   void Flush();
   bool Failed() const { return error_ != 0; }
   int Error() const { return error_; }
@@ -78,9 +179,22 @@ class OutputWriter {
 
  private:
   void Reserve(std::size_t size) {
-    if (capacity_ - used_ < size) Flush();
+    if (capacity_ - used_ < size) Spill();
   }
+  // The octet's " 0x%x" without its first `skip` characters.
+  void PutOctetHex(std::uint32_t octet, std::size_t skip) {
+    const writer_tables::OctetHexText& hex = writer_tables::kOctetHex[octet];
+    Reserve(8);
+    std::memcpy(buffer_.get() + used_, hex.text.data() + skip, 8);
+    used_ += hex.size - skip;
+  }
+  // Hands a full buffer on; writing behind, without waiting for its write.
+  void Spill();
+  void WriteToSink(const char* data, std::size_t size, int& error);
+  void WaitForWriteBehind();
   void PutSlow(std::string_view text);
+  void HexSlow(std::uint32_t value);
+  void BitsSlow(std::uint32_t value, unsigned width);
 
   ByteSink& sink_;
   std::unique_ptr<char[]> buffer_;
@@ -88,6 +202,11 @@ class OutputWriter {
   std::size_t used_ = 0;
   std::uint64_t flushed_ = 0;
   int error_ = 0;
+  // Writing behind: the buffer the writer thread has in hand, the thread,
+  // and the first error of its writes, read after waiting for it.
+  std::unique_ptr<char[]> spare_;
+  std::unique_ptr<IoThread> behind_;
+  int behindError_ = 0;
 };
 
 }  // namespace velmora

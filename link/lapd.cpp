@@ -7,6 +7,12 @@
 namespace velmora {
 namespace {
 
+constexpr std::string_view kLayer2 = "ISDN Layer 2: ";
+constexpr std::string_view kTruncated = "Truncated frame\n";
+constexpr std::string_view kInformationFrame = "Information transfer\nISDN Layer 3: ";
+// The lines of most frames, printed together.
+constexpr PaddedText<80> kQ931InformationFrame{kLayer2, kInformationFrame, "Q.931 protocol message\n"};
+
 // Supervisory frames: control octet AND 0x0C. 0x0C names no frame and
 // leaves the line open, without its line end.
 constexpr std::string_view kSupervisory[4] = {
@@ -67,25 +73,27 @@ void DecodeUnnumbered(DecodeContext& context, Octet control) {
 
 void DecodeLapdFrame(DecodeContext& context, OctetSpan frame) {
   OutputWriter& out = context.out;
-  out.Put("ISDN Layer 2: ");
   // Octets 1 and 2 are the address; without octet 3 there is no control field.
   if (frame.size() < 3) {
-    out.Put("Truncated frame\n");
+    out.Put(kLayer2);
+    out.Put(kTruncated);
     return;
   }
   const Octet control = frame[2];
   if ((control & 0x01) == 0) {
-    out.Put("Information transfer\nISDN Layer 3: ");
     // The protocol discriminator is octet 5; a frame that ends before it has none.
-    if (frame.size() < 5) {
-      out.Put("Truncated frame\n");
-    } else if (IsQ931Discriminator(frame[4])) {
-      out.Put("Q.931 protocol message\n");
+    if (frame.size() >= 5 && IsQ931Discriminator(frame[4])) {
+      out.PutPadded(kQ931InformationFrame.View());
       DecodeQ931Message(out, frame.subspan(4));
-    } else {
-      out.Put("Unknown protocol message\n");
+      return;
     }
-  } else if ((control & 0x02) == 0) {
+    out.Put(kLayer2);
+    out.Put(kInformationFrame);
+    out.Put(frame.size() < 5 ? kTruncated : "Unknown protocol message\n");
+    return;
+  }
+  out.Put(kLayer2);
+  if ((control & 0x02) == 0) {
     out.Put("Supervisory  ");
     out.Put(kSupervisory[(control & 0x0C) >> 2]);
   } else {

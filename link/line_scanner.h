@@ -16,6 +16,10 @@ namespace velmora {
 // line may hold any byte.
 void TranslateTraceLine(DecodeContext& context, std::string_view line);
 
+// TranslateTraceLine for every piece of `text`, which holds whole pieces
+// (pieces.h). The lines between frame lines are copied together.
+void TranslateTracePieces(DecodeContext& context, std::string_view text);
+
 // True when the line meets the three frame-line conditions.
 bool IsFrameLine(std::string_view line);
 

@@ -11,18 +11,20 @@ std::optional<Q931Header> ReadQ931Header(OctetSpan message) {
 }
 
 void DecodeQ931Message(OutputWriter& out, OctetSpan message) {
-  out.Put("Message type:");
   const std::optional<Q931Header> header = ReadQ931Header(message);
   if (!header) {
+    out.Put(kMessageTypePrefix);
     out.Put("Truncated message\n");
     return;
   }
   // An unknown type prints nothing more, not even a line end: the copy of
   // the next input line continues the open "Message type:" line.
   const MessageWalk* walk = FindMessageWalk(header->messageType);
-  if (walk == nullptr) return;
-  out.Put(walk->name);
-  out.Put('\n');
+  if (walk == nullptr) {
+    out.Put(kMessageTypePrefix);
+    return;
+  }
+  out.PutPadded(walk->typeLine.View());
   WalkElements(out, *walk, header->fromMessageType);
 }
 

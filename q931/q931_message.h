@@ -1,6 +1,8 @@
 #pragma once
 // The Q.931 message layer: header, message-type dispatch and element walks.
+#include <array>
 #include <cstddef>
+#include <cstdint>
 #include <optional>
 #include <span>
 #include <string_view>
@@ -26,6 +28,9 @@ struct Q931Header {
 // end); nothing when the frame ends before the message type.
 std::optional<Q931Header> ReadQ931Header(OctetSpan message);
 
+// What the message-type line begins with, known type or not.
+inline constexpr std::string_view kMessageTypePrefix = "Message type:";
+
 // Prints "Message type:" and the type's name, then walks the elements.
 // `message` starts at the protocol discriminator and ends with the frame.
 void DecodeQ931Message(OutputWriter& out, OctetSpan message);
@@ -38,6 +43,23 @@ struct ElementMatch {
   const ElementEntry* element;
 };
 
+// The element a walk picks for an identifier octet, the first match of its
+// accepted list, as its registry index plus one; 0 for the unknown-element
+// dump. (No null pointers: some sanitizing builds cannot compare them at
+// compile time.)
+constexpr std::size_t ChosenElementNumber(std::span<const ElementMatch> accepted, Octet identifier) {
+  for (const ElementMatch& match : accepted)
+    if ((identifier & match.mask) == match.value) return static_cast<std::size_t>(match.element - kElementRegistry) + 1;
+  return 0;
+}
+
+// The element a walk picks for an identifier octet; null for the
+// unknown-element dump.
+inline const ElementEntry* ChooseElement(std::span<const ElementMatch> accepted, Octet identifier) {
+  const std::size_t number = ChosenElementNumber(accepted, identifier);
+  return number == 0 ? nullptr : &kElementRegistry[number - 1];
+}
+
 // A message type the dispatch knows: its value, the name printed behind
 // "Message type:" and the elements its walk accepts, in test order. A
 // type that shows no element at all (SEGMENT) is not walked.
@@ -46,14 +68,22 @@ struct MessageWalk {
   std::string_view name;
   std::span<const ElementMatch> accepted;
   bool walked = true;
+  PaddedText<40> typeLine;  // kMessageTypePrefix, the name, "\n"
+  // ChosenElementNumber for every identifier octet, worked out at compile time.
+  std::array<std::uint8_t, 256> choices{};
+
+  constexpr MessageWalk(Octet value, std::string_view name, std::span<const ElementMatch> accepted, bool walked)
+      : value(value), name(name), accepted(accepted), walked(walked), typeLine{kMessageTypePrefix, name, "\n"} {
+    for (unsigned identifier = 0; identifier < 256; ++identifier)
+      choices[identifier] = static_cast<std::uint8_t>(ChosenElementNumber(accepted, static_cast<Octet>(identifier)));
+  }
+  const ElementEntry* Choose(Octet identifier) const {
+    return choices[identifier] == 0 ? nullptr : &kElementRegistry[choices[identifier] - 1];
+  }
 };
 
 // The walk of a message type, or null when the dispatch does not know it.
 const MessageWalk* FindMessageWalk(Octet value);
-
-// The element a walk picks for an identifier octet; null for the
-// unknown-element dump.
-const ElementEntry* ChooseElement(std::span<const ElementMatch> accepted, Octet identifier);
 
 // The walk over a message's elements, from index 1 behind the message type
 // to the message's end: visit(entry, element) for each, with the entry the
@@ -66,14 +96,14 @@ void ForEachElement(const MessageWalk& walk, OctetSpan fromMessageType, Visit&& 
   std::size_t index = 1;
   while (index < fromMessageType.size()) {
     const ElementOctets element(fromMessageType.subspan(index));
-    const ElementEntry* entry = ChooseElement(walk.accepted, element.Identifier());
+    const ElementEntry* entry = walk.Choose(element.Identifier());
     visit(entry, element);
     index += OccupiedOctets(entry, element);
   }
 }
 
-// The walk that prints: for each element the prefix "\tInformation element:"
-// and the chosen element's lines.
+// The walk that prints: for each element the prefix "\tInformation
+// element:" and the chosen element's lines.
 void WalkElements(OutputWriter& out, const MessageWalk& walk, OctetSpan fromMessageType);
 
 }  // namespace velmora

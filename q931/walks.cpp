@@ -1,4 +1,8 @@
 // Which elements each message type accepts, and the one walk over them.
+#include <array>
+#include <cstdint>
+#include <iterator>
+
 #include "common_tables.h"
 #include "q931_message.h"
 
@@ -108,24 +112,23 @@ constexpr MessageWalk kMessageWalks[] = {
     Walk(0x7D, kStatus),
 };
 
+// The walk of each message type octet: its index in kMessageWalks plus one, 0 for none.
+constexpr std::array<std::uint8_t, 256> kWalkByType = [] {
+  std::array<std::uint8_t, 256> byType{};
+  for (std::size_t index = 0; index < std::size(kMessageWalks); ++index)
+    byType[kMessageWalks[index].value] = static_cast<std::uint8_t>(index + 1);
+  return byType;
+}();
+
 }  // namespace
 
 const MessageWalk* FindMessageWalk(Octet value) {
-  for (const MessageWalk& walk : kMessageWalks)
-    if (walk.value == value) return &walk;
-  return nullptr;
-}
-
-const ElementEntry* ChooseElement(std::span<const ElementMatch> accepted, Octet identifier) {
-  for (const ElementMatch& match : accepted)
-    if ((identifier & match.mask) == match.value) return match.element;
-  return nullptr;
+  return kWalkByType[value] == 0 ? nullptr : &kMessageWalks[kWalkByType[value] - 1];
 }
 
 void WalkElements(OutputWriter& out, const MessageWalk& walk, OctetSpan fromMessageType) {
   ForEachElement(walk, fromMessageType, [&out](const ElementEntry* entry, const ElementOctets& element) {
-    out.Put("\tInformation element:");
-    DecodeElement(out, entry, element);
+    DecodeElement(out, entry, element, ElementPrefix::Printed);
   });
 }
 

@@ -31,15 +31,15 @@ enum class Recognition : std::uint8_t {
 class PieceSource {
  public:
   virtual ~PieceSource() = default;
-  // The next piece, valid until the next call; nothing at the end of the
-  // input, after a failed read or at a fault.
-  virtual std::optional<std::string_view> Next() = 0;
+  // The next whole pieces, one or more, valid until the next call; nothing
+  // at the end of the input, after a failed read or at a fault.
+  virtual std::optional<std::string_view> NextPieces() = 0;
   // Called before every read of the descriptor that may wait for input.
   virtual void SetBeforeRead(std::function<void()> beforeRead) = 0;
   virtual std::uint64_t BytesRead() const = 0;
   // The errno of a read that failed, or 0.
   virtual int Error() const = 0;
-  // Once Next() has given nothing: what was wrong with the input (CutOff or
+  // Once NextPieces() has given nothing: what was wrong with the input (CutOff or
   // Damaged), with the words that say what and where; None at its end.
   virtual InputFault Fault() const = 0;
   virtual const std::string& FaultText() const = 0;

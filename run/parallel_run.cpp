@@ -2,6 +2,7 @@
 
 #include <unistd.h>
 
+#include <algorithm>
 #include <cerrno>
 #include <condition_variable>
 #include <cstring>
@@ -25,12 +26,66 @@ namespace {
 // input, and jobs + 2 chunks are in flight at most.
 constexpr std::size_t kChunkSize = 256 * 1024;
 
+// A chunk's output as the worker's writer filled it: its full buffers, kept
+// as they are rather than copied, and written on in order.
+class ChunkOutput final : public ByteSink {
+ public:
+  static constexpr std::size_t kBlockSize = OutputWriter::kDefaultCapacity;
+
+  bool Write(const char* data, std::size_t size, int& /*error*/) override {
+    std::unique_ptr<char[]> copy(new char[size]);
+    std::memcpy(copy.get(), data, size);
+    blocks_.push_back({std::move(copy), size});
+    return true;
+  }
+  bool Keep(std::unique_ptr<char[]>& buffer, std::size_t size) override {
+    blocks_.push_back({std::move(buffer), size});
+    if (!spare_.empty()) {
+      buffer = std::move(spare_.back());
+      spare_.pop_back();
+    }
+    return true;
+  }
+
+  // Empties the output; its buffers are filled again by the next decoding.
+  void Clear() {
+    for (Block& block : blocks_)
+      if (block.size == kBlockSize) spare_.push_back(std::move(block.text));
+    blocks_.clear();
+  }
+  // Puts `text` at an offset of the output, across a block's end if need be.
+  void Replace(std::uint64_t at, std::string_view text) {
+    for (Block& block : blocks_) {
+      if (at < block.size) {
+        const std::size_t here = std::min<std::size_t>(text.size(), block.size - at);
+        std::memcpy(block.text.get() + at, text.data(), here);
+        text.remove_prefix(here);
+        if (text.empty()) return;
+        at = 0;
+      } else {
+        at -= block.size;
+      }
+    }
+  }
+  void WriteTo(OutputWriter& writer) const {
+    for (const Block& block : blocks_) writer.PutBlock({block.text.get(), block.size});
+  }
+
+ private:
+  struct Block {
+    std::unique_ptr<char[]> text;
+    std::size_t size;
+  };
+  std::vector<Block> blocks_;
+  std::vector<std::unique_ptr<char[]>> spare_;
+};
+
 struct Chunk {
   // The carried tail of the chunk before (less than a chunk) and a chunk's read.
   std::unique_ptr<char[]> input{new char[2 * kChunkSize]};
   std::size_t size = 0;
   std::uint64_t endOffset = 0;  // where the chunk ends in the input
-  std::string output;
+  ChunkOutput output;
   // Where the chunk's UA lines wrote their wording before a SABME or DISC of
   // the chunk itself decided the link memory.
   std::vector<std::uint64_t> pendingUaWordings;
@@ -74,10 +129,9 @@ class ParallelRun {
         changed_.wait(lock, [&] { return chunk.decoded; });
       }
       if (setupPending)
-        for (const std::uint64_t at : chunk.pendingUaWordings)
-          chunk.output.replace(at, kUaAfterSabme.size(), kUaAfterSabme);
+        for (const std::uint64_t at : chunk.pendingUaWordings) chunk.output.Replace(at, kUaAfterSabme);
       if (chunk.linkSetupAtEnd != LinkSetup::Unknown) setupPending = chunk.linkSetupAtEnd == LinkSetup::Pending;
-      writer_.Put(chunk.output);
+      chunk.output.WriteTo(writer_);
       result_.frameFound = result_.frameFound || chunk.frameFound;
       if (onRead_) onRead_(chunk.endOffset);
       ++written;
@@ -94,8 +148,7 @@ class ParallelRun {
 
  private:
   // Reads the next chunk behind the carried tail of the last one, and cuts it
-  // after its last line end (or, inside a line longer than a chunk, at a
-  // multiple of the piece size) so the next chunk also starts at a piece
+  // behind its whole pieces, so the next chunk also starts at a piece
   // boundary. False at the end of the input.
   bool Fill(Chunk& chunk) {
     std::memcpy(chunk.input.get(), carry_.data(), carry_.size());
@@ -114,11 +167,8 @@ class ParallelRun {
       result_.bytesRead += static_cast<std::uint64_t>(got);
     }
     if (!inputEnded_) {
-      const char* data = chunk.input.get();
-      std::size_t cut = chunk.size;
-      while (cut > 0 && data[cut - 1] != '\n') --cut;
-      if (cut == 0) cut = chunk.size / kMaxPiece * kMaxPiece;
-      carry_.assign(data + cut, chunk.size - cut);
+      const std::size_t cut = WholePiecesLength({chunk.input.get(), chunk.size}, true);
+      carry_.assign(chunk.input.get() + cut, chunk.size - cut);
       chunk.size = cut;
     }
     chunk.endOffset = result_.bytesRead - carry_.size();
@@ -143,13 +193,13 @@ class ParallelRun {
   }
 
   static void Decode(Chunk& chunk) {
-    chunk.output.clear();
+    chunk.output.Clear();
     chunk.pendingUaWordings.clear();
-    StringSink sink(chunk.output);
-    OutputWriter writer(sink, 64 * 1024);
+    // Full blocks as large as the run's writer's buffer go on to the sink
+    // uncopied (OutputWriter::PutBlock).
+    OutputWriter writer(chunk.output, ChunkOutput::kBlockSize);
     DecodeContext context{writer, LinkSetup::Unknown, false, &chunk.pendingUaWordings};
-    ForEachPiece({chunk.input.get(), chunk.size},
-                 [&context](std::string_view piece) { TranslateTraceLine(context, piece); });
+    TranslateTracePieces(context, {chunk.input.get(), chunk.size});
     writer.Flush();
     chunk.frameFound = context.frameFound;
     chunk.linkSetupAtEnd = context.linkSetup;

@@ -6,6 +6,7 @@
 
 #include <algorithm>
 #include <cerrno>
+#include <optional>
 #include <string>
 
 #include "decode_context.h"
@@ -83,9 +84,17 @@ bool SameFile(const FileIdentity& a, const FileIdentity& b) {
 // can be read ahead freely.
 constexpr std::uint64_t kParallelMinimum = 4 * 1024 * 1024;
 
-std::uint64_t RegularFileSize(int fd) {
+// Whether writing to the descriptor copies the bytes somewhere: a regular
+// file, a pipe or a socket, unlike a device such as /dev/null.
+bool WritesCost(int fd) {
   struct stat info {};
-  if (::fstat(fd, &info) != 0 || !S_ISREG(info.st_mode)) return 0;
+  return ::fstat(fd, &info) == 0 && (S_ISREG(info.st_mode) || S_ISFIFO(info.st_mode) || S_ISSOCK(info.st_mode));
+}
+
+// The size of a regular file; nothing for a pipe, a terminal or a device.
+std::optional<std::uint64_t> RegularFileSize(int fd) {
+  struct stat info {};
+  if (::fstat(fd, &info) != 0 || !S_ISREG(info.st_mode)) return std::nullopt;
   return static_cast<std::uint64_t>(info.st_size);
 }
 
@@ -96,11 +105,13 @@ bool ConsumeTrace(Source& source, TraceConsumer& consumer, Stopped stopped) {
   bool frameFound = false;
   std::uint64_t lineNumber = 1;
   Octet frame[kFrameCapacity];
-  while (const auto piece = source.Next()) {
-    const std::optional<std::size_t> count = ScanFrameLine(*piece, frame);
-    frameFound = frameFound || count.has_value();
-    consumer.Consume({*piece, lineNumber, count.has_value(), OctetSpan(frame, count.value_or(0))});
-    if (piece->back() == '\n') ++lineNumber;
+  while (const auto pieces = source.NextPieces()) {
+    ForEachPiece(*pieces, [&](std::string_view piece) {
+      const std::optional<std::size_t> count = ScanFrameLine(piece, frame);
+      frameFound = frameFound || count.has_value();
+      consumer.Consume({piece, lineNumber, count.has_value(), OctetSpan(frame, count.value_or(0))});
+      if (piece.back() == '\n') ++lineNumber;
+    });
     if (stopped()) break;
   }
   consumer.Finish();
@@ -112,18 +123,18 @@ bool ConsumeTrace(Source& source, TraceConsumer& consumer, Stopped stopped) {
 // whether a frame line was seen.
 template <typename Source>
 bool TranslatePieces(Source& source, OutputWriter& writer, LinkMemory& link, const TranslationOptions& options,
-                     const std::function<void(std::uint64_t)>& reportProgress) {
+                     bool readMayWait, const std::function<void(std::uint64_t)>& reportProgress) {
   // Output produced so far reaches its reader before the run may wait
   // for more input: `velmora - -` works as a filter.
   source.SetBeforeRead([&] {
-    writer.Flush();
+    if (readMayWait) writer.Flush();
     reportProgress(source.BytesRead());
   });
   const auto stopped = [&] { return options.stopOnWriteError && writer.Failed(); };
   if (options.makeConsumer) return ConsumeTrace(source, *options.makeConsumer(writer, link), stopped);
   DecodeContext context{writer, link.setupPending ? LinkSetup::Pending : LinkSetup::NotPending};
-  while (const auto line = source.Next()) {
-    TranslateTraceLine(context, *line);
+  while (const auto pieces = source.NextPieces()) {
+    TranslateTracePieces(context, *pieces);
     if (stopped()) break;
   }
   link.setupPending = context.linkSetup == LinkSetup::Pending;
@@ -239,25 +250,35 @@ TranslationOutcome TranslateTraceFile(std::string_view inputPath, std::string_vi
   }
 
   FdSink sink(outputFd);
-  OutputWriter writer(sink);
-  const std::uint64_t inputSize = RegularFileSize(inputFd);
+  const std::optional<std::uint64_t> regularInputSize = RegularFileSize(inputFd);
+  const std::uint64_t inputSize = regularInputSize.value_or(0);
+  const bool parallel = head.error == 0 && !formatted && options.jobs > 1 && !options.makeConsumer &&
+                        !inputIsStandard && inputSize >= kParallelMinimum;
+  // One decoding thread leaves the writes to a thread of their own where a
+  // write costs (a file, a pipe; not /dev/null or another device); a
+  // parallel run's decoding threads have the cores already.
+  const bool writesBehind = !parallel && WritesCost(outputFd);
+  OutputWriter writer(sink, writesBehind ? OutputWriter::kBehindCapacity : OutputWriter::kDefaultCapacity,
+                      writesBehind ? SinkWrites::Behind : SinkWrites::Inline);
   const std::function<void(std::uint64_t)> reportProgress = [&options, inputSize](std::uint64_t bytesRead) {
     if (options.progress) options.progress(bytesRead, inputSize);
   };
   bool frameFound = false;
   int readError = 0;
   std::uint64_t bytesRead = 0;
+  // A regular file's read does not wait for anyone; a pipe's may.
+  const bool readMayWait = !regularInputSize;
   if (head.error != 0) {
     // The input could not be read from its first byte on.
     readError = head.error;
   } else if (formatted) {
-    frameFound = TranslatePieces(*formatted, writer, link, options, reportProgress);
+    frameFound = TranslatePieces(*formatted, writer, link, options, readMayWait, reportProgress);
     writer.Flush();
     readError = formatted->Error();
     bytesRead = formatted->BytesRead();
     report.inputFault = formatted->Fault();
     report.inputFaultText = formatted->FaultText();
-  } else if (options.jobs > 1 && !options.makeConsumer && !inputIsStandard && inputSize >= kParallelMinimum) {
+  } else if (parallel) {
     const ParallelRunResult result =
         TranslateInParallel(inputFd, inputSize, writer, link, options.jobs, options.stopOnWriteError, reportProgress);
     writer.Flush();
@@ -265,9 +286,9 @@ TranslationOutcome TranslateTraceFile(std::string_view inputPath, std::string_vi
     readError = result.readError;
     bytesRead = result.bytesRead;
   } else {
-    LineReader reader(inputFd);
+    LineReader reader(inputFd, LineReader::kDefaultBlock, regularInputSize ? SourceReads::Ahead : SourceReads::Inline);
     if (head.consumed) reader.Preload(head.View());
-    frameFound = TranslatePieces(reader, writer, link, options, reportProgress);
+    frameFound = TranslatePieces(reader, writer, link, options, readMayWait, reportProgress);
     writer.Flush();
     readError = reader.Error();
     bytesRead = reader.BytesRead();

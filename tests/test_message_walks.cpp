@@ -54,7 +54,7 @@ TEST(WalkRules, EachRulePicksItsElementsAndSendsTheRestToTheDump) {
   // clang-format on
   for (const Pick& pick : picks) {
     SCOPED_TRACE(::testing::Message() << std::hex << int{pick.messageType} << " " << int{pick.identifier});
-    const ElementEntry* chosen = ChooseElement(FindMessageWalk(pick.messageType)->accepted, pick.identifier);
+    const ElementEntry* chosen = FindMessageWalk(pick.messageType)->Choose(pick.identifier);
     EXPECT_EQ(chosen, pick.picked == 0 ? nullptr : FindElement(pick.picked));
   }
 }

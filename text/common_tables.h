@@ -73,16 +73,16 @@ inline constexpr ValueText kBearerLayer3Protocol[] = {
 };
 
 // The fields of the tables above, where every user names them alike.
-inline constexpr CodedField kCodingStandardField{"Coding standard", 7, 6, kCodingStandard};
-inline constexpr CodedField kTransferCapabilityField{"Information transfer capability", 5, 1,
-                                                     kInformationTransferCapability};
-inline constexpr CodedField kBearerTransferModeField{"Transfer mode", 7, 6, kBearerTransferMode};
-inline constexpr CodedField kTransferRateField{"Information transfer rate", 5, 1, kInformationTransferRate};
-inline constexpr CodedField kLayer1ProtocolField{"User information layer 1 protocol", 5, 1, kLayer1Protocol};
-inline constexpr CodedField kBearerLayer2ProtocolField{"User information layer 2 protocol", 5, 1,
-                                                       kBearerLayer2Protocol};
-inline constexpr CodedField kBearerLayer3ProtocolField{"User information layer 3 protocol", 5, 1,
-                                                       kBearerLayer3Protocol};
+inline constexpr CodedField kCodingStandardField = Coded<"Coding standard", 7, 6, kCodingStandard>;
+inline constexpr CodedField kTransferCapabilityField =
+    Coded<"Information transfer capability", 5, 1, kInformationTransferCapability>;
+inline constexpr CodedField kBearerTransferModeField = Coded<"Transfer mode", 7, 6, kBearerTransferMode>;
+inline constexpr CodedField kTransferRateField = Coded<"Information transfer rate", 5, 1, kInformationTransferRate>;
+inline constexpr CodedField kLayer1ProtocolField = Coded<"User information layer 1 protocol", 5, 1, kLayer1Protocol>;
+inline constexpr CodedField kBearerLayer2ProtocolField =
+    Coded<"User information layer 2 protocol", 5, 1, kBearerLayer2Protocol>;
+inline constexpr CodedField kBearerLayer3ProtocolField =
+    Coded<"User information layer 3 protocol", 5, 1, kBearerLayer3Protocol>;
 
 // Channel type, bits 4-1: Channel identification's octet 3.2 and the
 // channel type diagnostics of Cause.

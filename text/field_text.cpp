@@ -2,27 +2,11 @@
 
 namespace velmora {
 
-void PrintFieldName(OutputWriter& out, std::string_view name, Indent indent) {
-  out.Put(indent == Indent::Field ? "\t\t" : "\t\t\t");
-  out.Put(name);
-  out.Put('=');
-}
+void PrintFieldName(OutputWriter& out, std::string_view name, Indent indent) { WriteFieldName(out, name, indent); }
 
 void PrintCodedValue(OutputWriter& out, std::string_view name, std::uint32_t value, unsigned width,
                      std::string_view meaning, Indent indent) {
-  PrintFieldName(out, name, indent);
-  out.Bits(value, width);
-  out.Put("  ");
-  out.Put(meaning);
-  out.Put('\n');
-}
-
-bool PrintField(OutputWriter& out, const CodedField& field, Octet octet, Indent indent) {
-  const unsigned value = field.ValueIn(octet);
-  const ValueText* row = FindRow(field.meanings, value);
-  if (row == nullptr) return false;
-  PrintCodedValue(out, field.name, value, field.Width(), row->text, indent);
-  return true;
+  WriteCodedValue(out, name, value, width, meaning, indent);
 }
 
 void PrintFields(OutputWriter& out, Octet octet, std::span<const CodedField> fields, Indent indent) {

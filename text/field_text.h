@@ -2,6 +2,9 @@
 // The decoded-text layout shared by every decoder: field lines of two tabs,
 // the field's name, "=", its bits, two blanks and the meaning from a table;
 // and the few other line forms that several elements print.
+#include <algorithm>
+#include <array>
+#include <cstddef>
 #include <cstdint>
 #include <span>
 #include <string_view>
@@ -60,25 +63,162 @@ void PrintFieldName(OutputWriter& out, std::string_view name, Indent indent = In
 void PrintCodedValue(OutputWriter& out, std::string_view name, std::uint32_t value, unsigned width,
                      std::string_view meaning, Indent indent = Indent::Field);
 
+// The layout of those two, written to anything that takes text the way the
+// output writer does: the writer itself, or a line book at compile time.
+template <typename Text>
+constexpr void WriteFieldName(Text& text, std::string_view name, Indent indent) {
+  text.Put(indent == Indent::Field ? std::string_view("\t\t") : std::string_view("\t\t\t"));
+  text.Put(name);
+  text.Put('=');
+}
+template <typename Text>
+constexpr void WriteCodedValue(Text& text, std::string_view name, std::uint32_t value, unsigned width,
+                               std::string_view meaning, Indent indent) {
+  WriteFieldName(text, name, indent);
+  text.Bits(value, width);
+  text.Put("  ");
+  text.Put(meaning);
+  text.Put('\n');
+}
+
+// A field's name as a template argument, so that its lines can be built at
+// compile time.
+struct FieldName {
+  static constexpr std::size_t kCapacity = 64;
+  char text[kCapacity] = {};
+  std::size_t size = 0;
+
+  constexpr FieldName(std::string_view name) : size(name.size()) {
+    if (name.size() > kCapacity) throw "field name longer than FieldName::kCapacity";
+    std::copy(name.begin(), name.end(), text);
+  }
+  template <std::size_t N>
+  constexpr FieldName(const char (&literal)[N]) : FieldName(std::string_view(literal, N - 1)) {}
+  constexpr std::string_view View() const { return {text, size}; }
+};
+
 // A coded field of an octet: its name, its bits (highBit to lowBit) and the
-// table of its meanings, stated once, together. An empty CodedField{} is the
-// whole octet with no meanings, which prints nothing.
+// table of its meanings, stated once, together, as Coded<name, highBit,
+// lowBit, meanings>. An empty CodedField{} is the whole octet with no
+// meanings, which prints nothing.
 struct CodedField {
   std::string_view name;
   unsigned highBit = 8;
   unsigned lowBit = 1;
   ValueTable meanings;
+  // By the field's value: its whole line, built from the above at compile
+  // time, or empty where the table names no meaning. The lines carry the
+  // sub-field indent; a field line leaves out its first tab.
+  std::span<const std::string_view> lines;
 
-  constexpr unsigned Width() const { return highBit - lowBit + 1; }
+  constexpr CodedField() = default;
+  constexpr CodedField(std::string_view name, unsigned highBit, unsigned lowBit, ValueTable meanings,
+                       std::span<const std::string_view> lines)
+      : name(name),
+        highBit(highBit),
+        lowBit(lowBit),
+        meanings(meanings),
+        lines(lines),
+        shift_(lowBit - 1),
+        mask_(FieldBits(0xFF, highBit, lowBit)) {}
+
   // The field's bits of an octet, shifted down to a plain value.
-  constexpr unsigned ValueIn(Octet octet) const { return FieldBits(octet, highBit, lowBit); }
-  // The same field with other meanings, for an element that words it its own way.
-  constexpr CodedField With(ValueTable otherMeanings) const { return {name, highBit, lowBit, otherMeanings}; }
+  constexpr unsigned ValueIn(Octet octet) const { return (static_cast<unsigned>(octet) >> shift_) & mask_; }
+
+ private:
+  // FieldBits' shift and mask, worked out once.
+  unsigned shift_ = 0;
+  unsigned mask_ = 0xFF;
 };
+
+namespace line_book {
+
+// Text sizes and text into a fixed array, for building lines at compile time.
+struct Measure {
+  std::size_t size = 0;
+  constexpr void Put(std::string_view text) { size += text.size(); }
+  constexpr void Put(char) { ++size; }
+  constexpr void Bits(std::uint32_t, unsigned width) { size += width; }
+};
+template <std::size_t N>
+struct Lines {
+  std::array<char, N> text{};
+  std::size_t size = 0;
+  constexpr void Put(std::string_view piece) {
+    for (const char c : piece) text[size++] = c;
+  }
+  constexpr void Put(char c) { text[size++] = c; }
+  constexpr void Bits(std::uint32_t value, unsigned width) {
+    for (unsigned bit = width; bit > 0; --bit) text[size++] = ((value >> (bit - 1)) & 1U) ? '1' : '0';
+  }
+};
+
+// Every line of one field, in the order of its values, and each value's line.
+template <FieldName name, unsigned highBit, unsigned lowBit, const auto& meanings, unsigned shownWidth>
+struct Book {
+  static constexpr std::size_t kValues = std::size_t{1} << (highBit - lowBit + 1);
+
+  // The first row that names the value, as FindRow finds it; walked here
+  // without null pointers, which some sanitizing builds cannot compare at
+  // compile time.
+  template <typename Text>
+  static constexpr void WriteLine(Text& text, std::uint32_t value) {
+    for (const ValueText& row : ValueTable(meanings)) {
+      if (row.value != value) continue;
+      WriteCodedValue(text, name.View(), value, shownWidth, row.text, Indent::SubField);
+      return;
+    }
+  }
+  static constexpr std::size_t Size() {
+    Measure all;
+    for (std::uint32_t value = 0; value < kValues; ++value) WriteLine(all, value);
+    return all.size;
+  }
+  // Padded, so that a line can be copied in one fixed-size move.
+  static constexpr Lines<Size() + OutputWriter::kPadding> kText = [] {
+    Lines<Size() + OutputWriter::kPadding> all;
+    for (std::uint32_t value = 0; value < kValues; ++value) WriteLine(all, value);
+    return all;
+  }();
+  static constexpr std::array<std::string_view, kValues> kLines = [] {
+    std::array<std::string_view, kValues> lines{};
+    std::size_t at = 0;
+    for (std::uint32_t value = 0; value < kValues; ++value) {
+      Measure line;
+      WriteLine(line, value);
+      if (line.size > 0) lines[value] = std::string_view(kText.text.data() + at, line.size);
+      at += line.size;
+    }
+    return lines;
+  }();
+};
+
+}  // namespace line_book
+
+// The coded field named `name`, of bits highBit to lowBit, with the
+// meanings of the table `meanings`. Its line shows the field's low
+// `shownWidth` bits, all of them unless a field words it otherwise.
+template <FieldName name, unsigned highBit, unsigned lowBit, const auto& meanings,
+          unsigned shownWidth = highBit - lowBit + 1>
+inline constexpr CodedField Coded{name.View(), highBit, lowBit, meanings,
+                                  line_book::Book<name, highBit, lowBit, meanings, shownWidth>::kLines};
+
+// The same field with other meanings, for an element that words it its own way.
+template <const CodedField& field, const auto& otherMeanings>
+inline constexpr CodedField WithMeanings = Coded<FieldName(field.name), field.highBit, field.lowBit, otherMeanings>;
 
 // The field's coded-value line for an octet when its table names the value;
 // nothing at all otherwise. Returns whether a line was printed.
-bool PrintField(OutputWriter& out, const CodedField& field, Octet octet, Indent indent = Indent::Field);
+inline bool PrintField(OutputWriter& out, const CodedField& field, Octet octet, Indent indent = Indent::Field) {
+  const unsigned value = field.ValueIn(octet);
+  if (value >= field.lines.size()) return false;
+  const std::string_view line = field.lines[value];
+  if (line.empty()) return false;
+  // A field line leaves out the first of the sub-field indent's three tabs.
+  const std::size_t skipped = indent == Indent::SubField ? 0 : 1;
+  out.PutPadded({line.data() + skipped, line.size() - skipped});
+  return true;
+}
 
 // Each field's line for one octet, in order.
 void PrintFields(OutputWriter& out, Octet octet, std::span<const CodedField> fields, Indent indent = Indent::Field);

@@ -12,6 +12,15 @@
 
 #include "io_thread.h"
 
+// For the few small functions every decoded line goes through: inlined
+// wherever they are called, whatever the compiler's estimate of the
+// callers' number says.
+#if defined(__GNUC__) || defined(__clang__)
+#define VELMORA_HOT_PATH [[gnu::always_inline]] inline
+#else
+#define VELMORA_HOT_PATH inline
+#endif
+
 namespace velmora {
 
 // Where flushed blocks go: a file descriptor, a string (tests), the blocks
@@ -114,7 +123,7 @@ class OutputWriter {
   OutputWriter(const OutputWriter&) = delete;
   OutputWriter& operator=(const OutputWriter&) = delete;
 
-  void Put(std::string_view text) {
+  VELMORA_HOT_PATH void Put(std::string_view text) {
     if (text.size() <= capacity_ - used_) {
       std::memcpy(buffer_.get() + used_, text.data(), text.size());
       used_ += text.size();
@@ -126,7 +135,7 @@ class OutputWriter {
   // past its end: a short one is copied in one fixed-size move, which costs
   // no branch on its length.
   static constexpr std::size_t kPadding = PaddedText<1>::kPadding;
-  void PutPadded(std::string_view text) {
+  VELMORA_HOT_PATH void PutPadded(std::string_view text) {
     if (text.size() <= kPadding && capacity_ - used_ >= kPadding) {
       std::memcpy(buffer_.get() + used_, text.data(), kPadding);
       used_ += text.size();
@@ -137,7 +146,7 @@ class OutputWriter {
   // A block handed to the sink as it is, uncopied, behind the text
   // buffered so far.
   void PutBlock(std::string_view block);
-  void Put(char c) {
+  VELMORA_HOT_PATH void Put(char c) {
     if (used_ == capacity_) Spill();
     buffer_[used_++] = c;
   }

@@ -209,7 +209,8 @@ inline constexpr CodedField WithMeanings = Coded<FieldName(field.name), field.hi
 
 // The field's coded-value line for an octet when its table names the value;
 // nothing at all otherwise. Returns whether a line was printed.
-inline bool PrintField(OutputWriter& out, const CodedField& field, Octet octet, Indent indent = Indent::Field) {
+VELMORA_HOT_PATH bool PrintField(OutputWriter& out, const CodedField& field, Octet octet,
+                                 Indent indent = Indent::Field) {
   const unsigned value = field.ValueIn(octet);
   if (value >= field.lines.size()) return false;
   const std::string_view line = field.lines[value];

@@ -30,6 +30,7 @@
 #include "fuzz_support.h"
 #include "lapd_link_types.h"
 #include "line_scanner.h"
+#include "pieces.h"
 
 namespace {
 

@@ -6,7 +6,9 @@
 set -eu
 rc=$1 zandrel=$2 generated=$3 work=$4 version=$5
 mkdir -p "$work"
-"$rc" -I "$zandrel" -I "$generated" -fo "$work/zandrel.res" "$zandrel/zandrel.rc"
+# llvm-rc reads an input path such as /ci/... or /usr/... as a Windows-style
+# option ("/c", "/u"), so the script is named relative to its folder.
+(cd "$zandrel" && "$rc" -I "$zandrel" -I "$generated" -fo "$work/zandrel.res" zandrel.rc)
 hex=$(od -An -tx1 -v "$work/zandrel.res" | tr -s ' \n' '  ')
 
 IFS=. read -r major minor patch tweak <<EOV

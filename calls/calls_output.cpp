@@ -9,6 +9,7 @@
 #include "call_tracker.h"
 #include "cause.h"
 #include "common_tables.h"
+#include "octet.h"
 
 namespace velmora {
 namespace {
@@ -64,7 +65,6 @@ bool NeedsEscape(std::string_view digits, bool json) {
 // IA5 digits as characters; a control character as \u00XX. In JSON a quote
 // and a backslash are escaped too.
 void AppendDigits(std::string& to, std::string_view digits, bool json) {
-  static constexpr char kHex[] = "0123456789abcdef";
   if (!NeedsEscape(digits, json)) {
     to += digits;
     return;
@@ -75,8 +75,8 @@ void AppendDigits(std::string& to, std::string_view digits, bool json) {
       to += c;
     } else if (code < 0x20 || code == 0x7F) {
       to += "\\u00";
-      to += kHex[code >> 4];
-      to += kHex[code & 0xF];
+      to += kHexDigits[code >> 4];
+      to += kHexDigits[code & 0xF];
     } else {
       to += '\\';
       to += c;

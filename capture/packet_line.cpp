@@ -31,7 +31,6 @@ std::string_view DirectionWord(FrameDirection direction) {
 
 void WritePacketLine(std::string& line, std::uint64_t number, std::int64_t microsecondsSinceEpoch,
                      FrameDirection direction, OctetSpan octets) {
-  static constexpr char kHexDigits[] = "0123456789abcdef";
   const LineMoment moment = MomentOf(microsecondsSinceEpoch);
   line.clear();
   line.reserve(kPacketLineMinimum + 5 * octets.size() + 8);

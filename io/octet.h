@@ -3,6 +3,7 @@
 #include <cstddef>
 #include <cstdint>
 #include <span>
+#include <string_view>
 
 namespace velmora {
 
@@ -14,5 +15,8 @@ using OctetSpan = std::span<const Octet>;
 
 // Octets a frame buffer holds; a longer length field is cut to this.
 inline constexpr std::size_t kFrameCapacity = 300;
+
+// Hexadecimal digits as every output writes them: lower case.
+inline constexpr std::string_view kHexDigits = "0123456789abcdef";
 
 }  // namespace velmora

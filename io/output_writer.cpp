@@ -93,7 +93,6 @@ void OutputWriter::PutSlow(std::string_view text) {
 }
 
 void OutputWriter::HexSlow(std::uint32_t value) {
-  static constexpr char kDigits[] = "0123456789abcdef";
   Reserve(10);
   char* out = buffer_.get() + used_;
   *out++ = '0';
@@ -101,7 +100,7 @@ void OutputWriter::HexSlow(std::uint32_t value) {
   unsigned shift = 28;
   while (shift > 0 && (value >> shift) == 0) shift -= 4;
   for (;;) {
-    *out++ = kDigits[(value >> shift) & 0xF];
+    *out++ = kHexDigits[(value >> shift) & 0xF];
     if (shift == 0) break;
     shift -= 4;
   }

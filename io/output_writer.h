@@ -11,6 +11,7 @@
 #include <string_view>
 
 #include "io_thread.h"
+#include "octet.h"
 
 // For the few small functions every decoded line goes through: inlined
 // wherever they are called, whatever the compiler's estimate of the
@@ -63,13 +64,12 @@ struct OctetHexText {
   std::uint8_t size = 0;
 };
 inline constexpr std::array<OctetHexText, 256> kOctetHex = [] {
-  constexpr std::string_view kDigits = "0123456789abcdef";
   std::array<OctetHexText, 256> table{};
   for (unsigned octet = 0; octet < 256; ++octet) {
     OctetHexText& hex = table[octet];
     for (const char c : std::string_view(" 0x")) hex.text[hex.size++] = c;
-    if (octet >= 16) hex.text[hex.size++] = kDigits[octet >> 4];
-    hex.text[hex.size++] = kDigits[octet & 0xF];
+    if (octet >= 16) hex.text[hex.size++] = kHexDigits[octet >> 4];
+    hex.text[hex.size++] = kHexDigits[octet & 0xF];
   }
   return table;
 }();

@@ -229,12 +229,8 @@ class ReportConsumer final : public TraceConsumer {
   void AppendMessageName(Octet messageType) {
     const std::string_view name = MessageName(messageType);
     if (!name.empty()) return AppendString(calls_, name);
-    static constexpr char kHexDigits[] = "0123456789abcdef";
-    char octet[4] = {'0', 'x'};
-    std::size_t size = 2;
-    if (messageType >= 0x10) octet[size++] = kHexDigits[messageType >> 4];
-    octet[size++] = kHexDigits[messageType & 0xF];
-    AppendString(calls_, std::string_view(octet, size));
+    const writer_tables::OctetHexText& hex = writer_tables::kOctetHex[messageType];
+    AppendString(calls_, std::string_view(hex.text.data() + 1, hex.size - 1u));  // without the leading blank
   }
 
   // The header's numbers, the causes by count and the table's columns.

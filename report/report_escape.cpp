@@ -1,9 +1,9 @@
 #include "report_escape.h"
 
+#include "octet.h"
+
 namespace velmora {
 namespace {
-
-constexpr char kHexDigits[] = "0123456789abcdef";
 
 void AppendUnicodeEscape(std::string& to, unsigned code) {
   to += "\\u";

@@ -64,5 +64,23 @@ TEST_F(Report, TraceTextsStandInThePageOnlyEscaped) {
   EXPECT_NE(page.find("{\"size\":" + std::to_string(trace.size() + 90) + ","), std::string::npos);
 }
 
+TEST_F(Report, MessageTypesWithoutANameStandAsTheirOctet) {
+  // One call: SETUP, the unnamed types 0x06 and 0x62, RELEASE COMPLETE.
+  Write("unnamed.txt", FrameLine("0x00 0x81 0x00 0x00 0x08 0x01 0x05 0x05") +
+                           FrameLine("0x00 0x81 0x02 0x00 0x08 0x01 0x05 0x06") +
+                           FrameLine("0x00 0x81 0x04 0x00 0x08 0x01 0x05 0x62") +
+                           FrameLine("0x00 0x81 0x06 0x00 0x08 0x01 0x05 0x5a"));
+  LinkMemory link;
+  TranslationOptions options;
+  options.makeConsumer = CallReport({"unnamed.txt", std::nullopt});
+  EXPECT_EQ(TranslateTraceFile(Path("unnamed.txt"), Path("report.html"), link, options),
+            TranslationOutcome::TranslationDone);
+  const std::string page = Read("report.html");
+  EXPECT_NE(page.find("\"SETUP\""), std::string::npos);
+  EXPECT_NE(page.find("\"0x6\""), std::string::npos);
+  EXPECT_NE(page.find("\"0x62\""), std::string::npos);
+  EXPECT_NE(page.find("\"RELEASE COMPLETE\""), std::string::npos);
+}
+
 }  // namespace
 }  // namespace velmora::testing

@@ -4,13 +4,13 @@
 #include <unistd.h>
 
 #include <algorithm>
-#include <cerrno>
 #include <cstdio>
 #include <cstring>
 #include <new>
 #include <utility>
 
 #include "lapd_link_types.h"
+#include "line_reader.h"
 #include "packet_line.h"
 
 namespace velmora {
@@ -51,20 +51,14 @@ class InputStream {
       return static_cast<ssize_t>(count);
     }
     if (self.beforeRead_) self.beforeRead_();
-    for (;;) {
-      const ssize_t got = ::read(self.fd_, buffer, size);
-      if (got > 0) {
-        self.bytesRead_ += static_cast<std::uint64_t>(got);
-        return got;
-      }
-      if (got < 0 && errno == EINTR) continue;
-      if (got < 0) {
-        self.error_ = errno;
-        return -1;
-      }
-      self.atEnd_ = true;
-      return 0;
+    const ReadResult got = ReadRetrying(self.fd_, buffer, size);
+    self.bytesRead_ += got.size;
+    if (got.error != 0) {
+      self.error_ = got.error;
+      return -1;
     }
+    self.atEnd_ = got.size == 0;
+    return static_cast<ssize_t>(got.size);
   }
 
   int fd_;

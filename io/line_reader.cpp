@@ -29,9 +29,9 @@ void LineReader::Preload(std::string_view bytes) {
   bytesRead_ += size;
 }
 
-LineReader::ReadResult LineReader::ReadBlock(char* into) const {
+ReadResult ReadRetrying(int fd, char* into, std::size_t size) {
   for (;;) {
-    const ssize_t got = ::read(fd_, into, blockSize_);
+    const ssize_t got = ::read(fd, into, size);
     if (got >= 0) return {static_cast<std::size_t>(got), 0};
     if (errno != EINTR) return {0, errno};
   }

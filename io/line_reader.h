@@ -18,6 +18,13 @@ namespace velmora {
 // reads never wait for a writer.
 enum class SourceReads { Inline, Ahead };
 
+// One read() of up to `size` bytes, again when a signal interrupts it.
+struct ReadResult {
+  std::size_t size = 0;  // 0 at the end of the input or on an error
+  int error = 0;
+};
+ReadResult ReadRetrying(int fd, char* into, std::size_t size);
+
 class LineReader {
  public:
   static constexpr std::size_t kDefaultBlock = 1 << 20;
@@ -46,12 +53,7 @@ class LineReader {
   std::uint64_t BytesRead() const { return bytesRead_; }
 
  private:
-  struct ReadResult {
-    std::size_t size = 0;  // 0 at the end of the input
-    int error = 0;
-  };
-  // One read of up to a block at `into`, again when interrupted.
-  ReadResult ReadBlock(char* into) const;
+  ReadResult ReadBlock(char* into) const { return ReadRetrying(fd_, into, blockSize_); }
   // Puts the unread rest in front of the next block read.
   bool Refill();
   char* Buffer(int index) const { return buffers_[index].get(); }

@@ -1,9 +1,6 @@
 #include "parallel_run.h"
 
-#include <unistd.h>
-
 #include <algorithm>
-#include <cerrno>
 #include <condition_variable>
 #include <cstring>
 #include <deque>
@@ -15,6 +12,7 @@
 
 #include "decode_context.h"
 #include "lapd.h"
+#include "line_reader.h"
 #include "line_scanner.h"
 #include "pieces.h"
 
@@ -156,15 +154,14 @@ class ParallelRun {
     carry_.clear();
     const std::size_t limit = chunk.size + kChunkSize;
     while (!inputEnded_ && chunk.size < limit) {
-      const ssize_t got = ::read(inputFd_, chunk.input.get() + chunk.size, limit - chunk.size);
-      if (got < 0 && errno == EINTR) continue;
-      if (got <= 0) {
-        if (got < 0) result_.readError = errno;
+      const ReadResult got = ReadRetrying(inputFd_, chunk.input.get() + chunk.size, limit - chunk.size);
+      if (got.size == 0) {
+        if (got.error != 0) result_.readError = got.error;
         inputEnded_ = true;
         break;
       }
-      chunk.size += static_cast<std::size_t>(got);
-      result_.bytesRead += static_cast<std::uint64_t>(got);
+      chunk.size += got.size;
+      result_.bytesRead += got.size;
     }
     if (!inputEnded_) {
       const std::size_t cut = WholePiecesLength({chunk.input.get(), chunk.size}, true);

@@ -35,17 +35,23 @@ bool IsStandardStream(std::string_view path, const TranslationOptions& options) 
   return options.dashMeansStandardStream && path == "-";
 }
 
-// Opens the input as a readable file; a directory counts as a failure.
-// Returns the descriptor, or -1 with the reason in `error`.
-int OpenInput(std::string_view path, int& error) {
+// Looks at an open input; a directory counts as a failure. Returns the
+// reason, or 0 with what the input is in `info`.
+int InspectInput(int fd, struct stat& info) {
+  if (::fstat(fd, &info) != 0) return errno;
+  return S_ISDIR(info.st_mode) ? EISDIR : 0;
+}
+
+// Opens the input as a readable file, not a directory. Returns the
+// descriptor, or -1 with the reason in `error`.
+int OpenInput(std::string_view path, int& error, struct stat& info) {
   const int fd = ::open(std::string(path).c_str(), O_RDONLY | O_CLOEXEC);
   if (fd < 0) {
     error = errno;
     return -1;
   }
-  struct stat info {};
-  if (::fstat(fd, &info) != 0 || S_ISDIR(info.st_mode)) {
-    error = S_ISDIR(info.st_mode) ? EISDIR : errno;
+  error = InspectInput(fd, info);
+  if (error != 0) {
     ::close(fd);
     return -1;
   }
@@ -92,9 +98,8 @@ bool WritesCost(int fd) {
 }
 
 // The size of a regular file; nothing for a pipe, a terminal or a device.
-std::optional<std::uint64_t> RegularFileSize(int fd) {
-  struct stat info {};
-  if (::fstat(fd, &info) != 0 || !S_ISREG(info.st_mode)) return std::nullopt;
+std::optional<std::uint64_t> RegularFileSize(const struct stat& info) {
+  if (!S_ISREG(info.st_mode)) return std::nullopt;
   return static_cast<std::uint64_t>(info.st_size);
 }
 
@@ -154,15 +159,14 @@ struct InputHead {
   std::string_view View() const { return {bytes, size}; }
 };
 
-InputHead ReadInputHead(int fd, const std::vector<const InputFormat*>& formats) {
+InputHead ReadInputHead(int fd, bool regularFile, const std::vector<const InputFormat*>& formats) {
   const auto needsMore = [&formats](std::string_view head) {
     return head.size() < kSignatureBytes &&
            std::any_of(formats.begin(), formats.end(),
                        [head](const InputFormat* format) { return format->Recognise(head) == Recognition::NeedMore; });
   };
   InputHead head;
-  struct stat info {};
-  const off_t offset = ::fstat(fd, &info) == 0 && S_ISREG(info.st_mode) ? ::lseek(fd, 0, SEEK_CUR) : -1;
+  const off_t offset = regularFile ? ::lseek(fd, 0, SEEK_CUR) : -1;
   head.consumed = offset < 0;
   while (needsMore(head.View())) {
     char* into = head.bytes + head.size;
@@ -202,23 +206,20 @@ TranslationOutcome TranslateTraceFile(std::string_view inputPath, std::string_vi
   report = TranslationReport{};
 
   int inputFd = STDIN_FILENO;
+  struct stat inputInfo {};
   if (inputIsStandard) {
-    struct stat info {};
-    if (::fstat(STDIN_FILENO, &info) != 0 || S_ISDIR(info.st_mode)) {
-      report.openError = S_ISDIR(info.st_mode) ? EISDIR : errno;
-      return TranslationOutcome::InputOpenFailed;
-    }
+    report.openError = InspectInput(STDIN_FILENO, inputInfo);
+    if (report.openError != 0) return TranslationOutcome::InputOpenFailed;
   } else {
-    inputFd = OpenInput(inputPath, report.openError);
+    inputFd = OpenInput(inputPath, report.openError, inputInfo);
     if (inputFd < 0) return TranslationOutcome::InputOpenFailed;
   }
   const auto closeInput = [&] {
     if (!inputIsStandard) ::close(inputFd);
   };
   // Before the output is opened, and so emptied: the input must survive.
-  if (options.refuseSameFile &&
-      SameFile(IdentityOfDescriptor(inputFd),
-               outputIsStandard ? IdentityOfDescriptor(STDOUT_FILENO) : IdentityOfPath(outputPath))) {
+  if (options.refuseSameFile && SameFile(IdentityOf(inputInfo), outputIsStandard ? IdentityOfDescriptor(STDOUT_FILENO)
+                                                                                 : IdentityOfPath(outputPath))) {
     closeInput();
     return TranslationOutcome::OutputSameAsInput;
   }
@@ -227,7 +228,7 @@ TranslationOutcome TranslateTraceFile(std::string_view inputPath, std::string_vi
   InputHead head;
   std::unique_ptr<PieceSource> formatted;
   if (!options.inputFormats.empty()) {
-    head = ReadInputHead(inputFd, options.inputFormats);
+    head = ReadInputHead(inputFd, S_ISREG(inputInfo.st_mode), options.inputFormats);
     const InputFormat* format = head.error == 0 ? RecognisedFormat(options.inputFormats, head.View()) : nullptr;
     if (format != nullptr) {
       OpenedInput opened = format->Open(inputFd, head.consumed ? head.View() : std::string_view());
@@ -250,7 +251,7 @@ TranslationOutcome TranslateTraceFile(std::string_view inputPath, std::string_vi
   }
 
   FdSink sink(outputFd);
-  const std::optional<std::uint64_t> regularInputSize = RegularFileSize(inputFd);
+  const std::optional<std::uint64_t> regularInputSize = RegularFileSize(inputInfo);
   const std::uint64_t inputSize = regularInputSize.value_or(0);
   const bool parallel = head.error == 0 && !formatted && options.jobs > 1 && !options.makeConsumer &&
                         !inputIsStandard && inputSize >= kParallelMinimum;

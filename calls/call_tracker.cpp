@@ -212,9 +212,7 @@ CallTracker::CallTracker(CallSink sink, std::size_t waitingLimit)
 CallTracker::~CallTracker() = default;
 
 void CallTracker::Frame(OctetSpan frame, std::uint64_t line, std::string_view lineText, std::uint32_t tag) {
-  // Address (octets 1 and 2), control (an I-frame when bit 1 of octet 3 is
-  // 0, as the message file decodes it), layer 3 from octet 5.
-  if (frame.size() < 5 || (frame[2] & 0x01) != 0 || !IsQ931Discriminator(frame[4])) return;
+  if (!CarriesQ931(frame)) return;
   const std::optional<Q931Header> header = ReadQ931Header(frame.subspan(4));
   if (!header) return;
   const OctetSpan reference = header->callReference;

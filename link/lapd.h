@@ -10,6 +10,13 @@ namespace velmora {
 // True exactly for the Q.931 protocol discriminator, 0x08.
 constexpr bool IsQ931Discriminator(Octet octet) { return octet == 0x08; }
 
+// An I frame (bit 1 of the control octet, octet 3, is 0) whose layer 3,
+// from octet 5 on, is a Q.931 message: the frames the message file decodes
+// as Q.931 and the call view reads.
+constexpr bool CarriesQ931(OctetSpan frame) {
+  return frame.size() >= 5 && (frame[2] & 0x01) == 0 && IsQ931Discriminator(frame[4]);
+}
+
 // Prints the "ISDN Layer 2: " line, and for an information frame the
 // "ISDN Layer 3: " line and the Q.931 message. `frame` is octets 1 to N.
 // SABME and DISC change the context's link memory, UA reads it.

@@ -116,7 +116,7 @@ class ReportConsumer final : public TraceConsumer {
     TranslateTraceLine(context_, piece.text);
     decodedWriter_.Flush();
     const OctetSpan frame = piece.frame;
-    if (frame.size() >= 5 && (frame[2] & 0x01) == 0 && IsQ931Discriminator(frame[4])) {
+    if (CarriesQ931(frame)) {
       const std::string_view text = std::string_view(decoded_).substr(piece.text.size());
       tracker_.Frame(frame, piece.lineNumber, piece.text, NumberFrameText(text));
     }

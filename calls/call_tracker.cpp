@@ -38,8 +38,6 @@ constexpr std::size_t kLongestNumber = 256;
 // Delivered calls whose storage is kept for the calls to come.
 constexpr std::size_t kSpareCalls = 64;
 
-constexpr std::int64_t kMicrosecondsPerDay = 86400LL * 1000000;
-
 void AppendDigits(std::string& text, OctetSpan digits) {
   for (const Octet digit : digits) {
     if (text.size() >= kLongestNumber) return;

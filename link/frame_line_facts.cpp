@@ -82,8 +82,6 @@ std::int64_t DaysSinceEpoch(int year, int month, int day) {
   return era * 146097 + dayOfEra - 719468;
 }
 
-constexpr std::int64_t kMicrosecondsPerDay = 86400000000LL;
-
 }  // namespace
 
 FrameLineFacts ReadFrameLineFacts(std::string_view line) {

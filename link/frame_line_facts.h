@@ -43,6 +43,7 @@ std::int64_t MicrosecondsSinceEpoch(const LineDate& date, const LineTime& time);
 
 // Microseconds since midnight.
 std::int64_t MicrosecondsOfDay(const LineTime& time);
+inline constexpr std::int64_t kMicrosecondsPerDay = 86400LL * 1000000;
 
 // A moment as a date and a time of day, UTC: the inverse of
 // MicrosecondsSinceEpoch (years before 1 or after 9999 included).

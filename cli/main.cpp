@@ -64,7 +64,7 @@ constexpr OutputKind kOutputKinds[] = {
 };
 
 constexpr std::string_view kUsageHead =
-    "Usage: velmora [-q] [-j N] [--to KIND] INPUT OUTPUT [INPUT OUTPUT ...]\n"
+    "Usage: velmora [-q] [-j N] [--to KIND] [--] INPUT OUTPUT [INPUT OUTPUT ...]\n"
     "Translate an ISDN D-channel trace log into a message file: every input line\n"
     "copied, and behind each frame line its Q.921 frame kind and Q.931 message.\n"
     "\n"
@@ -78,6 +78,8 @@ constexpr std::string_view kUsageHead =
 constexpr std::string_view kUsageTail =
     "  --help   show this help\n"
     "  --version  show the version\n"
+    "  --       end of options: every later argument is a path, even one\n"
+    "           that begins with a dash\n"
     "\n"
     "Several pairs run in order in one process; the LAPD link memory (SABME\n"
     "before UA) carries over from one pair to the next.\n"
@@ -130,6 +132,35 @@ int ExitStatus(velmora::TranslationOutcome outcome) {
 
 std::string StreamName(const std::string& path, const char* standardName) { return path == "-" ? standardName : path; }
 
+// "1 line", "2 lines".
+std::string Count(std::uint64_t count, std::string_view singular, std::string_view plural) {
+  return std::to_string(count) + ' ' + std::string(count == 1 ? singular : plural);
+}
+
+// The lines the scanner read by its rules that were likely meant otherwise:
+// one warning a kind, with the count and the first line's number.
+void WarnAboutScannedLines(const velmora::ScanNotes& notes, const std::string& inputName) {
+  const auto warn = [&](const velmora::ScanNote& note, const std::string& what) {
+    if (note.lines == 0) return;
+    std::cerr << "velmora: warning: " << inputName << ": " << what << " (first: line " << note.firstLine << ")\n";
+  };
+  const std::uint64_t shortLines = notes.shortMarkedLines.lines;
+  warn(notes.shortMarkedLines,
+       Count(shortLines, "line holds", "lines hold") + " \"HDLC\" and \"****\" but " +
+           (shortLines == 1 ? "is shorter than 80 characters, so it was not read as a frame line"
+                            : "are shorter than 80 characters, so they were not read as frame lines"));
+  const std::uint64_t upper = notes.upperCaseCells.lines;
+  warn(notes.upperCaseCells, Count(upper, "frame line has", "frame lines have") + " upper-case hexadecimal digits in " +
+                                 (upper == 1 ? "its" : "their") +
+                                 " cells, read as the trace format defines (\"A\" to \"F\" as 17 to 22): " +
+                                 (upper == 1 ? "its" : "their") + " octets are likely wrong");
+  const std::uint64_t misplaced = notes.misplacedCells.lines;
+  warn(notes.misplacedCells, Count(misplaced, "frame line has", "frame lines have") +
+                                 " cells that are not \"0x\" and two hexadecimal digits where cells are read"
+                                 " (one blank instead of two before \"|\", say): " +
+                                 (misplaced == 1 ? "its" : "their") + " octets are likely wrong");
+}
+
 // Runs one pair; prints its outcome (or the I/O failure) on standard error.
 int TranslatePair(const std::string& input, const std::string& output, velmora::LinkMemory& link,
                   const PairSettings& settings, bool labelled) {
@@ -149,6 +180,7 @@ int TranslatePair(const std::string& input, const std::string& output, velmora::
   progress.Finish();
   const std::string inputName = StreamName(input, "standard input");
   const std::string outputName = StreamName(output, "standard output");
+  if (!settings.quiet) WarnAboutScannedLines(report.scanNotes, inputName);
   const bool captureBroken =
       report.inputFault == velmora::InputFault::CutOff || report.inputFault == velmora::InputFault::Damaged;
   if (report.readError != 0 || report.writeError != 0 || captureBroken) {
@@ -177,8 +209,14 @@ int TranslatePair(const std::string& input, const std::string& output, velmora::
     case velmora::TranslationOutcome::OutputOpenFailed:
       std::cerr << "velmora: " << outputName << ": " << std::strerror(report.openError) << '\n';
       break;
+    case velmora::TranslationOutcome::InputNotSelected:
+      std::cerr << "velmora: the input path is empty\n";
+      break;
+    case velmora::TranslationOutcome::OutputNotSelected:
+      std::cerr << "velmora: the output path is empty\n";
+      break;
     case velmora::TranslationOutcome::OutputSameAsInput:
-      std::cerr << "velmora: " << outputName << " is " << inputName << " under another name\n";
+      std::cerr << "velmora: " << outputName << " and " << inputName << " are the same file\n";
       break;
     default:
       break;
@@ -218,8 +256,7 @@ std::optional<std::string_view> OptionValue(std::string_view arg, std::string_vi
 }
 
 int UsageError(const std::string& message) {
-  std::cerr << "velmora: " << message << '\n';
-  PrintUsage(std::cerr);
+  std::cerr << "velmora: " << message << "\nTry 'velmora --help'.\n";
   return kExitUsage;
 }
 
@@ -248,11 +285,9 @@ int main(int argc, char** argv) {
     } else if (const auto count = OptionValue(arg, "-j", "--jobs", i, argc, argv, missing)) {
       if (missing) return UsageError(std::string(arg) + " needs a thread count");
       const std::optional<unsigned> parsed = ParseJobs(*count);
-      if (!parsed) {
-        std::cerr << "velmora: " << (arg.starts_with("--") ? "--jobs" : "-j") << ": '" << *count
-                  << "' is not a whole number from 1 to " << kMaxJobs << '\n';
-        return kExitUsage;
-      }
+      if (!parsed)
+        return UsageError(std::string(arg.starts_with("--") ? "--jobs" : "-j") + ": '" + std::string(*count) +
+                          "' is not a whole number from 1 to " + std::to_string(kMaxJobs));
       settings.jobs = *parsed;
     } else if (const auto name = OptionValue(arg, "", "--to", i, argc, argv, missing)) {
       if (missing) return UsageError("--to needs an output kind");

@@ -123,8 +123,11 @@ class OutputWriter {
   OutputWriter(const OutputWriter&) = delete;
   OutputWriter& operator=(const OutputWriter&) = delete;
 
+  // An empty text, whose data may be null, takes the slow path, which copies
+  // nothing: memcpy must not see a null pointer even for no bytes. The one
+  // compare (size - 1 wraps around for 0) tells both cases apart.
   VELMORA_HOT_PATH void Put(std::string_view text) {
-    if (text.size() <= capacity_ - used_) {
+    if (text.size() - 1 < capacity_ - used_) {
       std::memcpy(buffer_.get() + used_, text.data(), text.size());
       used_ += text.size();
     } else {

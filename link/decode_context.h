@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "output_writer.h"
+#include "scan_notes.h"
 
 namespace velmora {
 
@@ -24,6 +25,10 @@ struct DecodeContext {
   // (an offset into the output), so the run can put the SABME wording there
   // once it knows the memory. Null outside a parallel run.
   std::vector<std::uint64_t>* pendingUaWordings = nullptr;
+  // Whole lines handled so far (pieces that ended in "\n"), which numbers
+  // the notes.
+  std::uint64_t linesDone = 0;
+  ScanNotes notes = {};
 };
 
 }  // namespace velmora

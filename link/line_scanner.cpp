@@ -17,20 +17,39 @@ constexpr std::size_t kCellWidth = 5;
 
 constexpr unsigned HexValue(unsigned char c) { return c >= 'a' ? c - 87U : c - 48U; }
 
-// The octet of every pair of digit characters, indexed by the pair as it
-// stands in memory: a cell costs one load of its two digits and one of the
-// table. Kept modulo 256, as the octet is.
-constexpr std::array<Octet, 65536> kCellOctets = [] {
-  std::array<Octet, 65536> octets{};
+// What is wrong with a cell's two digit characters: nothing for lower-case
+// hexadecimal digits, the trace format's own.
+constexpr std::uint8_t kNoFlaw = 0;
+constexpr std::uint8_t kUpperCaseDigit = 1;
+constexpr std::uint8_t kNotADigit = 2;
+
+constexpr std::uint8_t DigitFlaw(unsigned char c) {
+  if ((c >= '0' && c <= '9') || (c >= 'a' && c <= 'f')) return kNoFlaw;
+  return c >= 'A' && c <= 'F' ? kUpperCaseDigit : kNotADigit;
+}
+
+// Every pair of digit characters, indexed by the pair as it stands in
+// memory: its octet (kept modulo 256, as the octet is) in the low byte and
+// its flaw in the high byte. A cell costs one load of its two digits and
+// one of the table.
+constexpr std::array<std::uint16_t, 65536> kCellDigits = [] {
+  std::array<std::uint16_t, 65536> cells{};
   for (unsigned high = 0; high < 256; ++high) {
     for (unsigned low = 0; low < 256; ++low) {
       const unsigned pair = std::endian::native == std::endian::little ? high | low << 8 : high << 8 | low;
-      octets[pair] = static_cast<Octet>(16U * HexValue(static_cast<unsigned char>(high)) +
-                                        HexValue(static_cast<unsigned char>(low)));
+      const unsigned either = DigitFlaw(static_cast<unsigned char>(high)) | DigitFlaw(static_cast<unsigned char>(low));
+      const unsigned flaw = (either & kNotADigit) != 0 ? kNotADigit : either;
+      const unsigned octet =
+          (16U * HexValue(static_cast<unsigned char>(high)) + HexValue(static_cast<unsigned char>(low))) & 0xFFU;
+      cells[pair] = static_cast<std::uint16_t>(octet | flaw << 8);
     }
   }
-  return octets;
+  return cells;
 }();
+
+// "0x" as it stands in memory at a cell's positions 0 and 1.
+constexpr std::uint16_t kCellPrefix =
+    std::endian::native == std::endian::little ? std::uint16_t{'0' | 'x' << 8} : std::uint16_t{'0' << 8 | 'x'};
 
 }  // namespace
 
@@ -80,7 +99,7 @@ void HexFieldsToOctets(const char* cells, long octetCount, Octet* octets) {
   for (long k = 0; k < octetCount; ++k) {
     std::uint16_t digits;
     std::memcpy(&digits, cells + k * static_cast<long>(kCellWidth) + 2, sizeof digits);
-    octets[k] = kCellOctets[digits];
+    octets[k] = static_cast<Octet>(kCellDigits[digits]);
   }
 }
 
@@ -111,10 +130,72 @@ VELMORA_HOT_PATH CellRun LocateCells(std::string_view line, std::size_t anchor) 
   return {cellsStart, count};
 }
 
-VELMORA_HOT_PATH std::size_t ReadCells(std::string_view line, std::size_t anchor, Octet (&frame)[kFrameCapacity]) {
+// Whether a line shorter than a frame line holds the character: looked at
+// 16 characters at a time, inline and without a branch on the line's
+// length, since most lines between frame lines are of this length and a
+// call to a search or a mispredicted loop costs more than the search.
+VELMORA_HOT_PATH bool HoldsCharacter(std::string_view line, char wanted) {
+  static_assert(kMinimumFrameLine <= 80);
+#if defined(__SSE2__)
+  if (line.size() >= 16) {
+    const __m128i match = _mm_set1_epi8(wanted);
+    const std::size_t last = line.size() - 16;
+    // Five blocks of 16 cover 80 characters; those that would reach past
+    // the line's end are moved back onto its last 16.
+    const auto sixteenAt = [&](std::size_t at) {
+      at = at < last ? at : last;
+      return _mm_cmpeq_epi8(_mm_loadu_si128(reinterpret_cast<const __m128i*>(line.data() + at)), match);
+    };
+    const __m128i found = _mm_or_si128(_mm_or_si128(_mm_or_si128(sixteenAt(0), sixteenAt(16)), sixteenAt(32)),
+                                       _mm_or_si128(sixteenAt(48), sixteenAt(64)));
+    return _mm_movemask_epi8(found) != 0;
+  }
+#endif
+  return line.find(wanted) != kNone;
+}
+
+// The octets a frame line's cells read as, and in `flaws` what the cells
+// show beside: upper-case digits, or cells that are not "0x" and two digits.
+// A cell's first four characters are read in one load; the flaws gather
+// without a branch.
+VELMORA_HOT_PATH std::size_t ReadCells(std::string_view line, std::size_t anchor, Octet (&frame)[kFrameCapacity],
+                                       unsigned& flaws) {
+  constexpr bool kLittle = std::endian::native == std::endian::little;
+  constexpr unsigned kDigitsShift = kLittle ? 16 : 0;
+  constexpr unsigned kPrefixShift = kLittle ? 0 : 16;
   const CellRun cells = LocateCells(line, anchor);
-  HexFieldsToOctets(line.data() + cells.start, static_cast<long>(cells.count), frame);
+  const char* cell = line.data() + cells.start;
+  unsigned read = 0;             // the digits' flaws, in the high byte
+  std::uint32_t difference = 0;  // bits in which the prefixes differ from "0x"
+  for (std::size_t k = 0; k < cells.count; ++k, cell += kCellWidth) {
+    std::uint32_t characters;
+    std::memcpy(&characters, cell, sizeof characters);
+    const std::uint16_t entry = kCellDigits[static_cast<std::uint16_t>(characters >> kDigitsShift)];
+    frame[k] = static_cast<Octet>(entry);
+    read |= entry;
+    difference |= characters ^ (std::uint32_t{kCellPrefix} << kPrefixShift);
+  }
+  flaws = read >> 8;
+  if (static_cast<std::uint16_t>(difference >> kPrefixShift) != 0) flaws |= kNotADigit;
   return cells.count;
+}
+
+VELMORA_HOT_PATH std::size_t ReadCells(std::string_view line, std::size_t anchor, Octet (&frame)[kFrameCapacity]) {
+  unsigned flaws = kNoFlaw;
+  return ReadCells(line, anchor, frame, flaws);
+}
+
+// A line that is not a frame line: noted when it is one only but for its
+// length. Lines that long are rare beside frame lines, and are looked at
+// for the markers only when they hold a "*".
+VELMORA_HOT_PATH void NoteOtherLine(ScanNotes& notes, std::string_view line, std::uint64_t lineNumber) {
+  if (line.size() >= kMinimumFrameLine || !HoldsCharacter(line, '*')) return;
+  if (line.find("****") != kNone && line.find("HDLC") != kNone) notes.shortMarkedLines.Add(lineNumber);
+}
+
+void NoteCellFlaws(ScanNotes& notes, unsigned flaws, std::uint64_t lineNumber) {
+  if ((flaws & kNotADigit) != 0) notes.misplacedCells.Add(lineNumber);
+  if ((flaws & kUpperCaseDigit) != 0) notes.upperCaseCells.Add(lineNumber);
 }
 
 }  // namespace
@@ -129,6 +210,19 @@ std::optional<std::size_t> ScanFrameLine(std::string_view line, Octet (&frame)[k
   return ReadCells(line, anchor, frame);
 }
 
+std::optional<std::size_t> ScanFrameLine(std::string_view line, Octet (&frame)[kFrameCapacity], ScanNotes& notes,
+                                         std::uint64_t lineNumber) {
+  const std::size_t anchor = FrameAnchor(line);
+  if (anchor == std::string_view::npos) {
+    NoteOtherLine(notes, line, lineNumber);
+    return std::nullopt;
+  }
+  unsigned flaws = kNoFlaw;
+  const std::size_t count = ReadCells(line, anchor, frame, flaws);
+  if (flaws != kNoFlaw) NoteCellFlaws(notes, flaws, lineNumber);
+  return count;
+}
+
 namespace {
 
 // A frame line, copied already: noted as found, and its frame decoded. The
@@ -137,7 +231,9 @@ namespace {
 void DecodeFrameLine(DecodeContext& context, std::string_view line, std::size_t anchor) {
   context.frameFound = true;
   Octet frame[kFrameCapacity];
-  const std::size_t count = ReadCells(line, anchor, frame);
+  unsigned flaws = kNoFlaw;
+  const std::size_t count = ReadCells(line, anchor, frame, flaws);
+  if (flaws != kNoFlaw) NoteCellFlaws(context.notes, flaws, context.linesDone + 1);
   DecodeLapdFrame(context, OctetSpan(frame, count));
 }
 
@@ -147,17 +243,24 @@ void TranslateTraceLine(DecodeContext& context, std::string_view line) {
   context.out.Put(line);
   if (const std::size_t anchor = FrameAnchor(line); anchor != std::string_view::npos)
     DecodeFrameLine(context, line, anchor);
+  else
+    NoteOtherLine(context.notes, line, context.linesDone + 1);
+  if (!line.empty() && line.back() == '\n') ++context.linesDone;
 }
 
 void TranslateTracePieces(DecodeContext& context, std::string_view text) {
   std::size_t copied = 0;
   ForEachPiece(text, [&](std::string_view piece) {
     const std::size_t anchor = FrameAnchor(piece);
-    if (anchor == std::string_view::npos) return;
-    const std::size_t end = static_cast<std::size_t>(piece.data() - text.data()) + piece.size();
-    context.out.Put(text.substr(copied, end - copied));
-    copied = end;
-    DecodeFrameLine(context, piece, anchor);
+    if (anchor == std::string_view::npos) {
+      NoteOtherLine(context.notes, piece, context.linesDone + 1);
+    } else {
+      const std::size_t end = static_cast<std::size_t>(piece.data() - text.data()) + piece.size();
+      context.out.Put(text.substr(copied, end - copied));
+      copied = end;
+      DecodeFrameLine(context, piece, anchor);
+    }
+    context.linesDone += piece.back() == '\n' ? 1 : 0;
   });
   context.out.Put(text.substr(copied));
 }

@@ -3,6 +3,7 @@
 // "HDLC"; behind "HDLC", one skipped character, the decimal octet count N,
 // four skipped characters and N five-character hexadecimal cells.
 #include <cstddef>
+#include <cstdint>
 #include <optional>
 #include <string_view>
 
@@ -26,6 +27,10 @@ bool IsFrameLine(std::string_view line);
 // For a frame line, its octet count after ReadFrameOctets's rules, the
 // octets written to `frame`; nothing for any other line.
 std::optional<std::size_t> ScanFrameLine(std::string_view line, Octet (&frame)[kFrameCapacity]);
+// The same, noting in `notes` what the scanner read but a user should hear
+// about, as line `lineNumber`.
+std::optional<std::size_t> ScanFrameLine(std::string_view line, Octet (&frame)[kFrameCapacity], ScanNotes& notes,
+                                         std::uint64_t lineNumber);
 
 // The frame octets of a frame line: N as its length field reads, cut to the
 // 300-octet frame buffer and to the cells that lie wholly before the line's

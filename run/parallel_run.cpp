@@ -90,6 +90,9 @@ struct Chunk {
   LinkSetup linkSetupAtEnd = LinkSetup::Unknown;  // unknown: no SABME or DISC in the chunk
   bool frameFound = false;
   bool decoded = false;
+  // Whole lines in the chunk, and the notes numbered from its first line.
+  std::uint64_t lines = 0;
+  ScanNotes scanNotes = {};
 };
 
 // The calling thread reads chunks and writes their outputs in input order;
@@ -107,6 +110,7 @@ class ParallelRun {
     bool setupPending = link.setupPending;
     std::uint64_t filled = 0;
     std::uint64_t written = 0;
+    std::uint64_t linesWritten = 0;
     bool atEnd = false;
     while (!atEnd || written < filled) {
       if (stopOnWriteError_ && writer_.Failed()) atEnd = true;
@@ -131,6 +135,8 @@ class ParallelRun {
       if (chunk.linkSetupAtEnd != LinkSetup::Unknown) setupPending = chunk.linkSetupAtEnd == LinkSetup::Pending;
       chunk.output.WriteTo(writer_);
       result_.frameFound = result_.frameFound || chunk.frameFound;
+      result_.scanNotes.Append(chunk.scanNotes, linesWritten);
+      linesWritten += chunk.lines;
       if (onRead_) onRead_(chunk.endOffset);
       ++written;
     }
@@ -200,6 +206,8 @@ class ParallelRun {
     writer.Flush();
     chunk.frameFound = context.frameFound;
     chunk.linkSetupAtEnd = context.linkSetup;
+    chunk.lines = context.linesDone;
+    chunk.scanNotes = context.notes;
   }
 
   int inputFd_;

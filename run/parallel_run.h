@@ -13,6 +13,7 @@ struct ParallelRunResult {
   bool frameFound = false;
   int readError = 0;
   std::uint64_t bytesRead = 0;
+  ScanNotes scanNotes = {};
 };
 
 // Reads `inputFd` (of `inputSize` bytes when it was opened) in chunks that begin at piece boundaries, decodes the

@@ -106,13 +106,13 @@ std::optional<std::uint64_t> RegularFileSize(const struct stat& info) {
 // Hands every piece of the input, with its line number and a frame line's
 // octets, to the consumer. Returns whether a frame line was seen.
 template <typename Source, typename Stopped>
-bool ConsumeTrace(Source& source, TraceConsumer& consumer, Stopped stopped) {
+bool ConsumeTrace(Source& source, TraceConsumer& consumer, ScanNotes& notes, Stopped stopped) {
   bool frameFound = false;
   std::uint64_t lineNumber = 1;
   Octet frame[kFrameCapacity];
   while (const auto pieces = source.NextPieces()) {
     ForEachPiece(*pieces, [&](std::string_view piece) {
-      const std::optional<std::size_t> count = ScanFrameLine(piece, frame);
+      const std::optional<std::size_t> count = ScanFrameLine(piece, frame, notes, lineNumber);
       frameFound = frameFound || count.has_value();
       consumer.Consume({piece, lineNumber, count.has_value(), OctetSpan(frame, count.value_or(0))});
       if (piece.back() == '\n') ++lineNumber;
@@ -128,7 +128,7 @@ bool ConsumeTrace(Source& source, TraceConsumer& consumer, Stopped stopped) {
 // whether a frame line was seen.
 template <typename Source>
 bool TranslatePieces(Source& source, OutputWriter& writer, LinkMemory& link, const TranslationOptions& options,
-                     bool readMayWait, const std::function<void(std::uint64_t)>& reportProgress) {
+                     bool readMayWait, const std::function<void(std::uint64_t)>& reportProgress, ScanNotes& notes) {
   // Output produced so far reaches its reader before the run may wait
   // for more input: `velmora - -` works as a filter.
   source.SetBeforeRead([&] {
@@ -136,13 +136,14 @@ bool TranslatePieces(Source& source, OutputWriter& writer, LinkMemory& link, con
     reportProgress(source.BytesRead());
   });
   const auto stopped = [&] { return options.stopOnWriteError && writer.Failed(); };
-  if (options.makeConsumer) return ConsumeTrace(source, *options.makeConsumer(writer, link), stopped);
+  if (options.makeConsumer) return ConsumeTrace(source, *options.makeConsumer(writer, link), notes, stopped);
   DecodeContext context{writer, link.setupPending ? LinkSetup::Pending : LinkSetup::NotPending};
   while (const auto pieces = source.NextPieces()) {
     TranslateTracePieces(context, *pieces);
     if (stopped()) break;
   }
   link.setupPending = context.linkSetup == LinkSetup::Pending;
+  notes = context.notes;
   return context.frameFound;
 }
 
@@ -273,7 +274,7 @@ TranslationOutcome TranslateTraceFile(std::string_view inputPath, std::string_vi
     // The input could not be read from its first byte on.
     readError = head.error;
   } else if (formatted) {
-    frameFound = TranslatePieces(*formatted, writer, link, options, readMayWait, reportProgress);
+    frameFound = TranslatePieces(*formatted, writer, link, options, readMayWait, reportProgress, report.scanNotes);
     writer.Flush();
     readError = formatted->Error();
     bytesRead = formatted->BytesRead();
@@ -284,12 +285,13 @@ TranslationOutcome TranslateTraceFile(std::string_view inputPath, std::string_vi
         TranslateInParallel(inputFd, inputSize, writer, link, options.jobs, options.stopOnWriteError, reportProgress);
     writer.Flush();
     frameFound = result.frameFound;
+    report.scanNotes = result.scanNotes;
     readError = result.readError;
     bytesRead = result.bytesRead;
   } else {
     LineReader reader(inputFd, LineReader::kDefaultBlock, regularInputSize ? SourceReads::Ahead : SourceReads::Inline);
     if (head.consumed) reader.Preload(head.View());
-    frameFound = TranslatePieces(reader, writer, link, options, readMayWait, reportProgress);
+    frameFound = TranslatePieces(reader, writer, link, options, readMayWait, reportProgress, report.scanNotes);
     writer.Flush();
     readError = reader.Error();
     bytesRead = reader.BytesRead();

@@ -8,6 +8,8 @@
 #include <string_view>
 #include <vector>
 
+#include "scan_notes.h"
+
 namespace velmora {
 
 class InputFormat;
@@ -65,6 +67,8 @@ struct TranslationReport {
   std::uint64_t bytesWritten = 0;
   InputFault inputFault = InputFault::None;
   std::string inputFaultText;  // what is wrong and where, in words; empty with None
+  // Lines the scanner read by its rules that the user should hear about.
+  ScanNotes scanNotes = {};
 };
 
 // Makes what a run writes instead of the message file (trace_consumer.h),

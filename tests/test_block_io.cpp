@@ -90,5 +90,23 @@ TEST(WriteBehind, KeepsTheOrderAndStopsAtTheFirstFailedWrite) {
   EXPECT_EQ(failing.first_.size(), 64U);
 }
 
+// An empty text, also one that points nowhere (a meaning a table does not
+// have), writes nothing, whether the buffer has room or is full: the call
+// tracker's fuzz target once found the null view handed on to memcpy.
+TEST(OutputWriterPut, EmptyTextWritesNothing) {
+  std::string text;
+  StringSink sink(text);
+  {
+    OutputWriter writer(sink, 4);
+    writer.Put(std::string_view());
+    writer.Put("abcd");
+    writer.Put(std::string_view());  // the buffer is full
+    writer.Put(std::string_view("", 0));
+    writer.Put('e');
+    writer.Flush();
+  }
+  EXPECT_EQ(text, "abcde");
+}
+
 }  // namespace
 }  // namespace velmora

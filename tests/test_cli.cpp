@@ -4,6 +4,7 @@
 #include <sys/wait.h>
 #include <unistd.h>
 
+#include <cstdint>
 #include <cstdio>
 #include <cstdlib>
 #include <string>
@@ -40,6 +41,88 @@ TEST_F(Cli, FilterAnswersEachLineBeforeTheInputEnds) {
   for (int tries = 0; tries < 500 && Read("stdout") != sabme + kSabmeText; ++tries) ::usleep(10000);
   EXPECT_EQ(Read("stdout"), sabme + kSabmeText);
   EXPECT_EQ(::pclose(input), 0);
+}
+
+// Lines that look like frame lines but are not read as the user meant get a
+// warning each kind, with the count and the first line; the message file is
+// the same with and without them.
+class ScanWarnings : public ScratchDirectoryTest {
+ protected:
+  static std::string ShortMarked(std::uint64_t count, std::uint64_t first) {
+    return "velmora: warning: trace.txt: " + std::to_string(count) +
+           (count == 1 ? " line holds \"HDLC\" and \"****\" but is shorter than 80 characters, so it was not read as"
+                         " a frame line"
+                       : " lines hold \"HDLC\" and \"****\" but are shorter than 80 characters, so they were not read"
+                         " as frame lines") +
+           " (first: line " + std::to_string(first) + ")\n";
+  }
+  static std::string UpperCase(std::uint64_t count, std::uint64_t first) {
+    const char* their = count == 1 ? "its" : "their";
+    return "velmora: warning: trace.txt: " + std::to_string(count) +
+           (count == 1 ? " frame line has" : " frame lines have") + " upper-case hexadecimal digits in " + their +
+           " cells, read as the trace format defines (\"A\" to \"F\" as 17 to 22): " + their +
+           " octets are likely wrong (first: line " + std::to_string(first) + ")\n";
+  }
+  static std::string Misplaced(std::uint64_t count, std::uint64_t first) {
+    return "velmora: warning: trace.txt: " + std::to_string(count) +
+           (count == 1 ? " frame line has" : " frame lines have") +
+           " cells that are not \"0x\" and two hexadecimal digits where cells are read (one blank instead of two"
+           " before \"|\", say): " +
+           (count == 1 ? "its" : "their") + " octets are likely wrong (first: line " + std::to_string(first) + ")\n";
+  }
+  // A frame line whose length field has one blank behind it instead of two:
+  // every cell is read one character late.
+  static std::string OneBlankBeforeBar(std::string_view cells) {
+    std::string line = FrameLine(cells);
+    return line.replace(line.find("  |"), 3, " |");
+  }
+};
+
+TEST_F(ScanWarnings, EachKindCountedWithItsFirstLine) {
+  const std::string trace = std::string(3000, '-') + "\n"  // one line, read in two pieces
+                            + "12:00:00 **** D-CH TX HDLC:3 | 0x00 0x81 0x7f\n" + FrameLine("0x00 0x81 0x7f") +
+                            FrameLine("0x00 0x81 0x7F") + OneBlankBeforeBar("0x00 0x81 0x7f") +
+                            FrameLine("0xA0 0x81 0x7f") + "HDLC **** short, no line end";
+  Write("trace.txt", trace);
+  const Finished plain = Velmora("trace.txt out.txt");
+  EXPECT_EQ(plain.status, 0);
+  EXPECT_EQ(plain.err, ShortMarked(2, 2) + UpperCase(2, 4) + Misplaced(1, 5) + "Translation is done!\n");
+  const std::string message = Read("out.txt");
+
+  // -q silences them; the message file is unchanged.
+  EXPECT_EQ(Velmora("-q trace.txt quiet.txt").err, "");
+  EXPECT_EQ(Read("quiet.txt"), message);
+  // Every output kind reads the lines the same way, and warns the same.
+  EXPECT_EQ(Velmora("--to calls trace.txt calls.txt").err, plain.err);
+  std::string fromStandardInput = plain.err;
+  for (std::size_t at; (at = fromStandardInput.find("trace.txt")) != std::string::npos;)
+    fromStandardInput.replace(at, 9, "standard input");
+  EXPECT_EQ(Velmora("- - <trace.txt").err, fromStandardInput);
+  EXPECT_EQ(Read("stdout"), message);
+
+  // A clean trace draws no warning.
+  Write("clean.txt", FrameLine("0x00 0x81 0x7f"));
+  EXPECT_EQ(Velmora("clean.txt clean.out").err, "Translation is done!\n");
+}
+
+TEST_F(ScanWarnings, ParallelRunNumbersLinesAcrossItsChunks) {
+  // Several megabytes, read in chunks by several threads: the first flawed
+  // line of each kind stands in a late chunk.
+  std::string trace;
+  std::uint64_t lines = 0;
+  while (trace.size() < 6 * 1024 * 1024) {
+    trace += FrameLine("0x00 0x81 0x01");
+    ++lines;
+  }
+  trace +=
+      FrameLine("0x00 0x81 0x7F") + OneBlankBeforeBar("0x00 0x81 0x01") + "HDLC ****\n" + FrameLine("0xAB 0x81 0x01");
+  Write("trace.txt", trace);
+  const std::string expected =
+      ShortMarked(1, lines + 3) + UpperCase(2, lines + 1) + Misplaced(1, lines + 2) + "Translation is done!\n";
+  for (const char* jobs : {"-j 1", "-j 3"}) {
+    SCOPED_TRACE(jobs);
+    EXPECT_EQ(Velmora(std::string(jobs) + " trace.txt out.txt").err, expected);
+  }
 }
 
 }  // namespace

@@ -25,6 +25,7 @@ const std::string kCannotOpenInput = "Cannot open Input log file!\n";
 const std::string kCannotOpenOutput = "Cannot open output message file!\n";
 const std::string kSameFile = "The output message file is as same as the input log file.\nPlease select them again!\n";
 
+const std::string kTryHelp = "Try 'velmora --help'.\n";
 const std::string kNothingUseful = "The input log file contains no useful information!\n";
 const std::string kDoneText = "Translation is done!";
 using velmora::testing::kSabmeText;
@@ -57,10 +58,14 @@ TEST_F(ErrorPaths, UsageAndOutcomes) {
   Write("frames.txt", kSabmeLine);
   Write("ua.txt", kUaLine);
   const Case cases[] = {
-      {"", 64, std::nullopt},
-      {"only-one", 64, std::nullopt},
-      {"--bogus a b", 64, std::nullopt},
-      {"'' out.txt", 64, "Please select input log file!\n"},
+      // A usage error says what is wrong and where help is, not the whole help.
+      {"", 64, "velmora: expected INPUT OUTPUT pairs\n" + kTryHelp},
+      {"only-one", 64, "velmora: expected INPUT OUTPUT pairs\n" + kTryHelp},
+      {"--bogus a b", 64, "velmora: unknown option --bogus\n" + kTryHelp},
+      {"--to", 64, "velmora: --to needs an output kind\n" + kTryHelp},
+      {"-- --bogus out.txt", 66, std::nullopt},  // after "--", a path
+      {"'' out.txt", 64, "Please select input log file!\nvelmora: the input path is empty\n"},
+      {"frames.txt ''", 64, "Please select output message file!\nvelmora: the output path is empty\n"},
       {"-q frames.txt out.txt", 0, ""},
       {"frames.txt out.txt", 0, "Translation is done!\n"},
       // Several pairs: the second sees the SABME of the first.
@@ -76,18 +81,25 @@ TEST_F(ErrorPaths, UsageAndOutcomes) {
       {"-q --jobs 256 frames.txt out.txt", 0, ""},
       {"-q --jobs=1 frames.txt out.txt", 0, ""},
       {"-q -j 007 frames.txt out.txt", 0, ""},
-      {"--jobs 1x2 frames.txt out.txt", 64, "velmora: --jobs: '1x2' is not a whole number from 1 to 256\n"},
-      {"--jobs x3 frames.txt out.txt", 64, "velmora: --jobs: 'x3' is not a whole number from 1 to 256\n"},
-      {"--jobs= frames.txt out.txt", 64, "velmora: --jobs: '' is not a whole number from 1 to 256\n"},
-      {"-j0 frames.txt out.txt", 64, "velmora: -j: '0' is not a whole number from 1 to 256\n"},
-      {"-j 257 frames.txt out.txt", 64, "velmora: -j: '257' is not a whole number from 1 to 256\n"},
-      {"-j -1 frames.txt out.txt", 64, "velmora: -j: '-1' is not a whole number from 1 to 256\n"},
-      {"-j 99999999999 frames.txt out.txt", 64, "velmora: -j: '99999999999' is not a whole number from 1 to 256\n"},
+      {"--jobs 1x2 frames.txt out.txt", 64,
+       "velmora: --jobs: '1x2' is not a whole number from 1 to 256\nTry \'velmora --help\'.\n"},
+      {"--jobs x3 frames.txt out.txt", 64,
+       "velmora: --jobs: 'x3' is not a whole number from 1 to 256\nTry \'velmora --help\'.\n"},
+      {"--jobs= frames.txt out.txt", 64,
+       "velmora: --jobs: '' is not a whole number from 1 to 256\nTry \'velmora --help\'.\n"},
+      {"-j0 frames.txt out.txt", 64, "velmora: -j: '0' is not a whole number from 1 to 256\nTry \'velmora --help\'.\n"},
+      {"-j 257 frames.txt out.txt", 64,
+       "velmora: -j: '257' is not a whole number from 1 to 256\nTry \'velmora --help\'.\n"},
+      {"-j -1 frames.txt out.txt", 64,
+       "velmora: -j: '-1' is not a whole number from 1 to 256\nTry \'velmora --help\'.\n"},
+      {"-j 99999999999 frames.txt out.txt", 64,
+       "velmora: -j: '99999999999' is not a whole number from 1 to 256\nTry \'velmora --help\'.\n"},
   };
   ExpectRuns(cases);
   EXPECT_EQ(Read("out.txt"), kSabmeLine + kSabmeText);
   EXPECT_EQ(Read("o2.txt"), kUaLine + velmora::testing::kUaAfterSabmeText);
   EXPECT_NE(Velmora("--help").out.find("Usage: velmora"), std::string::npos);
+  EXPECT_NE(Velmora("--help").out.find("\n  --       end of options"), std::string::npos);
   EXPECT_EQ(Velmora("--version").out, "velmora 1.0.0.1\n");
 }
 
@@ -104,7 +116,7 @@ TEST_F(ErrorPaths, OpenFailures) {
     return kCannotOpenOutput + ("velmora: " + name + ": " + why + "\n");
   };
   const auto same = [](const std::string& out, const std::string& in) {
-    return kSameFile + ("velmora: " + out + " is " + in + " under another name\n");
+    return kSameFile + ("velmora: " + out + " and " + in + " are the same file\n");
   };
   const std::string viaParent = "../" + dir_.filename().string() + "//frames.txt";
   const Case cases[] = {

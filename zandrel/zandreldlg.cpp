@@ -56,7 +56,7 @@ constexpr ControlTemplate kMainControls[] = {
 constexpr zandrel::DialogTemplate kMainTemplate = {"Velmora", 230, 113, true, kMainControls};
 
 constexpr char kLogFilter[] =
-    "Log Files (*.txt)|*.txt|Trace logs and captures (*.txt *.log *.pcap *.pcapng)|*.txt;*.log;*.pcap;*.pcapng|"
+    "Log Files (*.txt)|*.txt|Trace logs (*.txt *.log)|*.txt;*.log|Captures (*.pcap *.pcapng)|*.pcap;*.pcapng|"
     "All Files (*.*)|*.*||";
 constexpr char kMessageFilter[] = "Message Files (*.txt)|*.txt|All Files (*.*)|*.*||";
 

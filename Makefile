@@ -57,8 +57,20 @@ test: deps
 	  -DVELMORA_SANITIZE=address,undefined -DVELMORA_WERROR=ON >/dev/null
 	cmake --build $(TEST_DIR) -j $(JOBS)
 	cd $(TEST_DIR) && ASAN_OPTIONS=detect_leaks=1 ctest --output-on-failure -j $(JOBS)
+	$(MAKE) release-test
 	$(MAKE) fuzz-smoke
 	$(MAKE) package-check
+
+# The tests whose subject is the optimised program itself, on the Release
+# build with link-time optimisation: the golden traces, the parallel run
+# against one thread, the scanner's warnings and the three-gigabyte line.
+RELEASE_TEST_DIR := build/release-test
+.PHONY: release-test
+release-test: deps
+	cmake -S . -B $(RELEASE_TEST_DIR) -G Ninja -DCMAKE_BUILD_TYPE=Release -DVELMORA_DIALOG=OFF \
+	  -DVELMORA_WERROR=ON >/dev/null
+	cmake --build $(RELEASE_TEST_DIR) -j $(JOBS) --target velmora test_golden test_parallel_run test_error_paths test_cli
+	cd $(RELEASE_TEST_DIR) && ctest --output-on-failure -j $(JOBS) -R '^(Traces/Golden|ParallelRun|ErrorPaths|Cli|ScanWarnings)\.'
 
 # The Debian packages velmora and zandrel (build/package/*.deb): a Release
 # build with Debian's hardening flags, without sanitizers, packed by CPack.

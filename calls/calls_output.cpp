@@ -123,7 +123,7 @@ class CallsWriter {
     out_.Put("cause values, most frequent first:\n");
     for (const std::uint8_t value : order) {
       scratch_ = std::to_string(totals_.causes[value]);
-      PutPadded(scratch_, 7, true);
+      PutInColumn(scratch_, 7, true);
       out_.Put("  ");
       out_.Decimal(value);
       const std::string_view meaning = CauseValueMeaning(value);
@@ -136,7 +136,7 @@ class CallsWriter {
   }
 
  private:
-  void PutPadded(std::string_view text, std::size_t width, bool right) {
+  void PutInColumn(std::string_view text, std::size_t width, bool right) {
     const std::size_t padding = text.size() < width ? width - text.size() : 0;
     if (right) PutBlanks(padding);
     out_.Put(text);
@@ -151,7 +151,7 @@ class CallsWriter {
   void TableCell(std::string_view text) {
     const CallTableColumn& column = kCallTableColumns[tableColumn_];
     if (tableColumn_ > 0) out_.Put("  ");
-    PutPadded(text.empty() ? "-" : text, column.width, column.right);
+    PutInColumn(text.empty() ? "-" : text, column.width, column.right);
     ++tableColumn_;
   }
   void EndTableRow() {

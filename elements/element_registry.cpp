@@ -14,7 +14,7 @@ std::size_t DecodeElement(OutputWriter& out, const ElementEntry* entry, const El
     out.Put(kElementPrefix.substr(skipped));
     DecodeUnknownElement(out, element);
   } else {
-    out.PutPadded(entry->heading.View().substr(skipped));
+    out.PutPadded(entry->heading.Padded().DropFront(skipped));
     entry->decode(out, element);
   }
   return OccupiedOctets(entry, element);

@@ -198,11 +198,11 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
   // A header row and a row a call; a control character never breaks a row.
   const std::string csv = summary(velmora::CallsForm::Csv);
   Require(static_cast<std::size_t>(std::count(csv.begin(), csv.end(), '\n')) == firstLines.size() + 1,
-          "a CSV row a call behind the header row", Printable(csv));
+          "a CSV row a call behind the header row", [&] { return Printable(csv); });
   // The heading, a row a call, a blank line, five totals and the causes.
   const std::string table = summary(velmora::CallsForm::Table);
   Require(static_cast<std::size_t>(std::count(table.begin(), table.end(), '\n')) >= firstLines.size() + 7,
-          "the table's rows and totals", Printable(table));
+          "the table's rows and totals", [&] { return Printable(table); });
 
   const std::string json = summary(velmora::CallsForm::JsonLines);
   std::size_t objects = 0;
@@ -212,7 +212,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     const std::string_view line = std::string_view(json).substr(start, end - start);
     std::vector<std::string> keys;
     Require(JsonLine(line).Object(keys) && keys == kKeys, "a JSON object with exactly the summary's keys",
-            Printable(line));
+            [&] { return Printable(line); });
     start = end + 1;
   }
   Require(objects == firstLines.size(), "one JSON line a call");
@@ -243,7 +243,8 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     const std::size_t end = report.find("</script>", at);
     Require(end != std::string::npos && end > at && report[end - 1] == '}', "a data block ends with its object");
     const std::string_view block = std::string_view(report).substr(at, end - at);
-    Require(block.find_first_of("<>&") == std::string_view::npos, "no markup in a data block", Printable(block));
+    Require(block.find_first_of("<>&") == std::string_view::npos, "no markup in a data block",
+            [&] { return Printable(block); });
   }
   Require(blocks >= 1 && report.ends_with("</html>\n"), "the report's data blocks and its end");
   return 0;

@@ -194,11 +194,11 @@ void CheckRun(std::string_view bytes, const Reading& reading) {
       velmora::TranslateTraceLine(context, piece);
       reference.setupPending = context.linkSetup == velmora::LinkSetup::Pending;
     });
-    Require(part.starts_with(piece), "the decoded output begins with the piece", Printable(piece));
+    Require(part.starts_with(piece), "the decoded output begins with the piece", [&] { return Printable(piece); });
     expected += part;
   }
   Require(written == expected, "the message file is the pieces' copies and decodings",
-          Printable(written.substr(0, 200)) + "\n" + Printable(expected.substr(0, 200)));
+          [&] { return Printable(written.substr(0, 200)) + "\n" + Printable(expected.substr(0, 200)); });
   Require(report.inputFault == reading.fault && report.inputFaultText == reading.faultText,
           "the run reports the capture's fault");
   Require(outcome == (reading.pieces.empty() ? velmora::TranslationOutcome::NoFrameFound

@@ -47,10 +47,12 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
                             Printable(std::string_view(reinterpret_cast<const char*>(octets), octetCount));
 
   // Whole lines: a heading, then field lines of two or three tabs.
-  Require(!text.empty() && text.back() == '\n', "an element prints whole lines", where + "\n" + Printable(text));
+  Require(!text.empty() && text.back() == '\n', "an element prints whole lines",
+          [&] { return where + "\n" + Printable(text); });
   const std::size_t headingEnd = text.find('\n');
   for (std::size_t at = headingEnd + 1; at < text.size(); at = text.find('\n', at) + 1)
-    Require(text.compare(at, 2, "\t\t") == 0, "field lines begin with two tabs", where + "\n" + Printable(text));
+    Require(text.compare(at, 2, "\t\t") == 0, "field lines begin with two tabs",
+            [&] { return where + "\n" + Printable(text); });
 
   // No memory between calls.
   Require(DecodeAtFrameEnd(entry, octets, octetCount) == text, "a decoder keeps no state", where);
@@ -60,8 +62,9 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     const velmora::ElementOctets element(velmora::OctetSpan(octets, octetCount));
     const std::size_t elementSize = std::min(velmora::OccupiedOctets(entry, element), octetCount);
     const std::string alone = DecodeAtFrameEnd(entry, octets, elementSize);
-    Require(alone == text, "a decoder reads nothing behind its element's last octet",
-            where + "\nwith the rest of the frame:\n" + Printable(text) + "\nalone:\n" + Printable(alone));
+    Require(alone == text, "a decoder reads nothing behind its element's last octet", [&] {
+      return where + "\nwith the rest of the frame:\n" + Printable(text) + "\nalone:\n" + Printable(alone);
+    });
   }
   return 0;
 }

@@ -79,32 +79,36 @@ LinkSetup CheckPiece(std::string_view piece, LinkSetup carried) {
   std::vector<std::uint64_t> notes;
   Decoded unknown = DecodeFrom(LinkSetup::Unknown, line, &notes);
   Require(unknown.linkAfter == (notPending.linkAfter == pending.linkAfter ? notPending.linkAfter : LinkSetup::Unknown),
-          "from the unknown state a piece decides the memory exactly when it does from both", Printable(line));
-  Require(unknown.output == notPending.output, "the unknown state writes the DISC wording", Printable(line));
+          "from the unknown state a piece decides the memory exactly when it does from both",
+          [&] { return Printable(line); });
+  Require(unknown.output == notPending.output, "the unknown state writes the DISC wording",
+          [&] { return Printable(line); });
   for (const std::uint64_t at : notes)
     unknown.output.replace(at, velmora::kUaAfterSabme.size(), velmora::kUaAfterSabme);
   Require(unknown.output == pending.output, "the noted UA wordings, fixed up, give the SABME state's output",
-          Printable(line));
+          [&] { return Printable(line); });
 
   const Decoded& decoded = carried == LinkSetup::Pending ? pending : notPending;
   const std::string& out = decoded.output;
   Require(out.compare(0, line.size(), line) == 0, "the output for a piece begins with the piece",
-          "piece: " + Printable(line) + "\noutput: " + Printable(out));
+          [&] { return "piece: " + Printable(line) + "\noutput: " + Printable(out); });
   const std::string_view rest = std::string_view(out).substr(line.size());
   const bool frameLine = velmora::IsFrameLine(line);
-  Require(decoded.frameFound == frameLine, "a frame line, and only a frame line, counts as found", Printable(line));
+  Require(decoded.frameFound == frameLine, "a frame line, and only a frame line, counts as found",
+          [&] { return Printable(line); });
   if (!frameLine) {
-    Require(rest.empty(), "a line that is not a frame line is only copied", Printable(out));
+    Require(rest.empty(), "a line that is not a frame line is only copied", [&] { return Printable(out); });
     return decoded.linkAfter;
   }
   Require(rest.substr(0, kLayer2.size()) == kLayer2, "a frame line's decoding starts with the layer-2 line",
-          Printable(rest));
+          [&] { return Printable(rest); });
 
   velmora::Octet frame[velmora::kFrameCapacity];
   const std::size_t count = velmora::ReadFrameOctets(line, frame);
-  Require(count == ExpectedOctetCount(line), "the scanner takes exactly the cells the line holds",
-          "got " + std::to_string(count) + ", expected " + std::to_string(ExpectedOctetCount(line)) + "\n" +
-              Printable(line));
+  Require(count == ExpectedOctetCount(line), "the scanner takes exactly the cells the line holds", [&] {
+    return "got " + std::to_string(count) + ", expected " + std::to_string(ExpectedOctetCount(line)) + "\n" +
+           Printable(line);
+  });
   return decoded.linkAfter;
 }
 

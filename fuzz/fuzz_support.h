@@ -10,6 +10,7 @@
 #include <memory>
 #include <string>
 #include <string_view>
+#include <type_traits>
 #include <vector>
 
 #include "element_registry.h"
@@ -25,6 +26,14 @@ namespace velmora::fuzz {
 
 inline void Require(bool holds, const char* what, const std::string& detail = {}) {
   if (!holds) Violated(what, detail);
+}
+
+// The same with a detail that costs (a printable copy of the input): made
+// only when the invariant does not hold.
+template <typename MakeDetail>
+requires std::is_invocable_r_v<std::string, MakeDetail>
+inline void Require(bool holds, const char* what, MakeDetail&& makeDetail) {
+  if (!holds) Violated(what, makeDetail());
 }
 
 // The pieces the run hands to the line handler: up to and including the

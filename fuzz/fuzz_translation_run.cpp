@@ -1,6 +1,5 @@
-// Whole inputs through the translation run, input and output in memory files
-// reached by their /proc/self/fd paths, split into two runs that share the
-// link memory. The run's output must equal, byte for byte, what the line
+// Whole inputs through the translation run's in-memory core, split into two
+// runs that share the link memory. The run's output must equal, byte for byte, what the line
 // handler makes of the input's pieces one by one; the line reader must cut
 // the same pieces when the input arrives in short reads of odd sizes.
 //
@@ -8,9 +7,9 @@
 // parallel run's chunks and translated on two threads: the output and the
 // link memory must be those of the pieces decoded in order.
 //
-// Input: byte 0 chooses the starting link memory (bit 1), the same-file
-// check (bit 2), the parallel run (bit 3) and where the second run starts
-// (bits 8 to 4); byte 1 the line reader's block size; the rest is the text.
+// Input: byte 0 chooses the starting link memory (bit 1), the parallel run
+// (bit 3) and where the second run starts (bits 8 to 4); byte 1 the line
+// reader's block size; the rest is the text.
 #include <fcntl.h>
 #include <sys/mman.h>
 #include <sys/socket.h>
@@ -56,19 +55,6 @@ void Store(const MemoryFile& file, std::string_view bytes) {
   }
 }
 
-std::string Load(const MemoryFile& file) {
-  struct stat info {};
-  Require(::fstat(file.fd, &info) == 0, "fstat");
-  std::string bytes(static_cast<std::size_t>(info.st_size), '\0');
-  std::size_t done = 0;
-  while (done < bytes.size()) {
-    const ssize_t got = ::pread(file.fd, bytes.data() + done, bytes.size() - done, static_cast<off_t>(done));
-    Require(got > 0, "pread");
-    done += static_cast<std::size_t>(got);
-  }
-  return bytes;
-}
-
 using velmora::LinkSetup;
 
 LinkSetup SetupOf(const velmora::LinkMemory& link) {
@@ -87,30 +73,26 @@ std::string ReferenceOutput(std::string_view text, LinkSetup& link, bool& anyFra
       link = context.linkSetup;
     });
     Require(part.compare(0, piece.size(), piece) == 0, "the output for a piece begins with the piece",
-            Printable(piece));
+            [&] { return Printable(piece); });
     anyFrameLine = anyFrameLine || velmora::IsFrameLine(piece);
     expected += part;
   }
   return expected;
 }
 
-void CheckRun(const MemoryFile& input, const MemoryFile& output, std::string_view text, velmora::LinkMemory& link,
-              bool refuseSameFile) {
-  Store(input, text);
-  Store(output, "stale bytes a run must truncate\n");
+void CheckRun(std::string_view text, velmora::LinkMemory& link) {
+  std::string written;
+  velmora::StringSink sink(written);
   velmora::TranslationReport report;
   velmora::TranslationOptions options;
-  options.refuseSameFile = refuseSameFile;
   options.report = &report;
 
   LinkSetup reference = SetupOf(link);
-  const velmora::TranslationOutcome outcome = velmora::TranslateTraceFile(input.path, output.path, link, options);
+  const velmora::TranslationOutcome outcome = velmora::TranslateTraceText(text, sink, link, options);
 
   bool anyFrameLine = false;
   const std::string expected = ReferenceOutput(text, reference, anyFrameLine);
   Require(reference == SetupOf(link), "the run leaves the link memory where the pieces do");
-
-  const std::string written = Load(output);
   if (written != expected) {
     std::size_t at = 0;
     while (at < written.size() && at < expected.size() && written[at] == expected[at]) ++at;
@@ -122,7 +104,7 @@ void CheckRun(const MemoryFile& input, const MemoryFile& output, std::string_vie
   const auto wanted =
       anyFrameLine ? velmora::TranslationOutcome::TranslationDone : velmora::TranslationOutcome::NoFrameFound;
   Require(outcome == wanted, "done exactly when some piece is a frame line");
-  Require(report.readError == 0 && report.writeError == 0, "memory files neither fail to read nor to write");
+  Require(report.readError == 0 && report.writeError == 0, "memory neither fails to read nor to write");
   Require(report.bytesRead == text.size(), "every input byte is read");
   Require(report.bytesWritten == written.size(), "the report counts every byte written");
 }
@@ -154,7 +136,7 @@ void CheckReaderInShortReads(std::string_view text, std::size_t blockSize, const
     Require(!pieces->empty(), "the reader hands on whole pieces, never none");
     for (const std::string_view piece : velmora::fuzz::SplitPieces(*pieces)) {
       Require(index < expected.size() && piece == expected[index], "the reader cuts the run's pieces",
-              "piece " + std::to_string(index) + ": " + Printable(piece));
+              [&] { return "piece " + std::to_string(index) + ": " + Printable(piece); });
       ++index;
     }
   }
@@ -205,20 +187,20 @@ void CheckParallelRun(const MemoryFile& input, std::string_view text, bool setup
 }  // namespace
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
-  static const MemoryFile input = MakeMemoryFile("velmora-fuzz-input");
-  static const MemoryFile output = MakeMemoryFile("velmora-fuzz-output");
   if (size < 2) return 0;
   const std::uint8_t control = data[0];
   const std::size_t blockSize = static_cast<std::size_t>(data[1]) * 24;
   const std::string_view text(reinterpret_cast<const char*>(data + 2), size - 2);
 
   velmora::LinkMemory link{(control & 1) != 0};
-  const bool refuseSameFile = (control & 2) != 0;
   const std::size_t split = text.size() * (control >> 3) / 31;
-  CheckRun(input, output, text.substr(0, split), link, refuseSameFile);
-  CheckRun(input, output, text.substr(split), link, refuseSameFile);
+  CheckRun(text.substr(0, split), link);
+  CheckRun(text.substr(split), link);
 
   CheckReaderInShortReads(text, blockSize, data + 2, size - 2 > 64 ? 64 : size - 2);
-  if ((control & 4) != 0 && !text.empty()) CheckParallelRun(input, text, (control & 1) != 0);
+  if ((control & 4) != 0 && !text.empty()) {
+    static const MemoryFile input = MakeMemoryFile("velmora-fuzz-input");
+    CheckParallelRun(input, text, (control & 1) != 0);
+  }
   return 0;
 }

@@ -88,14 +88,41 @@ inline constexpr std::array<std::array<char, 8>, 256> kOctetBits = [] {
 // thread of their own while the next block fills (Behind).
 enum class SinkWrites { Inline, Behind };
 
+inline constexpr std::size_t kTextPadding = 64;
+
+// Text with at least kTextPadding characters of its storage behind its end,
+// which OutputWriter::PutPadded may read though it prints none of them. Made
+// only by the storage that has that room (PaddedText, the field lines' book),
+// so that the promise is kept by the type rather than by a comment.
+class PaddedView {
+ public:
+  constexpr PaddedView() = default;  // no text, the room behind it a blank block
+  template <std::size_t N>
+  static constexpr PaddedView Within(const std::array<char, N>& storage, std::size_t at, std::size_t size) {
+    if (at + size + kTextPadding > N) throw "the text has not the room behind it that PaddedView promises";
+    return PaddedView(storage.data() + at, size);
+  }
+  constexpr std::string_view View() const { return {data_, size_}; }
+  constexpr std::size_t size() const { return size_; }
+  constexpr bool empty() const { return size_ == 0; }
+  // Without its first `count` characters; the room behind stays.
+  constexpr PaddedView DropFront(std::size_t count) const {
+    return count < size_ ? PaddedView(data_ + count, size_ - count) : PaddedView(data_ + size_, 0);
+  }
+
+ private:
+  static constexpr std::array<char, kTextPadding> kNothing{};
+  constexpr PaddedView(const char* data, std::size_t size) : data_(data), size_(size) {}
+  const char* data_ = kNothing.data();
+  std::size_t size_ = 0;
+};
+
 // A short text joined from pieces at compile time and stored with the room
 // behind it that OutputWriter::PutPadded may read: a heading, a name line,
 // constant lines printed together.
 template <std::size_t Capacity>
 class PaddedText {
  public:
-  static constexpr std::size_t kPadding = 64;
-
   constexpr PaddedText(std::initializer_list<std::string_view> pieces) {
     for (const std::string_view piece : pieces) {
       if (size_ + piece.size() > Capacity) throw "text too long for its PaddedText";
@@ -103,9 +130,10 @@ class PaddedText {
     }
   }
   constexpr std::string_view View() const { return {text_.data(), size_}; }
+  constexpr PaddedView Padded() const { return PaddedView::Within(text_, 0, size_); }
 
  private:
-  std::array<char, Capacity + kPadding> text_{};
+  std::array<char, Capacity + kTextPadding> text_{};
   std::size_t size_ = 0;
 };
 
@@ -134,16 +162,15 @@ class OutputWriter {
       PutSlow(text);
     }
   }
-  // Text that may be read, though not printed, up to kPadding characters
-  // past its end: a short one is copied in one fixed-size move, which costs
-  // no branch on its length.
-  static constexpr std::size_t kPadding = PaddedText<1>::kPadding;
-  VELMORA_HOT_PATH void PutPadded(std::string_view text) {
+  // Text with room behind it: a short one is copied in one fixed-size move,
+  // which costs no branch on its length.
+  static constexpr std::size_t kPadding = kTextPadding;
+  VELMORA_HOT_PATH void PutPadded(PaddedView text) {
     if (text.size() <= kPadding && capacity_ - used_ >= kPadding) {
-      std::memcpy(buffer_.get() + used_, text.data(), kPadding);
+      std::memcpy(buffer_.get() + used_, text.View().data(), kPadding);
       used_ += text.size();
     } else {
-      Put(text);
+      Put(text.View());
     }
   }
   // A block handed to the sink as it is, uncopied, behind the text

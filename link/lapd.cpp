@@ -83,7 +83,7 @@ void DecodeLapdFrame(DecodeContext& context, OctetSpan frame) {
   if ((control & 0x01) == 0) {
     // The protocol discriminator is octet 5; a frame that ends before it has none.
     if (frame.size() >= 5 && IsQ931Discriminator(frame[4])) {
-      out.PutPadded(kQ931InformationFrame.View());
+      out.PutPadded(kQ931InformationFrame.Padded());
       DecodeQ931Message(out, frame.subspan(4));
       return;
     }

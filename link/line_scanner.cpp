@@ -28,21 +28,37 @@ constexpr std::uint8_t DigitFlaw(unsigned char c) {
   return c >= 'A' && c <= 'F' ? kUpperCaseDigit : kNotADigit;
 }
 
+// Each character's value as a digit, and its flaw.
+struct DigitTable {
+  std::uint8_t value[256];
+  std::uint8_t flaw[256];
+};
+constexpr DigitTable kDigits = [] {
+  DigitTable digits{};
+  for (unsigned c = 0; c < 256; ++c) {
+    digits.value[c] = static_cast<std::uint8_t>(HexValue(static_cast<unsigned char>(c)));
+    digits.flaw[c] = DigitFlaw(static_cast<unsigned char>(c));
+  }
+  return digits;
+}();
+
 // Every pair of digit characters, indexed by the pair as it stands in
 // memory: its octet (kept modulo 256, as the octet is) in the low byte and
-// its flaw in the high byte. A cell costs one load of its two digits and
-// one of the table.
+// its flaw in the high byte, a digit that is none outweighing an upper-case
+// one. A cell costs one load of its two digits and one of the table. Built
+// from plain arrays, in few steps a pair: a compiler's constant evaluation
+// counts them, a call to std::array's operator[] among them.
 constexpr std::array<std::uint16_t, 65536> kCellDigits = [] {
+  constexpr std::uint8_t kPairFlaw[4] = {kNoFlaw, kUpperCaseDigit, kNotADigit, kNotADigit};
+  constexpr bool kLittle = std::endian::native == std::endian::little;
   std::array<std::uint16_t, 65536> cells{};
+  std::uint16_t* pairs = cells.data();
   for (unsigned high = 0; high < 256; ++high) {
-    for (unsigned low = 0; low < 256; ++low) {
-      const unsigned pair = std::endian::native == std::endian::little ? high | low << 8 : high << 8 | low;
-      const unsigned either = DigitFlaw(static_cast<unsigned char>(high)) | DigitFlaw(static_cast<unsigned char>(low));
-      const unsigned flaw = (either & kNotADigit) != 0 ? kNotADigit : either;
-      const unsigned octet =
-          (16U * HexValue(static_cast<unsigned char>(high)) + HexValue(static_cast<unsigned char>(low))) & 0xFFU;
-      cells[pair] = static_cast<std::uint16_t>(octet | flaw << 8);
-    }
+    const unsigned highValue = 16U * kDigits.value[high];
+    const unsigned highFlaw = kDigits.flaw[high];
+    for (unsigned low = 0; low < 256; ++low)
+      pairs[kLittle ? high | low << 8 : high << 8 | low] = static_cast<std::uint16_t>(
+          ((highValue + kDigits.value[low]) & 0xFFU) | unsigned{kPairFlaw[highFlaw | kDigits.flaw[low]]} << 8);
   }
   return cells;
 }();

@@ -24,7 +24,7 @@ void DecodeQ931Message(OutputWriter& out, OctetSpan message) {
     out.Put(kMessageTypePrefix);
     return;
   }
-  out.PutPadded(walk->typeLine.View());
+  out.PutPadded(walk->typeLine.Padded());
   WalkElements(out, *walk, header->fromMessageType);
 }
 

@@ -123,28 +123,85 @@ bool ConsumeTrace(Source& source, TraceConsumer& consumer, ScanNotes& notes, Sto
   return frameFound;
 }
 
-// Every piece of a source (the line reader, or a recognised format's
-// source) into the message file or the consumer, on this thread. Returns
-// whether a frame line was seen.
-template <typename Source>
-bool TranslatePieces(Source& source, OutputWriter& writer, LinkMemory& link, const TranslationOptions& options,
-                     bool readMayWait, const std::function<void(std::uint64_t)>& reportProgress, ScanNotes& notes) {
+// Every piece of a source (the line reader, a recognised format's source,
+// text in memory) into the message file or the consumer, on this thread.
+// Returns whether a frame line was seen; fills in the report's reading side.
+bool TranslatePieces(PieceSource& source, OutputWriter& writer, LinkMemory& link, const TranslationOptions& options,
+                     bool readMayWait, std::uint64_t inputSize, TranslationReport& report) {
   // Output produced so far reaches its reader before the run may wait
   // for more input: `velmora - -` works as a filter.
   source.SetBeforeRead([&] {
     if (readMayWait) writer.Flush();
-    reportProgress(source.BytesRead());
+    if (options.progress) options.progress(source.BytesRead(), inputSize);
   });
   const auto stopped = [&] { return options.stopOnWriteError && writer.Failed(); };
-  if (options.makeConsumer) return ConsumeTrace(source, *options.makeConsumer(writer, link), notes, stopped);
-  DecodeContext context{writer, link.setupPending ? LinkSetup::Pending : LinkSetup::NotPending};
-  while (const auto pieces = source.NextPieces()) {
-    TranslateTracePieces(context, *pieces);
-    if (stopped()) break;
+  bool frameFound = false;
+  if (options.makeConsumer) {
+    frameFound = ConsumeTrace(source, *options.makeConsumer(writer, link), report.scanNotes, stopped);
+  } else {
+    DecodeContext context{writer, link.setupPending ? LinkSetup::Pending : LinkSetup::NotPending};
+    while (const auto pieces = source.NextPieces()) {
+      TranslateTracePieces(context, *pieces);
+      if (stopped()) break;
+    }
+    link.setupPending = context.linkSetup == LinkSetup::Pending;
+    report.scanNotes = context.notes;
+    frameFound = context.frameFound;
   }
-  link.setupPending = context.linkSetup == LinkSetup::Pending;
-  notes = context.notes;
-  return context.frameFound;
+  report.readError = source.Error();
+  report.bytesRead = source.BytesRead();
+  report.inputFault = source.Fault();
+  report.inputFaultText = source.FaultText();
+  return frameFound;
+}
+
+// A trace log read from a descriptor, as a piece source.
+class LineReaderSource final : public PieceSource {
+ public:
+  explicit LineReaderSource(LineReader& reader) : reader_(reader) {}
+  std::optional<std::string_view> NextPieces() override { return reader_.NextPieces(); }
+  void SetBeforeRead(std::function<void()> beforeRead) override { reader_.SetBeforeRead(std::move(beforeRead)); }
+  std::uint64_t BytesRead() const override { return reader_.BytesRead(); }
+  int Error() const override { return reader_.Error(); }
+  InputFault Fault() const override { return InputFault::None; }
+  const std::string& FaultText() const override { return noFault_; }
+
+ private:
+  LineReader& reader_;
+  std::string noFault_;
+};
+
+// A whole trace log held in memory: all of it at once, as whole pieces.
+class TextSource final : public PieceSource {
+ public:
+  explicit TextSource(std::string_view text) : text_(text) {}
+  std::optional<std::string_view> NextPieces() override {
+    if (given_ || text_.empty()) return std::nullopt;
+    given_ = true;
+    return text_;
+  }
+  void SetBeforeRead(std::function<void()>) override {}
+  std::uint64_t BytesRead() const override { return given_ ? text_.size() : 0; }
+  int Error() const override { return 0; }
+  InputFault Fault() const override { return InputFault::None; }
+  const std::string& FaultText() const override { return noFault_; }
+
+ private:
+  std::string_view text_;
+  bool given_ = false;
+  std::string noFault_;
+};
+
+TranslationReport& ReportOf(const TranslationOptions& options, TranslationReport& unused) {
+  TranslationReport& report = options.report != nullptr ? *options.report : unused;
+  report = TranslationReport{};
+  return report;
+}
+
+// The writing side of the report, once the writer is flushed.
+void ReportWrites(const OutputWriter& writer, int closeError, TranslationReport& report) {
+  report.writeError = writer.Failed() ? writer.Error() : closeError;
+  report.bytesWritten = writer.BytesWritten();
 }
 
 // The first bytes of the input, looked at to tell its format: read with
@@ -194,6 +251,23 @@ const OutcomeMessage& DescribeOutcome(TranslationOutcome outcome) {
   return kOutcomeMessages[static_cast<int>(outcome)];
 }
 
+TranslationOutcome TranslateTrace(PieceSource& source, ByteSink& output, LinkMemory& link,
+                                  const TranslationOptions& options) {
+  TranslationReport unusedReport;
+  TranslationReport& report = ReportOf(options, unusedReport);
+  OutputWriter writer(output);
+  const bool frameFound = TranslatePieces(source, writer, link, options, false, 0, report);
+  writer.Flush();
+  ReportWrites(writer, 0, report);
+  return frameFound ? TranslationOutcome::TranslationDone : TranslationOutcome::NoFrameFound;
+}
+
+TranslationOutcome TranslateTraceText(std::string_view trace, ByteSink& output, LinkMemory& link,
+                                      const TranslationOptions& options) {
+  TextSource source(trace);
+  return TranslateTrace(source, output, link, options);
+}
+
 TranslationOutcome TranslateTraceFile(std::string_view inputPath, std::string_view outputPath, LinkMemory& link,
                                       const TranslationOptions& options) {
   if (inputPath.empty()) return TranslationOutcome::InputNotSelected;
@@ -203,8 +277,7 @@ TranslationOutcome TranslateTraceFile(std::string_view inputPath, std::string_vi
   if (inputPath == outputPath && !inputIsStandard) return TranslationOutcome::OutputSameAsInput;
 
   TranslationReport unusedReport;
-  TranslationReport& report = options.report != nullptr ? *options.report : unusedReport;
-  report = TranslationReport{};
+  TranslationReport& report = ReportOf(options, unusedReport);
 
   int inputFd = STDIN_FILENO;
   struct stat inputInfo {};
@@ -266,43 +339,31 @@ TranslationOutcome TranslateTraceFile(std::string_view inputPath, std::string_vi
     if (options.progress) options.progress(bytesRead, inputSize);
   };
   bool frameFound = false;
-  int readError = 0;
-  std::uint64_t bytesRead = 0;
   // A regular file's read does not wait for anyone; a pipe's may.
   const bool readMayWait = !regularInputSize;
   if (head.error != 0) {
     // The input could not be read from its first byte on.
-    readError = head.error;
+    report.readError = head.error;
   } else if (formatted) {
-    frameFound = TranslatePieces(*formatted, writer, link, options, readMayWait, reportProgress, report.scanNotes);
-    writer.Flush();
-    readError = formatted->Error();
-    bytesRead = formatted->BytesRead();
-    report.inputFault = formatted->Fault();
-    report.inputFaultText = formatted->FaultText();
+    frameFound = TranslatePieces(*formatted, writer, link, options, readMayWait, inputSize, report);
   } else if (parallel) {
     const ParallelRunResult result =
         TranslateInParallel(inputFd, inputSize, writer, link, options.jobs, options.stopOnWriteError, reportProgress);
-    writer.Flush();
     frameFound = result.frameFound;
     report.scanNotes = result.scanNotes;
-    readError = result.readError;
-    bytesRead = result.bytesRead;
+    report.readError = result.readError;
+    report.bytesRead = result.bytesRead;
   } else {
     LineReader reader(inputFd, LineReader::kDefaultBlock, regularInputSize ? SourceReads::Ahead : SourceReads::Inline);
     if (head.consumed) reader.Preload(head.View());
-    frameFound = TranslatePieces(reader, writer, link, options, readMayWait, reportProgress, report.scanNotes);
-    writer.Flush();
-    readError = reader.Error();
-    bytesRead = reader.BytesRead();
+    LineReaderSource source(reader);
+    frameFound = TranslatePieces(source, writer, link, options, readMayWait, inputSize, report);
   }
+  writer.Flush();
   int closeError = 0;
   if (!outputIsStandard && ::close(outputFd) != 0) closeError = errno;
   closeInput();
-  report.readError = readError;
-  report.bytesRead = bytesRead;
-  report.writeError = writer.Failed() ? writer.Error() : closeError;
-  report.bytesWritten = writer.BytesWritten();
+  ReportWrites(writer, closeError, report);
   return frameFound ? TranslationOutcome::TranslationDone : TranslationOutcome::NoFrameFound;
 }
 

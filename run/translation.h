@@ -12,8 +12,10 @@
 
 namespace velmora {
 
+class ByteSink;
 class InputFormat;
 class OutputWriter;
+class PieceSource;
 class TraceConsumer;
 
 enum class TranslationOutcome {
@@ -107,8 +109,22 @@ struct TranslationOptions {
   std::vector<const InputFormat*> inputFormats;
 };
 
-// Checks the paths, opens both files, copies and decodes every line of the
-// input into the output, closes both files and returns the outcome. The
+// The in-memory core: copies and decodes every piece that `source` hands
+// out into `output`, on the calling thread, with no path, file or thread of
+// its own; returns TranslationDone or NoFrameFound. Of the options it takes
+// makeConsumer, stopOnWriteError, progress and report. The link memory is
+// read at the start and left as the last SABME or DISC of the input sets it.
+TranslationOutcome TranslateTrace(PieceSource& source, ByteSink& output, LinkMemory& link,
+                                  const TranslationOptions& options = {});
+
+// TranslateTrace of a whole trace log held in memory.
+TranslationOutcome TranslateTraceText(std::string_view trace, ByteSink& output, LinkMemory& link,
+                                      const TranslationOptions& options = {});
+
+// The file front end: checks the paths, opens both files, tells the
+// input's format, copies and decodes every line of the input into the
+// output (on several threads for a large file), closes both files and
+// returns the outcome. The
 // link memory is read at the start and left as the last SABME or DISC of
 // the input sets it.
 TranslationOutcome TranslateTraceFile(std::string_view inputPath, std::string_view outputPath, LinkMemory& link,

@@ -197,7 +197,7 @@ TEST_F(ErrorPaths, FullDeviceIsAnIoErrorWhateverTheSizeOrStream) {
 // as it streams; velmora's resident memory must stay flat meanwhile.
 TEST_F(ErrorPaths, GigabyteLineThroughAPipeInConstantMemory) {
   constexpr std::size_t kPiece = 2047;
-  constexpr std::uint64_t kTotal = 3ULL << 30;
+  constexpr std::uint64_t kTotal = VELMORA_LONG_LINE_BYTES;
   constexpr long kRssLimitKb = 32 * 1024;
   std::string unit = "00001 2026-03-14 10:00:00.000 **** D-CH TX HDLC:3  | 0x00 0x81 0x7f";
   unit += std::string(kPiece - unit.size(), '.');
@@ -233,7 +233,14 @@ TEST_F(ErrorPaths, GigabyteLineThroughAPipeInConstantMemory) {
 
   EXPECT_EQ(::pclose(check), 0) << "the output differs from the expected stream (see cmp above)";
   EXPECT_TRUE(WIFEXITED(status) && WEXITSTATUS(status) == 0) << "wait status " << status;
-  EXPECT_EQ(Read("stderr"), kDoneText + "\n");
+  // A last piece shorter than a frame line that holds both markers is no
+  // frame line, and said so.
+  const bool shortMarkedTail = tailSize < 80 && tail.find("HDLC") != std::string::npos;
+  EXPECT_EQ(Read("stderr"), (shortMarkedTail ? "velmora: warning: standard input: 1 line holds \"HDLC\" and \"****\" "
+                                               "but is shorter than 80 characters, so it was not read as a frame line "
+                                               "(first: line 1)\n"
+                                             : "") +
+                                kDoneText + "\n");
   ASSERT_GT(peakRssKb, 0) << "velmora's memory could not be read from /proc";
   EXPECT_LT(peakRssKb, kRssLimitKb) << "peak resident memory " << peakRssKb << " kB";
   RecordProperty("peak_rss_kb", std::to_string(peakRssKb));

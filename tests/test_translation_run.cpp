@@ -6,6 +6,7 @@
 #include <memory>
 #include <string>
 
+#include "output_writer.h"
 #include "trace_consumer.h"
 #include "trace_files.h"
 #include "translation.h"
@@ -99,6 +100,45 @@ TEST_F(TranslationRun, AConsumerSeesEveryPieceInsteadOfTheMessageFile) {
   Write("in.txt", "no frame\n");
   EXPECT_EQ(TranslateTraceFile(Path("in.txt"), Path("out.txt"), link, options), TranslationOutcome::NoFrameFound);
   EXPECT_EQ(Read("out.txt"), "1 text 9\nend\n");
+}
+
+// The in-memory core makes of a trace in memory exactly what the file front
+// end makes of the same bytes in a file, output, link memory, outcome and
+// report alike, and nothing in it needs a path, a file or a thread.
+TEST_F(TranslationRun, InMemoryCoreWritesWhatTheFileRunWrites) {
+  const std::string frame = FrameLine("0x00 0x81 0x7f");
+  const std::string trace = "plain\n" + std::string(5000, 'a') + "\n" + frame + FrameLine("0x00 0x81 0x73") +
+                            "HDLC **** short\n" + FrameLine("0x00 0x81 0x7F") + "last, no line end";
+  Write("in.txt", trace);
+  LinkMemory fileLink;
+  TranslationReport fileReport;
+  TranslationOptions options;
+  options.report = &fileReport;
+  const TranslationOutcome fileOutcome = TranslateTraceFile(Path("in.txt"), Path("out.txt"), fileLink, options);
+
+  std::string text;
+  StringSink sink(text);
+  LinkMemory memoryLink;
+  TranslationReport memoryReport;
+  options.report = &memoryReport;
+  EXPECT_EQ(TranslateTraceText(trace, sink, memoryLink, options), fileOutcome);
+  EXPECT_EQ(text, Read("out.txt"));
+  EXPECT_EQ(memoryLink.setupPending, fileLink.setupPending);
+  EXPECT_EQ(memoryReport.bytesRead, trace.size());
+  EXPECT_EQ(memoryReport.bytesWritten, text.size());
+  EXPECT_EQ(memoryReport.scanNotes.shortMarkedLines.firstLine, 5U);
+  EXPECT_EQ(memoryReport.scanNotes.upperCaseCells.firstLine, 6U);
+  EXPECT_EQ(fileReport.scanNotes.upperCaseCells.lines, memoryReport.scanNotes.upperCaseCells.lines);
+
+  // A consumer works on it as on a file; nothing in, nothing found.
+  text.clear();
+  options.makeConsumer = [](OutputWriter& out, LinkMemory&) { return std::make_unique<PieceLister>(out); };
+  EXPECT_EQ(TranslateTraceText("one\n", sink, memoryLink, options), TranslationOutcome::NoFrameFound);
+  EXPECT_EQ(text, "1 text 4\nend\n");
+  text.clear();
+  options.makeConsumer = nullptr;
+  EXPECT_EQ(TranslateTraceText("", sink, memoryLink, options), TranslationOutcome::NoFrameFound);
+  EXPECT_EQ(text, "");
 }
 
 }  // namespace

@@ -109,11 +109,11 @@ struct CodedField {
   // By the field's value: its whole line, built from the above at compile
   // time, or empty where the table names no meaning. The lines carry the
   // sub-field indent; a field line leaves out its first tab.
-  std::span<const std::string_view> lines;
+  std::span<const PaddedView> lines;
 
   constexpr CodedField() = default;
   constexpr CodedField(std::string_view name, unsigned highBit, unsigned lowBit, ValueTable meanings,
-                       std::span<const std::string_view> lines)
+                       std::span<const PaddedView> lines)
       : name(name),
         highBit(highBit),
         lowBit(lowBit),
@@ -175,18 +175,18 @@ struct Book {
     return all.size;
   }
   // Padded, so that a line can be copied in one fixed-size move.
-  static constexpr Lines<Size() + OutputWriter::kPadding> kText = [] {
-    Lines<Size() + OutputWriter::kPadding> all;
+  static constexpr Lines<Size() + kTextPadding> kText = [] {
+    Lines<Size() + kTextPadding> all;
     for (std::uint32_t value = 0; value < kValues; ++value) WriteLine(all, value);
     return all;
   }();
-  static constexpr std::array<std::string_view, kValues> kLines = [] {
-    std::array<std::string_view, kValues> lines{};
+  static constexpr std::array<PaddedView, kValues> kLines = [] {
+    std::array<PaddedView, kValues> lines{};
     std::size_t at = 0;
     for (std::uint32_t value = 0; value < kValues; ++value) {
       Measure line;
       WriteLine(line, value);
-      if (line.size > 0) lines[value] = std::string_view(kText.text.data() + at, line.size);
+      if (line.size > 0) lines[value] = PaddedView::Within(kText.text, at, line.size);
       at += line.size;
     }
     return lines;
@@ -213,11 +213,10 @@ VELMORA_HOT_PATH bool PrintField(OutputWriter& out, const CodedField& field, Oct
                                  Indent indent = Indent::Field) {
   const unsigned value = field.ValueIn(octet);
   if (value >= field.lines.size()) return false;
-  const std::string_view line = field.lines[value];
+  const PaddedView line = field.lines[value];
   if (line.empty()) return false;
   // A field line leaves out the first of the sub-field indent's three tabs.
-  const std::size_t skipped = indent == Indent::SubField ? 0 : 1;
-  out.PutPadded({line.data() + skipped, line.size() - skipped});
+  out.PutPadded(line.DropFront(indent == Indent::SubField ? 0 : 1));
   return true;
 }
 

@@ -9,6 +9,8 @@
 #include "call_tracker.h"
 #include "cause.h"
 #include "common_tables.h"
+#include "decimal_text.h"
+#include "escaped_text.h"
 #include "octet.h"
 
 namespace velmora {
@@ -42,46 +44,18 @@ std::string_view BearerText(const CallRecord& call) {
 
 // Seconds from microseconds, without trailing zeros: "6.363", "12".
 void AppendSeconds(std::string& to, std::int64_t microseconds) {
-  to += std::to_string(microseconds / 1000000);
-  std::int64_t fraction = microseconds % 1000000;
+  AppendDecimal(to, static_cast<std::uint64_t>(microseconds / 1000000));
+  const std::int64_t fraction = microseconds % 1000000;
   if (fraction == 0) return;
-  char digits[7] = "000000";
-  for (int i = 5; i >= 0; --i, fraction /= 10) digits[i] = static_cast<char>('0' + fraction % 10);
-  std::size_t size = 6;
-  while (digits[size - 1] == '0') --size;
   to += '.';
-  to.append(digits, size);
-}
-
-// A control character, and in JSON a quote or a backslash.
-constexpr bool NeedsEscape(char c, bool json) {
-  const auto code = static_cast<unsigned char>(c);
-  return code < 0x20 || code == 0x7F || (json && (c == '"' || c == '\\'));
-}
-bool NeedsEscape(std::string_view digits, bool json) {
-  return std::any_of(digits.begin(), digits.end(), [json](char c) { return NeedsEscape(c, json); });
+  AppendDecimal(to, static_cast<std::uint64_t>(fraction), 6);
+  while (to.back() == '0') to.pop_back();
 }
 
 // IA5 digits as characters; a control character as \u00XX. In JSON a quote
 // and a backslash are escaped too.
 void AppendDigits(std::string& to, std::string_view digits, bool json) {
-  if (!NeedsEscape(digits, json)) {
-    to += digits;
-    return;
-  }
-  for (const char c : digits) {
-    const auto code = static_cast<unsigned char>(c);
-    if (!NeedsEscape(c, json)) {
-      to += c;
-    } else if (code < 0x20 || code == 0x7F) {
-      to += "\\u00";
-      to += kHexDigits[code >> 4];
-      to += kHexDigits[code & 0xF];
-    } else {
-      to += '\\';
-      to += c;
-    }
-  }
+  AppendEscaped(to, digits, json ? kJsonEscapes : kControlEscapes);
 }
 
 class CallsWriter {
@@ -202,7 +176,7 @@ class CallsWriter {
     }
   }
   void JsonDigits(std::string_view member, const std::optional<std::string>& digits) {
-    if (!digits || !NeedsEscape(*digits, true)) return JsonString(member, digits.value_or(""), digits.has_value());
+    if (!digits) return JsonString(member, "", false);
     scratch_.clear();
     AppendDigits(scratch_, *digits, true);
     JsonString(member, scratch_, true);

@@ -9,9 +9,9 @@
 #include <new>
 #include <utility>
 
+#include "frame_line_writer.h"
 #include "lapd_link_types.h"
 #include "line_reader.h"
-#include "packet_line.h"
 
 namespace velmora {
 namespace {
@@ -122,7 +122,7 @@ class CaptureSource final : public PieceSource {
         direction = DirectionOfPacketType(static_cast<std::uint16_t>(octets[0] << 8 | octets[1]));
       octets = octets.subspan(std::min(octets.size(), kLapdPseudoHeaderSize));
     }
-    WritePacketLine(line_, packets_, MicrosecondsOf(header->ts), direction, octets);
+    WriteFrameLine(line_, packets_, MicrosecondsOf(header->ts), direction, octets);
     rest_ = line_;
     return true;
   }
@@ -169,7 +169,9 @@ class CaptureInputFormat final : public InputFormat {
     static constexpr std::string_view kSignatures[] = {"\xa1\xb2\xc3\xd4", "\xd4\xc3\xb2\xa1", "\xa1\xb2\x3c\x4d",
                                                        "\x4d\x3c\xb2\xa1", "\x0a\x0d\x0d\x0a"};
     for (const std::string_view signature : kSignatures) {
-      if (signature.starts_with(head)) return head.size() < signature.size() ? Recognition::NeedMore : Recognition::Yes;
+      const std::string_view start = head.substr(0, signature.size());
+      if (signature.starts_with(start))
+        return start.size() < signature.size() ? Recognition::NeedMore : Recognition::Yes;
     }
     return Recognition::No;
   }

@@ -2,7 +2,7 @@
 // Packet captures as input: pcap files (microsecond or nanosecond time
 // stamps, either byte order) and pcapng files of LAPD frames, recognised by
 // their first four bytes and read with libpcap. Each packet becomes one
-// frame line (packet_line.h), so a capture is translated as a trace log of
+// frame line (frame_line_writer.h), so a capture is translated as a trace log of
 // those lines would be.
 #include "input_format.h"
 

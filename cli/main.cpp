@@ -17,7 +17,7 @@
 
 #include "call_report.h"
 #include "calls_output.h"
-#include "capture_input.h"
+#include "input_formats.h"
 #include "pcap_export.h"
 #include "progress_bar.h"
 #include "translation.h"
@@ -171,7 +171,7 @@ int TranslatePair(const std::string& input, const std::string& output, velmora::
   options.stopOnWriteError = true;
   options.jobs = settings.jobs;
   options.report = &report;
-  options.inputFormats = {&velmora::CaptureFormat()};
+  options.inputFormats = velmora::RecognisedInputFormats();
   if (settings.kind->make != nullptr) options.makeConsumer = settings.kind->make(input);
   velmora::ProgressBar progress(stderr);
   if (::isatty(STDERR_FILENO))

@@ -34,6 +34,9 @@
 
 namespace {
 
+// A capture tells itself by its first four bytes.
+constexpr std::size_t kCaptureSignatureBytes = 4;
+
 using velmora::fuzz::Printable;
 using velmora::fuzz::Require;
 
@@ -55,7 +58,7 @@ struct Reading {
 };
 
 Reading ReadThroughFormat(std::string_view bytes, bool asPipe) {
-  const std::size_t consumed = asPipe ? velmora::kSignatureBytes : 0;
+  const std::size_t consumed = asPipe ? kCaptureSignatureBytes : 0;
   const int fd = MemoryFile(bytes, static_cast<off_t>(consumed));
   velmora::OpenedInput opened = velmora::CaptureFormat().Open(fd, bytes.substr(0, consumed));
   Reading reading;
@@ -211,7 +214,7 @@ void CheckRun(std::string_view bytes, const Reading& reading) {
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
   const std::string_view bytes(reinterpret_cast<const char*>(data), size);
   const velmora::InputFormat& format = velmora::CaptureFormat();
-  const std::string_view head = bytes.substr(0, velmora::kSignatureBytes);
+  const std::string_view head = bytes.substr(0, kCaptureSignatureBytes);
   const velmora::Recognition recognition = format.Recognise(head);
   for (std::size_t length = 0; length < head.size(); ++length) {
     Require(recognition != velmora::Recognition::Yes ||

@@ -37,6 +37,14 @@ ReadResult ReadRetrying(int fd, char* into, std::size_t size) {
   }
 }
 
+ReadResult PreadRetrying(int fd, char* into, std::size_t size, off_t offset) {
+  for (;;) {
+    const ssize_t got = ::pread(fd, into, size, offset);
+    if (got >= 0) return {static_cast<std::size_t>(got), 0};
+    if (errno != EINTR) return {0, errno};
+  }
+}
+
 bool LineReader::Refill() {
   if (atEnd_) return false;
   if (beforeRead_) beforeRead_();

@@ -2,6 +2,8 @@
 // Reads a file descriptor in large blocks and hands out its lines as views
 // into the block, in pieces of at most 2047 characters, the line end kept:
 // as many whole pieces at a time as the block holds.
+#include <sys/types.h>
+
 #include <cstddef>
 #include <functional>
 #include <memory>
@@ -24,6 +26,8 @@ struct ReadResult {
   int error = 0;
 };
 ReadResult ReadRetrying(int fd, char* into, std::size_t size);
+// The same with pread(), at `offset`, which leaves the file's own offset.
+ReadResult PreadRetrying(int fd, char* into, std::size_t size, off_t offset);
 
 class LineReader {
  public:

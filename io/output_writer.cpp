@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <cerrno>
+#include <charconv>
 
 namespace velmora {
 
@@ -108,16 +109,9 @@ void OutputWriter::HexSlow(std::uint32_t value) {
 }
 
 void OutputWriter::Decimal(std::int64_t value) {
-  Reserve(21);
-  char digits[20];
-  std::size_t count = 0;
-  std::uint64_t magnitude = value < 0 ? 0 - static_cast<std::uint64_t>(value) : static_cast<std::uint64_t>(value);
-  do {
-    digits[count++] = static_cast<char>('0' + magnitude % 10);
-    magnitude /= 10;
-  } while (magnitude != 0);
-  if (value < 0) buffer_[used_++] = '-';
-  while (count > 0) buffer_[used_++] = digits[--count];
+  Reserve(20);  // a sign and 19 digits
+  char* at = buffer_.get() + used_;
+  used_ += static_cast<std::size_t>(std::to_chars(at, at + 20, value).ptr - at);
 }
 
 void OutputWriter::BitsSlow(std::uint32_t value, unsigned width) {

@@ -13,12 +13,15 @@
 #include <string>
 #include <string_view>
 
+#include "pieces.h"
 #include "translation.h"
 
 namespace velmora {
 
-// An input's first bytes are enough to tell a format by.
-inline constexpr std::size_t kSignatureBytes = 4;
+// How much of an input's start a format may look at to tell itself by: the
+// first bytes of a binary file, the first lines of a text. Fewer than a
+// piece, so that the line reader can hand them on from a pipe.
+inline constexpr std::size_t kRecognitionBytes = kMaxPiece - 1;
 
 enum class Recognition : std::uint8_t {
   No,
@@ -54,8 +57,10 @@ struct OpenedInput {
 class InputFormat {
  public:
   virtual ~InputFormat() = default;
-  // Whether an input that begins with `head` (at most kSignatureBytes bytes;
-  // fewer when the input is that short) is of this format.
+  // Whether an input that begins with `head` (at most kRecognitionBytes
+  // bytes; fewer when the input is that short, or when no format asked for
+  // more) is of this format. NeedMore asks for more of the input, while
+  // there is more.
   virtual Recognition Recognise(std::string_view head) const = 0;
   // Reads the input's header from `fd` and checks it. `consumed` holds the
   // bytes already read from a descriptor that cannot be read twice (a pipe);

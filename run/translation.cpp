@@ -204,22 +204,21 @@ void ReportWrites(const OutputWriter& writer, int closeError, TranslationReport&
   report.bytesWritten = writer.BytesWritten();
 }
 
-// The first bytes of the input, looked at to tell its format: read with
-// pread from a regular file, which leaves them in place, or taken from
-// anything else (a pipe, a terminal), and then handed on. Reading stops as
-// soon as no format can begin with the bytes so far, so a filter's first
-// line is not held back.
+// The start of the input, looked at to tell its format: read with pread
+// from a regular file, which leaves it in place, or taken from anything
+// else (a pipe, a terminal), and then handed on. Reading stops as soon as
+// no format asks for more, so a filter's first line is not held back.
 struct InputHead {
-  char bytes[kSignatureBytes] = {};
+  std::unique_ptr<char[]> bytes{new char[kRecognitionBytes]};
   std::size_t size = 0;
   bool consumed = false;
   int error = 0;
-  std::string_view View() const { return {bytes, size}; }
+  std::string_view View() const { return {bytes.get(), size}; }
 };
 
 InputHead ReadInputHead(int fd, bool regularFile, const std::vector<const InputFormat*>& formats) {
   const auto needsMore = [&formats](std::string_view head) {
-    return head.size() < kSignatureBytes &&
+    return head.size() < kRecognitionBytes &&
            std::any_of(formats.begin(), formats.end(),
                        [head](const InputFormat* format) { return format->Recognise(head) == Recognition::NeedMore; });
   };
@@ -227,14 +226,13 @@ InputHead ReadInputHead(int fd, bool regularFile, const std::vector<const InputF
   const off_t offset = regularFile ? ::lseek(fd, 0, SEEK_CUR) : -1;
   head.consumed = offset < 0;
   while (needsMore(head.View())) {
-    char* into = head.bytes + head.size;
-    const std::size_t wanted = kSignatureBytes - head.size;
-    const ssize_t got =
-        head.consumed ? ::read(fd, into, wanted) : ::pread(fd, into, wanted, offset + static_cast<off_t>(head.size));
-    if (got < 0 && errno == EINTR) continue;
-    if (got < 0) head.error = errno;
-    if (got <= 0) break;
-    head.size += static_cast<std::size_t>(got);
+    char* into = head.bytes.get() + head.size;
+    const std::size_t wanted = kRecognitionBytes - head.size;
+    const ReadResult got = head.consumed ? ReadRetrying(fd, into, wanted)
+                                         : PreadRetrying(fd, into, wanted, offset + static_cast<off_t>(head.size));
+    head.error = got.error;
+    if (got.size == 0) break;
+    head.size += got.size;
   }
   return head;
 }

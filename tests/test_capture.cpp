@@ -12,6 +12,7 @@
 #include <vector>
 
 #include "capture_bytes.h"
+#include "capture_input.h"
 #include "decode_context.h"
 #include "line_scanner.h"
 #include "pieces.h"
@@ -131,6 +132,17 @@ TEST_F(Captures, InputsThatOnlyBeginLikeACaptureAreTraceLogs) {
     EXPECT_EQ(std::system(command.c_str()) >> 8, 1);
     EXPECT_EQ(Read("out"), text);
   }
+}
+
+// A format may be shown more of the input's start than its signature, the
+// first lines of a text: a capture still tells itself by its first bytes.
+TEST(CaptureRecognition, LooksAtTheFirstBytesOfALongerHead) {
+  const InputFormat& capture = CaptureFormat();
+  const std::string pcapStart = std::string("\xd4\xc3\xb2\xa1", 4) + std::string(kRecognitionBytes - 4, '\0');
+  EXPECT_EQ(capture.Recognise(pcapStart), Recognition::Yes);
+  EXPECT_EQ(capture.Recognise(std::string_view(pcapStart).substr(0, 2)), Recognition::NeedMore);
+  EXPECT_EQ(capture.Recognise(std::string(kRecognitionBytes, 'x')), Recognition::No);
+  EXPECT_EQ(capture.Recognise("\n\r\r# three of pcapng's four signature bytes, then a text"), Recognition::No);
 }
 
 // A pcap file read with libpcap: its link type and each packet's moment in

@@ -11,12 +11,14 @@
 #include <QMimeData>
 #include <QPushButton>
 #include <QUrl>
+#include <algorithm>
 #include <cstring>
+#include <string>
 #include <string_view>
 
-#include "capture_input.h"
 #include "dialog_services.h"
 #include "dialog_template.h"
+#include "input_formats.h"
 #include "resource.h"
 
 #ifdef Q_OS_WIN
@@ -55,9 +57,17 @@ constexpr ControlTemplate kMainControls[] = {
 
 constexpr zandrel::DialogTemplate kMainTemplate = {"Velmora", 230, 113, true, kMainControls};
 
-constexpr char kLogFilter[] =
-    "Log Files (*.txt)|*.txt|Trace logs (*.txt *.log)|*.txt;*.log|Captures (*.pcap *.pcapng)|*.pcap;*.pcapng|"
-    "All Files (*.*)|*.*||";
+// The input chooser's filter: the described "Log Files (*.txt)" first, then
+// one for each input the run reads, then all files.
+std::string InputFilter() {
+  std::string filter = "Log Files (*.txt)|*.txt|";
+  for (const velmora::InputFormatEntry& entry : velmora::InputFormatEntries()) {
+    std::string shown(entry.patterns);
+    std::replace(shown.begin(), shown.end(), ';', ' ');
+    filter.append(entry.description).append(" (").append(shown).append(")|").append(entry.patterns).append("|");
+  }
+  return filter + "All Files (*.*)|*.*||";
+}
 constexpr char kMessageFilter[] = "Message Files (*.txt)|*.txt|All Files (*.*)|*.*||";
 
 std::string_view View(const QByteArray& bytes) {
@@ -223,7 +233,7 @@ void CZandrelDlg::dropEvent(QDropEvent* event) {
 
 void CZandrelDlg::OnBrowseInput() {
   const zandrel::FileChooserRequest request{QStringLiteral("Open"),
-                                            zandrel::NameFiltersFromFilterString(QString::fromLatin1(kLogFilter)),
+                                            zandrel::NameFiltersFromFilterString(QString::fromStdString(InputFilter())),
                                             QStringLiteral("txt"), QString(), false};
   if (const auto chosen = m_services.ChooseFileToOpen(this, request)) {
     m_strInputPath = *chosen;
@@ -252,7 +262,7 @@ velmora::TranslationOutcome CZandrelDlg::Translate(const QString& inputPath, con
   options.stopOnWriteError = true;
   options.report = report;
   // A capture chosen as input is translated as a trace log of its frames.
-  options.inputFormats = {&velmora::CaptureFormat()};
+  options.inputFormats = velmora::RecognisedInputFormats();
   return velmora::TranslateTraceFile(View(input), View(output), m_linkMemory, options);
 }
 

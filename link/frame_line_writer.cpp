@@ -1,19 +1,9 @@
-#include "packet_line.h"
+#include "frame_line_writer.h"
+
+#include "decimal_text.h"
 
 namespace velmora {
 namespace {
-
-// `value` in decimal, with leading zeros to at least `width` digits.
-void AppendDecimal(std::string& line, std::uint64_t value, std::size_t width) {
-  char digits[20];
-  std::size_t count = 0;
-  do {
-    digits[count++] = static_cast<char>('0' + value % 10);
-    value /= 10;
-  } while (value != 0);
-  if (count < width) line.append(width - count, '0');
-  while (count > 0) line += digits[--count];
-}
 
 std::string_view DirectionWord(FrameDirection direction) {
   switch (direction) {
@@ -29,11 +19,11 @@ std::string_view DirectionWord(FrameDirection direction) {
 
 }  // namespace
 
-void WritePacketLine(std::string& line, std::uint64_t number, std::int64_t microsecondsSinceEpoch,
-                     FrameDirection direction, OctetSpan octets) {
+void WriteFrameLine(std::string& line, std::uint64_t number, std::int64_t microsecondsSinceEpoch,
+                    FrameDirection direction, OctetSpan octets) {
   const LineMoment moment = MomentOf(microsecondsSinceEpoch);
   line.clear();
-  line.reserve(kPacketLineMinimum + 5 * octets.size() + 8);
+  line.reserve(kFrameLineMinimum + 5 * octets.size() + 8);
   AppendDecimal(line, number, 5);
   line += ' ';
   if (moment.date.year < 0) line += '-';
@@ -59,7 +49,7 @@ void WritePacketLine(std::string& line, std::uint64_t number, std::int64_t micro
     const char cell[] = {'0', 'x', kHexDigits[octet >> 4], kHexDigits[octet & 0xF], ' '};
     line.append(cell, sizeof cell);
   }
-  if (line.size() < kPacketLineMinimum) line.append(kPacketLineMinimum - line.size(), ' ');
+  if (line.size() < kFrameLineMinimum) line.append(kFrameLineMinimum - line.size(), ' ');
   line += '\n';
 }
 

@@ -1,0 +1,30 @@
+#pragma once
+// Text from a trace (digits, names, decoded lines) written into JSON, CSV or
+// a table, with the characters that would break the form escaped. One
+// escaper for every output; each form says which escapes it needs.
+#include <string>
+#include <string_view>
+
+namespace velmora {
+
+struct TextEscapes {
+  bool quoteAndBackslash = false;   // '"' and '\' behind a backslash
+  bool tabAndNewlineShort = false;  // "\t" and "\n" rather than \u0009, \u000a
+  bool deleteCharacter = false;     // 0x7F as \u007f, as the other controls
+  bool markup = false;              // < > & as \u003c \u003e \u0026
+  bool lineSeparators = false;      // U+2028, U+2029 (UTF-8) as \u2028, \u2029
+};
+
+// Control characters alone, as \u00XX: a table cell or a CSV field.
+inline constexpr TextEscapes kControlEscapes{false, false, true, false, false};
+// The body of a JSON string.
+inline constexpr TextEscapes kJsonEscapes{true, false, true, false, false};
+// The body of a JSON string that stands inside an HTML <script> element:
+// neither "</script" nor "<!--" can appear in it.
+inline constexpr TextEscapes kScriptJsonEscapes{true, true, false, true, true};
+
+// Appends `text` with every control character below 0x20, and what
+// `escapes` names besides, escaped; everything else as it is.
+void AppendEscaped(std::string& to, std::string_view text, const TextEscapes& escapes);
+
+}  // namespace velmora

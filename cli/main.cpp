@@ -17,6 +17,7 @@
 
 #include "call_report.h"
 #include "calls_output.h"
+#include "frame_json.h"
 #include "input_formats.h"
 #include "pcap_export.h"
 #include "progress_bar.h"
@@ -41,6 +42,7 @@ struct OutputKind {
   velmora::TraceConsumerFactory (*make)(const std::string& input);  // null: the message file
 };
 velmora::TraceConsumerFactory PcapFactory(const std::string&) { return velmora::PcapExport(); }
+velmora::TraceConsumerFactory JsonFactory(const std::string&) { return velmora::MakeJsonConsumer; }
 template <velmora::CallsForm form>
 velmora::TraceConsumerFactory CallsFactory(const std::string&) {
   return [](velmora::OutputWriter& out, velmora::LinkMemory&) { return velmora::MakeCallsConsumer(out, form); };
@@ -56,6 +58,7 @@ velmora::TraceConsumerFactory ReportFactory(const std::string& input) {
 
 constexpr OutputKind kOutputKinds[] = {
     {"message", "the message file (the default)", nullptr},
+    {"json", "the decode as data, one JSON object a frame line (JSON Lines)", JsonFactory},
     {"pcap", "a pcap capture of every frame line's octets", PcapFactory},
     {"calls", "a table of the calls, one row a call, and totals", CallsFactory<velmora::CallsForm::Table>},
     {"calls-csv", "the table's rows as CSV", CallsFactory<velmora::CallsForm::Csv>},

@@ -49,6 +49,8 @@ class ElementOctets {
     return frame_[position];
   }
   std::size_t FrameSize() const { return frame_.size(); }
+  // The first `count` octets from the identifier on, as far as the frame holds them.
+  OctetSpan First(std::size_t count) const { return frame_.first(std::min(count, frame_.size())); }
 
  private:
   OctetSpan frame_;

@@ -1,6 +1,12 @@
 #include "escaped_text.h"
 
+#include <bit>
+
 #include "octet.h"
+
+#if defined(__SSE2__)
+#include <emmintrin.h>
+#endif
 
 namespace velmora {
 namespace {
@@ -19,16 +25,84 @@ bool Escaped(unsigned char code, const TextEscapes& escapes) {
   return false;
 }
 
+// The length of the well-formed UTF-8 character at the start of `text`
+// (RFC 3629: no overlong forms, no surrogates, nothing above U+10FFFF), or 0.
+std::size_t Utf8Length(std::string_view text) {
+  const auto at = [&](std::size_t i) { return static_cast<unsigned char>(text[i]); };
+  const unsigned char lead = at(0);
+  std::size_t length = 0;
+  unsigned char low = 0x80;
+  unsigned char high = 0xBF;
+  if (lead >= 0xC2 && lead <= 0xDF) {
+    length = 2;
+  } else if (lead >= 0xE0 && lead <= 0xEF) {
+    length = 3;
+    if (lead == 0xE0) low = 0xA0;
+    if (lead == 0xED) high = 0x9F;
+  } else if (lead >= 0xF0 && lead <= 0xF4) {
+    length = 4;
+    if (lead == 0xF0) low = 0x90;
+    if (lead == 0xF4) high = 0x8F;
+  } else {
+    return 0;
+  }
+  if (text.size() < length || at(1) < low || at(1) > high) return 0;
+  for (std::size_t i = 2; i < length; ++i)
+    if (at(i) < 0x80 || at(i) > 0xBF) return 0;
+  return length;
+}
+
+// Characters that may need an escape in some form; every other one stands
+// for itself in every form, and runs of them are copied whole.
+constexpr bool MayNeedEscape(unsigned char code) {
+  return code < 0x20 || code >= 0x7F || code == '"' || code == '\\' || code == '<' || code == '>' || code == '&';
+}
+
 }  // namespace
+
+std::size_t PlainLength(std::string_view text) {
+  std::size_t at = 0;
+#if defined(__SSE2__)
+  // Below 0x20 and from 0x80 on are one signed compare: bytes from 0x80 are
+  // negative.
+  const __m128i space = _mm_set1_epi8(0x20);
+  const auto equal = [](__m128i block, char c) { return _mm_cmpeq_epi8(block, _mm_set1_epi8(c)); };
+  for (; at + 16 <= text.size(); at += 16) {
+    const __m128i block = _mm_loadu_si128(reinterpret_cast<const __m128i*>(text.data() + at));
+    const __m128i marked =
+        _mm_or_si128(_mm_or_si128(_mm_or_si128(_mm_cmplt_epi8(block, space), equal(block, '\x7f')),
+                                  _mm_or_si128(equal(block, '"'), equal(block, '\\'))),
+                     _mm_or_si128(_mm_or_si128(equal(block, '<'), equal(block, '>')), equal(block, '&')));
+    const int mask = _mm_movemask_epi8(marked);
+    if (mask != 0) return at + static_cast<std::size_t>(std::countr_zero(static_cast<unsigned>(mask)));
+  }
+#endif
+  while (at < text.size() && !MayNeedEscape(static_cast<unsigned char>(text[at]))) ++at;
+  return at;
+}
 
 void AppendEscaped(std::string& to, std::string_view text, const TextEscapes& escapes) {
   for (std::size_t i = 0; i < text.size(); ++i) {
+    const std::size_t plain = i + PlainLength(text.substr(i));
+    if (plain > i) {
+      to.append(text.data() + i, plain - i);
+      i = plain;
+      if (i == text.size()) break;
+    }
     const auto code = static_cast<unsigned char>(text[i]);
     if (escapes.lineSeparators && code == 0xE2 && i + 2 < text.size() && text[i + 1] == '\x80' &&
         (text[i + 2] == '\xA8' || text[i + 2] == '\xA9')) {
       // U+2028 and U+2029 are E2 80 A8 and E2 80 A9 in UTF-8.
       AppendUnicodeEscape(to, text[i + 2] == '\xA8' ? 0x2028 : 0x2029);
       i += 2;
+    } else if (code >= 0x80 && escapes.invalidUtf8) {
+      const std::size_t length = Utf8Length(text.substr(i));
+      if (length == 0) {
+        AppendUnicodeEscape(to, code);
+      } else {
+        to.append(text.substr(i, length));
+        i += length - 1;
+      }
     } else if (!Escaped(code, escapes)) {
       to += text[i];
     } else if (code == '"' || code == '\\') {

@@ -10,6 +10,7 @@
 #include <string>
 #include <string_view>
 
+#include "field_sink.h"
 #include "io_thread.h"
 #include "octet.h"
 
@@ -216,6 +217,19 @@ class OutputWriter {
   int Error() const { return error_; }
   std::uint64_t BytesWritten() const { return flushed_ + used_; }
 
+  // The text buffered since the last hand-over to the sink, and dropping it
+  // unwritten: for a scratch writer whose text is read in place.
+  std::string_view Buffered() const { return {buffer_.get(), used_}; }
+  void DropBuffered() {
+    flushed_ += used_;
+    used_ = 0;
+  }
+
+  // The structured sink that decoders tell where their parts begin; null,
+  // the message file's case, costs one test an element.
+  void SetFieldSink(FieldSink* sink) { fieldSink_ = sink; }
+  FieldSink* Fields() const { return fieldSink_; }
+
  private:
   void Reserve(std::size_t size) {
     if (capacity_ - used_ < size) Spill();
@@ -246,6 +260,7 @@ class OutputWriter {
   std::unique_ptr<char[]> spare_;
   std::unique_ptr<IoThread> behind_;
   int behindError_ = 0;
+  FieldSink* fieldSink_ = nullptr;
 };
 
 }  // namespace velmora

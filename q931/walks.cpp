@@ -128,6 +128,8 @@ const MessageWalk* FindMessageWalk(Octet value) {
 
 void WalkElements(OutputWriter& out, const MessageWalk& walk, OctetSpan fromMessageType) {
   ForEachElement(walk, fromMessageType, [&out](const ElementEntry* entry, const ElementOctets& element) {
+    if (FieldSink* fields = out.Fields())
+      fields->Element(out.BytesWritten(), element.First(OccupiedOctets(entry, element)));
     DecodeElement(out, entry, element, ElementPrefix::Printed);
   });
 }

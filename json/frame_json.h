@@ -1,0 +1,17 @@
+#pragma once
+// The decode as data: one JSON object a frame line (JSON Lines), built from
+// the same decode as the message file, whose field lines it carries as they
+// stand there.
+#include <memory>
+
+#include "output_writer.h"
+#include "trace_consumer.h"
+#include "translation.h"
+
+namespace velmora {
+
+// The consumer behind `--to json`. The link memory is read at the start
+// and left as the frames leave it, as the message file does.
+std::unique_ptr<TraceConsumer> MakeJsonConsumer(OutputWriter& out, LinkMemory& link);
+
+}  // namespace velmora

@@ -1,0 +1,102 @@
+#include "structured_frame.h"
+
+namespace velmora {
+namespace {
+
+constexpr std::string_view kLayer2Prefix = "ISDN Layer 2: ";
+constexpr std::string_view kMessageTypePrefix = "Message type:";
+constexpr std::string_view kHeadingPrefix = "\tInformation element:";
+
+// The line at `at`, without its line end; `at` moves behind it.
+std::string_view NextLine(std::string_view text, std::size_t& at) {
+  const std::size_t end = text.find('\n', at);
+  const std::string_view line = text.substr(at, end == std::string_view::npos ? std::string_view::npos : end - at);
+  at = end == std::string_view::npos ? text.size() : end + 1;
+  return line;
+}
+
+bool AllBits(std::string_view text) { return text.find_first_not_of("01") == std::string_view::npos; }
+
+FieldPart PartsOf(std::string_view line) {
+  FieldPart part;
+  part.diagnostic = line.starts_with("\t\t\t");
+  line.remove_prefix(std::min(line.find_first_not_of('\t'), line.size()));
+  part.text = line;
+  const std::size_t equals = line.find('=');
+  if (equals == std::string_view::npos) return part;
+  part.name = line.substr(0, equals);
+  const std::string_view value = line.substr(equals + 1);
+  const std::size_t gap = value.find("  ");
+  if (gap != std::string_view::npos && gap > 0 && AllBits(value.substr(0, gap))) {
+    part.bits = value.substr(0, gap);
+    part.meaning = value.substr(gap + 2);
+    part.coded = true;
+  }
+  return part;
+}
+
+// The codeset each element stands in: a locking shift (1001 0nnn) moves all
+// elements behind it to codeset nnn, a non-locking one (1001 1nnn) only the
+// next one. The shift itself stands in the codeset before it.
+void AssignCodesets(std::span<ElementPart> elements) {
+  unsigned locked = 0;
+  int nextOnly = -1;
+  for (ElementPart& element : elements) {
+    element.codeset = nextOnly >= 0 ? static_cast<unsigned>(nextOnly) : locked;
+    nextOnly = -1;
+    const Octet identifier = element.Identifier();
+    if ((identifier & 0xF0) != 0x90) continue;
+    if ((identifier & 0x08) == 0) {
+      locked = identifier & 0x07;
+    } else {
+      nextOnly = identifier & 0x07;
+    }
+  }
+}
+
+}  // namespace
+
+void StructuredFrame::Begin(std::uint64_t textOffset) {
+  base_ = textOffset;
+  starts_.clear();
+  count_ = 0;
+  layer2Kind = {};
+  hasMessageType = false;
+  messageName = {};
+}
+
+void StructuredFrame::Element(std::uint64_t textOffset, OctetSpan octets) {
+  starts_.push_back(textOffset - base_);
+  if (count_ == elements_.size()) elements_.emplace_back();
+  ElementPart& element = elements_[count_++];
+  element.octets = octets;
+  element.codeset = 0;
+  element.name = {};
+  element.fields.clear();
+}
+
+void StructuredFrame::Split(std::string_view text) {
+  // The frame's own lines, before its first element.
+  const std::size_t headEnd = starts_.empty() ? text.size() : static_cast<std::size_t>(starts_.front());
+  for (std::size_t at = 0; at < headEnd;) {
+    const std::string_view line = NextLine(text.substr(0, headEnd), at);
+    if (line.starts_with(kLayer2Prefix)) layer2Kind = line.substr(kLayer2Prefix.size());
+    if (line.starts_with(kMessageTypePrefix)) {
+      hasMessageType = true;
+      messageName = line.substr(kMessageTypePrefix.size());
+    }
+  }
+  const std::span<ElementPart> elements(elements_.data(), count_);
+  for (std::size_t e = 0; e < elements.size(); ++e) {
+    const std::size_t begin = static_cast<std::size_t>(starts_[e]);
+    const std::size_t end = e + 1 < elements.size() ? static_cast<std::size_t>(starts_[e + 1]) : text.size();
+    const std::string_view lines = text.substr(begin, end - begin);
+    std::size_t at = 0;
+    const std::string_view heading = NextLine(lines, at);
+    elements[e].name = heading.starts_with(kHeadingPrefix) ? heading.substr(kHeadingPrefix.size()) : heading;
+    while (at < lines.size()) elements[e].fields.push_back(PartsOf(NextLine(lines, at)));
+  }
+  AssignCodesets(elements);
+}
+
+}  // namespace velmora

@@ -5,6 +5,7 @@
 
 #include "cause.h"
 #include "channel_identification.h"
+#include "codesets.h"
 #include "common_tables.h"
 #include "lapd.h"
 #include "party_numbers.h"
@@ -95,6 +96,11 @@ std::optional<CallSide> CallRecord::ClearedBy() const {
   return clearing->sender;
 }
 
+std::optional<bool> CallRecord::ClearedByNetwork() const {
+  if (!clearing) return std::nullopt;
+  return clearing->fromNetwork;
+}
+
 std::optional<std::int64_t> CallRecord::DurationMicroseconds() const {
   if (!connect || !clearing || clearing->line < connect->line) return std::nullopt;
   const MessageMoment& from = connect->moment;
@@ -111,12 +117,13 @@ std::optional<std::int64_t> CallRecord::DurationMicroseconds() const {
 
 struct CallTracker::Call {
   CallRecord record;
+  std::vector<CallKey> keys;  // its own, and those of the terminals that joined a broadcast SETUP
   bool complete = false;
-  bool released = false;    // a RELEASE was seen
-  bool onlySetups = true;   // every message so far is a SETUP
-  bool causeTaken = false;  // the clearing cause is read
-
-  CallKey Key() const { return {record.callReference, record.callReferenceLength}; }
+  bool released = false;              // a RELEASE was seen
+  bool onlySetups = true;             // every message so far is a SETUP
+  bool causeTaken = false;            // the clearing cause is read
+  bool networkChannelTaken = false;   // a message from the network side named the channel
+  std::vector<unsigned> nonSelected;  // terminals a broadcast SETUP's call released with cause 26
 
   // Back to a fresh call; the message list keeps its storage.
   void Reset() {
@@ -126,12 +133,33 @@ struct CallTracker::Call {
     record.messages = std::move(messages);
   }
 
-  void Add(const Q931Header& header, CallSide sender, std::uint64_t line, std::string_view lineText, std::uint32_t tag);
-  void ReadElements(const Q931Header& header, CallMessage& message);
+  // Whether a clearing message of this TEI with this cause clears the call
+  // itself, rather than a terminal that a broadcast SETUP did not select:
+  // one released with cause 26 (non-selected user clearing), and every
+  // clearing message of that terminal after it.
+  bool Decides(unsigned tei, std::optional<std::uint8_t> causeValue) {
+    constexpr std::uint8_t kNonSelectedUserClearing = 26;
+    if (!record.broadcast) return true;
+    if (causeValue == kNonSelectedUserClearing) {
+      nonSelected.push_back(tei);
+      return false;
+    }
+    if (std::find(nonSelected.begin(), nonSelected.end(), tei) != nonSelected.end()) return false;
+    return !record.tei || *record.tei == tei;
+  }
+
+  void Add(const Q931Header& header, const Q931InFrame& frame, CallSide sender, std::uint64_t line,
+           std::string_view lineText, std::uint32_t tag);
+  struct FirstCause {
+    std::optional<unsigned> location;
+    std::optional<unsigned> value;
+    bool read = false;
+  };
+  FirstCause ReadElements(const Q931Header& header, CallMessage& message);
 };
 
-void CallTracker::Call::Add(const Q931Header& header, CallSide sender, std::uint64_t line, std::string_view lineText,
-                            std::uint32_t tag) {
+void CallTracker::Call::Add(const Q931Header& header, const Q931InFrame& frame, CallSide sender, std::uint64_t line,
+                            std::string_view lineText, std::uint32_t tag) {
   const FrameLineFacts facts = ReadFrameLineFacts(lineText);
   CallMessage message;
   message.line = line;
@@ -139,9 +167,31 @@ void CallTracker::Call::Add(const Q931Header& header, CallSide sender, std::uint
   message.moment = {facts.date, facts.time};
   message.sender = sender;
   message.direction = facts.direction;
+  message.tei = frame.address.tei;
+  message.fromNetwork = frame.FromNetwork();
   message.messageType = header.messageType;
   message.tag = tag;
-  ReadElements(header, message);
+  const FirstCause cause = ReadElements(header, message);
+
+  // The terminal that answers a broadcast SETUP is the call's; a clearing
+  // taken before from another terminal was that terminal's own.
+  if (record.broadcast && header.messageType == kConnect && sender == CallSide::Callee && !record.tei) {
+    record.tei = message.tei;
+    if (record.clearing && record.clearing->tei != message.tei) {
+      record.clearing.reset();
+      record.causeLocation.reset();
+      record.causeValue.reset();
+      causeTaken = false;
+    }
+  }
+  if (IsClearing(header.messageType) && Decides(message.tei, message.causeValue)) {
+    if (!record.clearing) record.clearing = message;
+    if (cause.read && !causeTaken) {
+      causeTaken = true;
+      record.causeLocation = cause.location;
+      record.causeValue = cause.value;
+    }
+  }
 
   // The first line with TX or RX tells the direction: a message sent here
   // by the caller, or received here from the callee, belongs to an
@@ -151,7 +201,6 @@ void CallTracker::Call::Add(const Q931Header& header, CallSide sender, std::uint
     record.direction = sentHere == (sender == CallSide::Caller) ? CallDirection::Outgoing : CallDirection::Incoming;
   }
   if (header.messageType == kConnect && !record.connect) record.connect = message;
-  if (IsClearing(header.messageType) && !record.clearing) record.clearing = message;
   released = released || header.messageType == kRelease;
   onlySetups = onlySetups && header.messageType == kSetup;
   record.lastLine = line;
@@ -164,13 +213,15 @@ void CallTracker::Call::Add(const Q931Header& header, CallSide sender, std::uint
 }
 
 // The elements as the message's walk takes them, so that an element counts
-// exactly where the message file decodes it.
-void CallTracker::Call::ReadElements(const Q931Header& header, CallMessage& message) {
+// exactly where the message file decodes it; only those of codeset 0 are
+// the Q.931 elements the record reads.
+CallTracker::Call::FirstCause CallTracker::Call::ReadElements(const Q931Header& header, CallMessage& message) {
+  FirstCause first;
   const MessageWalk* walk = FindMessageWalk(header.messageType);
-  if (walk == nullptr) return;
-  const bool clearing = IsClearing(header.messageType);
+  if (walk == nullptr) return first;
+  CodesetShifts shifts;
   ForEachElement(*walk, header.fromMessageType, [&](const ElementEntry* entry, const ElementOctets& element) {
-    if (entry == nullptr) return;
+    if (shifts.Next(element.Identifier()) != 0 || entry == nullptr) return;
     switch (entry->identifier) {
       case kBearerCapability:
         if (const std::optional<Octet> octet3 = element.At(2); octet3 && !record.transferCapability)
@@ -179,15 +230,17 @@ void CallTracker::Call::ReadElements(const Q931Header& header, CallMessage& mess
       case kCause:
         if (const std::optional<CauseReading> cause = ReadCause(element)) {
           if (!message.causeValue && cause->value) message.causeValue = static_cast<std::uint8_t>(*cause->value);
-          if (clearing && !causeTaken) {
-            causeTaken = true;
-            record.causeLocation = cause->location;
-            record.causeValue = cause->value;
-          }
+          if (!first.read) first = {cause->location, cause->value, true};
         }
         break;
       case kChannelIdentification:
-        if (!record.channel) record.channel = ChannelText(element);
+        // The network side assigns the channel; the SETUP only asks for one.
+        if (message.fromNetwork && !networkChannelTaken) {
+          networkChannelTaken = true;
+          if (std::optional<std::string> channel = ChannelText(element)) record.channel = std::move(channel);
+        } else if (header.messageType == kSetup && !record.channel) {
+          record.channel = ChannelText(element);
+        }
         break;
       case kCallingPartyNumber:
         if (!record.calling) AppendDigits(record.calling.emplace(), PartyNumberDigits(element));
@@ -202,6 +255,7 @@ void CallTracker::Call::ReadElements(const Q931Header& header, CallMessage& mess
         break;
     }
   });
+  return first;
 }
 
 CallTracker::CallTracker(CallSink sink, std::size_t waitingLimit)
@@ -210,15 +264,16 @@ CallTracker::CallTracker(CallSink sink, std::size_t waitingLimit)
 CallTracker::~CallTracker() = default;
 
 void CallTracker::Frame(OctetSpan frame, std::uint64_t line, std::string_view lineText, std::uint32_t tag) {
-  if (!CarriesQ931(frame)) return;
-  const std::optional<Q931Header> header = ReadQ931Header(frame.subspan(4));
+  const std::optional<Q931InFrame> q931 = FindQ931(frame);
+  if (!q931) return;
+  const std::optional<Q931Header> header = ReadQ931Header(q931->message);
   if (!header) return;
   const OctetSpan reference = header->callReference;
   if (reference.empty() || reference.size() > kLongestCallReference) {
     ++outsideCalls_;
     return;
   }
-  CallKey key{reference[0] & 0x7FU, reference.size()};
+  CallKey key{reference[0] & 0x7FU, reference.size(), q931->address.tei};
   for (const Octet octet : reference.subspan(1)) key.value = key.value << 8 | octet;
   if (key.value == 0) {  // the global call reference
     ++outsideCalls_;
@@ -228,6 +283,16 @@ void CallTracker::Frame(OctetSpan frame, std::uint64_t line, std::string_view li
 
   const auto found = open_.find(key);
   Call* call = found != open_.end() ? found->second : nullptr;
+  // A terminal's answer to a broadcast SETUP joins its call, and so do the
+  // network's messages to that terminal behind it.
+  if (call == nullptr && sender == CallSide::Callee && key.tei != kBroadcastTei) {
+    const auto broadcast = open_.find({key.value, key.length, kBroadcastTei});
+    if (broadcast != open_.end()) {
+      call = broadcast->second;
+      call->keys.push_back(key);
+      open_.emplace(key, call);
+    }
+  }
   // A SETUP takes its reference for a new call, unless the open call has
   // only SETUPs so far (one repeated when timer T303 expires).
   if (call != nullptr && header->messageType == kSetup && !call->onlySetups) {
@@ -235,8 +300,12 @@ void CallTracker::Frame(OctetSpan frame, std::uint64_t line, std::string_view li
     call = nullptr;
   }
   if (call == nullptr) call = &Start(key, line);
-  call->Add(*header, sender, line, lineText, tag);
-  if (header->messageType == kReleaseComplete) Close(*call);
+  call->Add(*header, *q931, sender, line, lineText, tag);
+  // A broadcast SETUP's call ends with the RELEASE COMPLETE of the
+  // terminal that answered it, not with those of the others.
+  if (header->messageType == kReleaseComplete &&
+      (!call->record.broadcast || call->record.tei == std::optional<unsigned>(key.tei)))
+    Close(*call);
   Deliver();
 }
 
@@ -257,7 +326,10 @@ CallTracker::Call& CallTracker::Start(const CallKey& key, std::uint64_t line) {
   }
   call->record.callReference = key.value;
   call->record.callReferenceLength = key.length;
+  call->record.broadcast = key.tei == kBroadcastTei;
+  if (!call->record.broadcast) call->record.tei = key.tei;
   call->record.firstLine = line;
+  call->keys.assign(1, key);
   Call& started = *call;
   open_.emplace(key, &started);
   queue_.push_back(std::move(call));
@@ -266,7 +338,7 @@ CallTracker::Call& CallTracker::Start(const CallKey& key, std::uint64_t line) {
 
 void CallTracker::Close(Call& call) {
   call.complete = true;
-  open_.erase(call.Key());
+  for (const CallKey& key : call.keys) open_.erase(key);
   ++waiting_;
 }
 

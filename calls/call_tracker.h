@@ -1,9 +1,12 @@
 #pragma once
 // Q.931 messages grouped into calls. A call is the run of messages with one
-// call reference (its length and value octets; the flag bit tells which
-// side sent a message, not which call it belongs to), from its SETUP, or
-// the first message seen, to RELEASE COMPLETE, or the last message before
-// its reference is taken by a new SETUP, or the end of the trace. The
+// TEI (from the LAPD address) and one call reference (its length and value
+// octets; the flag bit tells which side sent a message, not which call it
+// belongs to), from its SETUP, or the first message seen, to RELEASE
+// COMPLETE, or the last message before its reference is taken by a new
+// SETUP, or the end of the trace. A SETUP broadcast to TEI 127 (in a UI
+// frame, on a shared bus) opens a call that the terminals' answers with its
+// call reference join, whatever their TEI. The
 // tracker turns frames into one record a call and hands each on complete,
 // in the order of the calls' first messages.
 #include <cstddef>
@@ -60,6 +63,8 @@ struct CallMessage {
   MessageMoment moment;
   CallSide sender = CallSide::Caller;
   FrameDirection direction = FrameDirection::Unknown;  // TX or RX on its line
+  unsigned tei = 0;                                    // of the frame's LAPD address
+  bool fromNetwork = false;                            // the frame's C/R bit: sent by the network side
   Octet messageType = 0;
   std::optional<std::uint8_t> causeValue;  // of its first Cause element that has one
   std::uint32_t tag = 0;                   // what the tracker's user gave the frame
@@ -71,6 +76,10 @@ std::string_view MessageName(Octet messageType);
 struct CallRecord {
   std::uint64_t callReference = 0;  // the value, flag bit left out
   std::size_t callReferenceLength = 0;
+  // The terminal's TEI; for a broadcast SETUP's call, the TEI of the
+  // terminal that answered, none while none has.
+  std::optional<unsigned> tei;
+  bool broadcast = false;  // opened by a SETUP to TEI 127
   std::uint64_t firstLine = 0;
   std::uint64_t lastLine = 0;
   CallDirection direction = CallDirection::Unknown;
@@ -82,16 +91,22 @@ struct CallRecord {
   std::optional<std::string> called;
   // The information transfer capability of the first Bearer capability.
   std::optional<unsigned> transferCapability;
-  // The first channel a Channel identification names: "B1", "B2", or the
-  // channel numbers of a primary-rate interface ("17", "1,2").
+  // The channel the network side assigns: that of the first message from
+  // the network side with a Channel identification, else the SETUP's; as
+  // "B1", "B2", or the channel numbers of a primary-rate interface ("17",
+  // "1,2").
   std::optional<std::string> channel;
   // In order; after kListedMessages the rest are only counted.
   std::vector<CallMessage> messages;
   std::uint64_t unlistedMessages = 0;
-  std::optional<CallMessage> connect;   // the first CONNECT
-  std::optional<CallMessage> clearing;  // the first DISCONNECT, RELEASE or RELEASE COMPLETE
+  std::optional<CallMessage> connect;  // the first CONNECT
+  // The first DISCONNECT, RELEASE or RELEASE COMPLETE of the call itself:
+  // in a broadcast SETUP's call, the clearing of the terminals the network
+  // did not select (cause 26, or another TEI than the one that answered)
+  // belongs to the call but does not clear it.
+  std::optional<CallMessage> clearing;
   CallMessage last;
-  // From the first Cause element of the clearing messages.
+  // From the first Cause element of those clearing messages.
   std::optional<unsigned> causeLocation;
   std::optional<unsigned> causeValue;
 
@@ -99,6 +114,9 @@ struct CallRecord {
 
   bool Answered() const { return connect.has_value(); }
   std::optional<CallSide> ClearedBy() const;
+  // The side that sent the first clearing message, by its frame's C/R bit:
+  // true the network side, false the user side.
+  std::optional<bool> ClearedByNetwork() const;
   // From CONNECT to the first clearing message, in microseconds, when both
   // lines carry a time: by their dates when both have one, else by their
   // times of day, a day added when the clock wrapped past midnight.
@@ -124,7 +142,7 @@ class CallTracker {
 
   // A frame line: the frame's octets as the scanner reads them, the line's
   // number and its text (for TX/RX, date and time). Only a Q.931 message in
-  // an I-frame counts; every other frame is passed over. `tag` is kept with
+  // an I or UI frame counts; every other frame is passed over. `tag` is kept with
   // the message, for the user to find what it knows of the frame.
   void Frame(OctetSpan frame, std::uint64_t line, std::string_view lineText, std::uint32_t tag = 0);
 
@@ -142,10 +160,13 @@ class CallTracker {
   struct CallKey {
     std::uint64_t value;
     std::size_t length;
+    unsigned tei;
     bool operator==(const CallKey&) const = default;
   };
   struct KeyHash {
-    std::size_t operator()(const CallKey& key) const { return std::hash<std::uint64_t>()(key.value * 16 + key.length); }
+    std::size_t operator()(const CallKey& key) const {
+      return std::hash<std::uint64_t>()((key.value * 16 + key.length) * 131 + key.tei);
+    }
   };
 
   Call& Start(const CallKey& key, std::uint64_t line);

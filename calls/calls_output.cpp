@@ -17,7 +17,8 @@ namespace velmora {
 namespace {
 
 constexpr std::string_view kCsvHeader =
-    "first_line,direction,calling,called,bearer,channel,answered,duration_s,cleared_by,cause_value,cause_text\n";
+    "first_line,tei,direction,calling,called,bearer,channel,answered,duration_s,cleared_by,cleared_by_side,cause_value,"
+    "cause_text\n";
 
 std::string_view DirectionText(CallDirection direction) {
   switch (direction) {
@@ -34,6 +35,12 @@ std::string_view DirectionText(CallDirection direction) {
 std::string_view SideText(std::optional<CallSide> side) {
   if (!side) return {};
   return *side == CallSide::Caller ? "caller" : "callee";
+}
+
+// Which side sent the first clearing message, by its frame's C/R bit.
+std::string_view ClearingSideText(std::optional<bool> byNetwork) {
+  if (!byNetwork) return {};
+  return *byNetwork ? "network" : "user";
 }
 
 std::string_view BearerText(const CallRecord& call) {
@@ -188,6 +195,7 @@ class CallsWriter {
 
   void JsonLine(const CallRecord& call) {
     JsonNumber(R"({"call_ref":)", call.callReference);
+    JsonNumber(R"(,"tei":)", call.tei);
     JsonNumber(R"(,"first_line":)", call.firstLine);
     JsonNumber(R"(,"last_line":)", call.lastLine);
     const std::string_view direction = DirectionText(call.direction);
@@ -196,6 +204,7 @@ class CallsWriter {
     JsonDigits(R"(,"called":)", call.called);
     const std::string_view bearer = BearerText(call);
     JsonString(R"(,"bearer":)", bearer, !bearer.empty());
+    JsonString(R"(,"channel":)", call.channel.value_or(""), call.channel.has_value());
     out_.Put(R"(,"messages":[)");
     for (std::size_t i = 0; i < call.messages.size(); ++i) {
       out_.Put(i > 0 ? R"(,")" : R"(")");
@@ -211,6 +220,8 @@ class CallsWriter {
     out_.Put(call.Answered() ? R"(],"answered":true)" : R"(],"answered":false)");
     const std::string_view side = SideText(call.ClearedBy());
     JsonString(R"(,"cleared_by":)", side, !side.empty());
+    const std::string_view clearingSide = ClearingSideText(call.ClearedByNetwork());
+    JsonString(R"(,"cleared_by_side":)", clearingSide, !clearingSide.empty());
     JsonNumber(R"(,"cause_value":)", call.causeValue);
     JsonNumber(R"(,"cause_location":)", call.causeLocation);
     const std::string_view meaning = call.causeValue ? CauseValueMeaning(*call.causeValue) : std::string_view();
@@ -263,6 +274,7 @@ std::unique_ptr<TraceConsumer> MakeCallsConsumer(OutputWriter& out, CallsForm fo
 void FillCallCells(CallCells& cells, const CallRecord& call) {
   for (std::string& cell : cells) cell.clear();
   cells[kFirstLine] += std::to_string(call.firstLine);
+  if (call.tei) cells[kTei] += std::to_string(*call.tei);
   cells[kDirection] += DirectionText(call.direction);
   if (call.calling) AppendDigits(cells[kCalling], *call.calling, false);
   if (call.called) AppendDigits(cells[kCalled], *call.called, false);
@@ -271,6 +283,7 @@ void FillCallCells(CallCells& cells, const CallRecord& call) {
   cells[kAnswered] += call.Answered() ? "yes" : "no";
   if (const auto duration = call.DurationMicroseconds()) AppendSeconds(cells[kDuration], *duration);
   cells[kClearedBy] += SideText(call.ClearedBy());
+  cells[kClearedBySide] += ClearingSideText(call.ClearedByNetwork());
   if (call.causeValue) {
     cells[kCauseValue] += std::to_string(*call.causeValue);
     cells[kCauseText] += CauseValueMeaning(*call.causeValue);

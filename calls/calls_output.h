@@ -30,6 +30,7 @@ std::unique_ptr<TraceConsumer> MakeCallsConsumer(OutputWriter& out, CallsForm fo
 // its meaning in one column.
 enum CallColumn : std::size_t {
   kFirstLine,
+  kTei,
   kDirection,
   kCalling,
   kCalled,
@@ -38,6 +39,7 @@ enum CallColumn : std::size_t {
   kAnswered,
   kDuration,
   kClearedBy,
+  kClearedBySide,
   kCauseValue,
   kCauseText,
   kCallColumnCount,
@@ -52,9 +54,9 @@ struct CallTableColumn {
   bool right;
 };
 inline constexpr CallTableColumn kCallTableColumns[] = {
-    {"line", 7, true},         {"direction", 9, false}, {"calling", 16, false}, {"called", 16, false},
-    {"bearer", 32, false},     {"channel", 7, false},   {"answered", 8, false}, {"duration", 10, true},
-    {"cleared by", 10, false}, {"cause", 0, false},
+    {"line", 7, true},      {"tei", 3, true},          {"direction", 9, false}, {"calling", 16, false},
+    {"called", 16, false},  {"bearer", 32, false},     {"channel", 7, false},   {"answered", 8, false},
+    {"duration", 10, true}, {"cleared by", 10, false}, {"side", 7, false},      {"cause", 0, false},
 };
 
 // The texts of one row; the strings keep their storage from row to row.

@@ -4,8 +4,10 @@
 // Input: byte 0 sets the tracker's waiting limit (1 to 16); then records of
 // [control][length][length octets]. Control bits 2-1 give the line's TX, RX
 // or neither, bit 3 whether the octets are a whole frame or a Q.931 message
-// behind an I-frame header and the protocol discriminator, bits 8-4 the
-// seconds the line's clock moves on.
+// behind a frame header and the protocol discriminator, bits 8-4 the
+// seconds the line's clock moves on; bits 5-4 also choose the header: an
+// I-frame from the terminal of TEI 64 or of TEI 65, one from the network to
+// TEI 64, or a UI frame broadcast to TEI 127.
 //
 // Invariants: every Q.931 message with a readable header is in exactly one
 // call or counted outside calls; a call's lines run from its first to its
@@ -49,7 +51,11 @@ std::vector<FrameLine> ReadFrames(const std::uint8_t* data, std::size_t size) {
     const std::uint8_t* octets = data + at + 2;
     at += 2 + length;
     FrameLine line;
-    if ((control & 4) == 0) line.frame = {0x00, 0x81, 0x00, 0x00, 0x08};
+    static const std::vector<Octet> kHeaders[] = {{0x00, 0x81, 0x00, 0x00, 0x08},
+                                                  {0x00, 0x83, 0x00, 0x00, 0x08},
+                                                  {0x02, 0x81, 0x00, 0x00, 0x08},
+                                                  {0x02, 0xFF, 0x03, 0x08}};
+    if ((control & 4) == 0) line.frame = kHeaders[(control >> 3) & 3];
     line.frame.insert(line.frame.end(), octets, octets + length);
     seconds = (seconds + (control >> 3)) % 86400;
     char text[64];
@@ -64,9 +70,11 @@ std::vector<FrameLine> ReadFrames(const std::uint8_t* data, std::size_t size) {
   return lines;
 }
 
-// Q.931 in an I-frame, and a call reference that leaves room for the type.
+// Q.931 in an I-frame or a UI frame, and a call reference that leaves room
+// for the type.
 bool HasReadableHeader(const std::vector<Octet>& frame) {
-  return frame.size() >= 6 && (frame[2] & 1) == 0 && frame[4] == 0x08 && frame[5] + 2U < frame.size() - 4;
+  if (frame.size() >= 6 && (frame[2] & 1) == 0 && frame[4] == 0x08) return frame[5] + 2U < frame.size() - 4;
+  return frame.size() >= 5 && (frame[2] & 0xEF) == 0x03 && frame[3] == 0x08 && frame[4] + 2U < frame.size() - 3;
 }
 
 void CheckRecord(const velmora::CallRecord& call) {
@@ -144,10 +152,10 @@ class JsonLine {
   std::size_t at_ = 0;
 };
 
-const std::vector<std::string> kKeys = {"call_ref",    "first_line",     "last_line",  "direction", "calling",
-                                        "called",      "bearer",         "messages",   "answered",  "cleared_by",
-                                        "cause_value", "cause_location", "cause_text", "start",     "connect",
-                                        "end",         "duration_s"};
+const std::vector<std::string> kKeys = {"call_ref",   "tei",        "first_line",      "last_line",   "direction",
+                                        "calling",    "called",     "bearer",          "channel",     "messages",
+                                        "answered",   "cleared_by", "cleared_by_side", "cause_value", "cause_location",
+                                        "cause_text", "start",      "connect",         "end",         "duration_s"};
 
 }  // namespace
 

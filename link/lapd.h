@@ -1,5 +1,6 @@
 #pragma once
 // Q.921 (LAPD) frame kinds, told by the control field.
+#include <optional>
 #include <string_view>
 
 #include "decode_context.h"
@@ -15,6 +16,34 @@ constexpr bool IsQ931Discriminator(Octet octet) { return octet == 0x08; }
 // as Q.931 and the call view reads.
 constexpr bool CarriesQ931(OctetSpan frame) {
   return frame.size() >= 5 && (frame[2] & 0x01) == 0 && IsQ931Discriminator(frame[4]);
+}
+
+// The LAPD address of a frame (octets 1 and 2): SAPI, C/R and TEI.
+struct LapdAddress {
+  unsigned sapi;
+  bool commandResponse;  // the C/R bit: 1 on a command from the network side
+  unsigned tei;          // 127: the broadcast TEI
+};
+constexpr LapdAddress AddressOf(Octet octet1, Octet octet2) {
+  return {static_cast<unsigned>(octet1 >> 2), (octet1 & 0x02) != 0, static_cast<unsigned>(octet2 >> 1)};
+}
+inline constexpr unsigned kBroadcastTei = 127;
+
+// A Q.931 message in a frame, for the call view: in an I frame from octet 5
+// on, or in a UI frame (control octet 0x03, P/F either way) from octet 4 on,
+// as a broadcast SETUP arrives on a shared bus. Both are commands, so the
+// C/R bit tells the side that sent them.
+struct Q931InFrame {
+  LapdAddress address;
+  bool unnumbered;    // in a UI frame
+  OctetSpan message;  // from the protocol discriminator to the frame's end
+  bool FromNetwork() const { return address.commandResponse; }
+};
+constexpr std::optional<Q931InFrame> FindQ931(OctetSpan frame) {
+  if (CarriesQ931(frame)) return Q931InFrame{AddressOf(frame[0], frame[1]), false, frame.subspan(4)};
+  if (frame.size() >= 4 && (frame[2] & 0xEF) == 0x03 && IsQ931Discriminator(frame[3]))
+    return Q931InFrame{AddressOf(frame[0], frame[1]), true, frame.subspan(3)};
+  return std::nullopt;
 }
 
 // Prints the "ISDN Layer 2: " line, and for an information frame the

@@ -38,7 +38,8 @@ constexpr std::size_t kLongestRememberedText = 1024;
 
 // The cells of a call row that are numbers into the string list (values
 // that repeat from call to call); the others are written as they are.
-constexpr bool kNumberedCell[kCallColumnCount] = {false, true, false, false, true, true, true, false, true, true, true};
+constexpr bool kNumberedCell[kCallColumnCount] = {false, true,  true, false, false, true, true,
+                                                  true,  false, true, true,  true,  true};
 
 // Which lifeline is this side: known from the TX/RX of the call's lines.
 enum ThisSide : int { kSideUnknown = 0, kSideCaller = 1, kSideCallee = 2 };

@@ -67,7 +67,7 @@ TEST(CallsCommand, StandardInputAndATraceWithoutFrames) {
   EXPECT_EQ(ReadAll(out), ReadAll(kCallsData / "mid_call.expected.jsonl"));
   EXPECT_EQ(run("--to calls - - </dev/null 2>/dev/null"), 1);
   const std::string text = ReadAll(out);
-  EXPECT_TRUE(text.starts_with("   line  direction")) << text;
+  EXPECT_TRUE(text.starts_with("   line  tei  direction")) << text;
   EXPECT_NE(text.find("\ncalls: 0\nanswered: 0\n"), std::string::npos) << text;
   fs::remove(out);
 }
@@ -123,16 +123,40 @@ TEST_F(Tracker, CompleteCallsWaitBehindAnOpenOneOnlyUpToTheLimit) {
 }
 
 TEST_F(Tracker, FramesThatAreNoCallsMessages) {
-  tracker_.Frame(std::vector<Octet>{0x02, 0x81, 0x01, 0x02}, 1, "");                    // RR
-  tracker_.Frame(std::vector<Octet>{0x02, 0xFF, 0x03, 0x08, 0x01, 0x01, 0x05}, 2, "");  // UI
-  Feed({0x09, 0x01, 0x01, 0x05});                                                       // not Q.931
-  Feed({0x08, 0x02, 0x00});                                                             // cut short
-  Feed({0x08, 0x00, 0x7B});                                                             // dummy
-  Feed({0x08, 0x02, 0x80, 0x00, 0x4E});                                                 // global
-  Feed({0x08, 0x09, 0x01, 0x02, 0x03, 0x04, 0x05, 0x06, 0x07, 0x08, 0x09, 0x05});       // nine octets
+  tracker_.Frame(std::vector<Octet>{0x02, 0x81, 0x01, 0x02}, 1, "");                          // RR
+  tracker_.Frame(std::vector<Octet>{0xFE, 0xFF, 0x03, 0x0F, 0x2C, 0x51, 0x01, 0xFF}, 2, "");  // TEI management
+  Feed({0x09, 0x01, 0x01, 0x05});                                                             // not Q.931
+  Feed({0x08, 0x02, 0x00});                                                                   // cut short
+  Feed({0x08, 0x00, 0x7B});                                                                   // dummy
+  Feed({0x08, 0x02, 0x80, 0x00, 0x4E});                                                       // global
+  Feed({0x08, 0x09, 0x01, 0x02, 0x03, 0x04, 0x05, 0x06, 0x07, 0x08, 0x09, 0x05});             // nine octets
   tracker_.Finish();
   EXPECT_TRUE(delivered_.empty());
   EXPECT_EQ(tracker_.MessagesOutsideCalls(), 3U);
+}
+
+// A SETUP broadcast to TEI 127 that no terminal answers: the terminals'
+// refusals belong to it and give its cause, but none of them ends it, since
+// another terminal may still answer; a non-selected user's clearing (26)
+// gives no cause.
+TEST_F(Tracker, BroadcastSetupThatNoTerminalAnswers) {
+  tracker_.Frame(std::vector<Octet>{0x02, 0xFF, 0x03, 0x08, 0x01, 0x03, 0x05}, 1, "");        // UI, TEI 127
+  tracker_.Frame(std::vector<Octet>{0x00, 0x81, 0x00, 0x00, 0x08, 0x01, 0x83, 0x01}, 2, "");  // TEI 64 ALERTING
+  tracker_.Frame(std::vector<Octet>{0x02, 0x81, 0x00, 0x02, 0x08, 0x01, 0x03, 0x4D, 0x08, 0x02, 0x80, 0x9A}, 3, "");
+  tracker_.Frame(std::vector<Octet>{0x00, 0x81, 0x02, 0x02, 0x08, 0x01, 0x83, 0x5A}, 4, "");
+  tracker_.Frame(std::vector<Octet>{0x00, 0x83, 0x00, 0x00, 0x08, 0x01, 0x83, 0x5A, 0x08, 0x02, 0x80, 0x91}, 5, "");
+  EXPECT_TRUE(delivered_.empty());
+  EXPECT_EQ(tracker_.OpenCalls(), 3U);  // one call, under TEI 127, 64 and 65
+  tracker_.Finish();
+  ASSERT_EQ(delivered_.size(), 1U);
+  const CallRecord& call = delivered_[0];
+  EXPECT_TRUE(call.broadcast);
+  EXPECT_EQ(call.tei, std::nullopt);
+  EXPECT_EQ(call.messages.size(), 5U);
+  EXPECT_EQ(call.causeValue, 17U);
+  EXPECT_EQ(call.clearing->line, 5U);
+  EXPECT_EQ(call.ClearedByNetwork(), false);
+  EXPECT_EQ(call.ClearedBy(), CallSide::Callee);
 }
 
 TEST_F(Tracker, AVeryLongCallListsItsFirstMessagesAndCountsTheRest) {
@@ -189,7 +213,7 @@ TEST(CallsOutput, DigitsWithQuotesCommasAndControlCharacters) {
     });
   };
   EXPECT_NE(summary(CallsForm::JsonLines).find(R"("calling":"a\"b,c\\\u0001")"), std::string::npos);
-  EXPECT_NE(summary(CallsForm::Csv).find(R"(7,,"a""b,c\\u0001",,)"), std::string::npos);
+  EXPECT_NE(summary(CallsForm::Csv).find(R"(7,64,,"a""b,c\\u0001",,)"), std::string::npos);
   EXPECT_NE(summary(CallsForm::Table).find(R"(a"b,c\\u0001 )"), std::string::npos);
 }
 

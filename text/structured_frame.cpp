@@ -1,5 +1,7 @@
 #include "structured_frame.h"
 
+#include "codesets.h"
+
 namespace velmora {
 namespace {
 
@@ -35,23 +37,9 @@ FieldPart PartsOf(std::string_view line) {
   return part;
 }
 
-// The codeset each element stands in: a locking shift (1001 0nnn) moves all
-// elements behind it to codeset nnn, a non-locking one (1001 1nnn) only the
-// next one. The shift itself stands in the codeset before it.
 void AssignCodesets(std::span<ElementPart> elements) {
-  unsigned locked = 0;
-  int nextOnly = -1;
-  for (ElementPart& element : elements) {
-    element.codeset = nextOnly >= 0 ? static_cast<unsigned>(nextOnly) : locked;
-    nextOnly = -1;
-    const Octet identifier = element.Identifier();
-    if ((identifier & 0xF0) != 0x90) continue;
-    if ((identifier & 0x08) == 0) {
-      locked = identifier & 0x07;
-    } else {
-      nextOnly = identifier & 0x07;
-    }
-  }
+  CodesetShifts shifts;
+  for (ElementPart& element : elements) element.codeset = shifts.Next(element.Identifier());
 }
 
 }  // namespace

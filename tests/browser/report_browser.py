@@ -306,7 +306,7 @@ def expected_rows(csv_text):
     """The table's cells as the page shows them: '-' for unknown, the cause
     value and its meaning in one column."""
     rows = list(csv.reader(io.StringIO(csv_text)))[1:]
-    return [[c or "-" for c in row[:9]] + [" ".join(c for c in row[9:] if c) or "-"] for row in rows]
+    return [[c or "-" for c in row[:11]] + [" ".join(c for c in row[11:] if c) or "-"] for row in rows]
 
 
 def show_row(page, index):

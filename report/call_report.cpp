@@ -117,7 +117,8 @@ class ReportConsumer final : public TraceConsumer {
     TranslateTraceLine(context_, piece.text);
     decodedWriter_.Flush();
     const OctetSpan frame = piece.frame;
-    if (CarriesQ931(frame)) {
+    // Q.931 in I and UI frames, as the call tracker reads it.
+    if (FindQ931(frame)) {
       const std::string_view text = std::string_view(decoded_).substr(piece.text.size());
       tracker_.Frame(frame, piece.lineNumber, piece.text, NumberFrameText(text));
     }
@@ -174,7 +175,7 @@ class ReportConsumer final : public TraceConsumer {
   // A call as [cells..., call reference, this side, answered, unlisted
   // messages, messages]; a message as [name, sender (0 caller, 1 callee),
   // lines since the one before, characters of time shared with the one
-  // before, the rest of its time, frame text (, cause value, meaning)].
+  // before, the rest of its time, frame text, TEI (, cause value, meaning)].
   void AddCall(const CallRecord& call) {
     totals_.Count(call);
     FillCallCells(cells_, call);
@@ -214,6 +215,8 @@ class ReportConsumer final : public TraceConsumer {
       time = message.time.View();
       calls_ += ',';
       AppendNumber(calls_, message.tag);
+      calls_ += ',';
+      AppendNumber(calls_, message.tei);
       if (message.causeValue) {
         calls_ += ',';
         AppendNumber(calls_, *message.causeValue);

@@ -265,22 +265,29 @@ def decoded_texts(trace_lines, message_file):
 
 
 def frame_facts(line):
-    """Call reference value, flag, message type and TX/RX of a Q.931 frame
-    line, read straight from its cells; None for any other line."""
+    """Call reference value, flag, message type, TEI and TX/RX of a frame
+    line carrying Q.931 in an I or a UI frame, read straight from its cells;
+    None for any other line."""
     anchor = line.find("HDLC")
     if len(line) < 80 or "****" not in line or anchor < 0:
         return None
     count = re.match(r"\d*", line[anchor + 5:]).group()
     cells = line[anchor + 5 + len(count) + 4:]
     octets = [int(cells[5 * k + 2:5 * k + 4], 16) for k in range(int(count or 0))]
-    if len(octets) < 7 or octets[2] & 1 or octets[4] != 0x08 or not 0 < octets[5] < len(octets) - 6:
+    if len(octets) >= 5 and octets[2] & 1 == 0 and octets[4] == 0x08:
+        message = octets[4:]
+    elif len(octets) >= 4 and octets[2] & 0xEF == 0x03 and octets[3] == 0x08:
+        message = octets[3:]
+    else:
         return None
-    reference = octets[6:6 + octets[5]]
+    if len(message) < 3 or not 0 < message[1] < len(message) - 2:
+        return None
+    reference = message[2:2 + message[1]]
     value = reference[0] & 0x7F
     for octet in reference[1:]:
         value = value << 8 | octet
     marker = re.search(r"\b(TX|RX)\b", line[:anchor], re.IGNORECASE)
-    return {"ref": value, "flag": reference[0] >> 7, "type": octets[6 + octets[5]],
+    return {"ref": value, "flag": reference[0] >> 7, "type": message[2 + message[1]], "tei": octets[1] >> 1,
             "tx": None if not marker else marker.group(1).upper() == "TX"}
 
 
@@ -292,9 +299,11 @@ LADDER = """(() => {
   const x = (n, a) => Number(n.getAttribute(a));
   return {
     lifelines: [...document.querySelectorAll('#ladder g.lifeline')].map(g => ({
-      side: g.dataset.side, x: x(g.querySelector('line'), 'x1'), label: g.querySelector('.side').textContent})),
+      side: g.dataset.side, tei: g.dataset.tei === undefined ? null : Number(g.dataset.tei),
+      x: x(g.querySelector('line'), 'x1'), label: g.querySelector('.side').textContent})),
+    gaps: [...document.querySelectorAll('#ladder g.gap text')].map(t => t.textContent),
     arrows: [...document.querySelectorAll('#ladder g.arrow')].map(g => ({
-      line: Number(g.dataset.line), from: x(g.querySelector('line'), 'x1'),
+      line: Number(g.dataset.line), from: x(g.querySelector('line'), 'x1'), y: x(g.querySelector('line'), 'y1'),
       tip: Number(g.querySelector('polygon').getAttribute('points').split(' ')[0]),
       name: g.querySelector('.name').textContent, time: g.querySelector('.time').textContent,
       cause: (g.querySelector('.cause') || {}).textContent || null})),
@@ -323,33 +332,69 @@ def check_ladder(page, call, index, trace_lines, texts):
     page.click(f'#table-rows .row[data-call="{index}"]')
     ladder = page.evaluate(LADDER)
     where = f"call at line {call['first_line']}"
+    # A call's messages: those of its call reference and TEI; a SETUP
+    # broadcast to TEI 127 gathers those of every TEI.
+    broadcast = frame_facts(trace_lines[call["first_line"] - 1])["tei"] == 127
     messages = []
     for number in range(call["first_line"], call["last_line"] + 1):
         facts = frame_facts(trace_lines[number - 1])
-        if facts and facts["ref"] == call["call_ref"]:
+        if facts and facts["ref"] == call["call_ref"] and (broadcast or facts["tei"] == call["tei"]):
             messages.append(dict(facts, line=number))
     arrows = ladder["arrows"]
     expect(len(arrows) == len(messages) == len(call["messages"]),
            f"{where}: {len(arrows)} arrows, {len(messages)} messages in the trace, {len(call['messages'])} in JSON")
-    lifeline = {l["side"]: l for l in ladder["lifelines"]}
-    expect(set(lifeline) == {"caller", "callee"}, f"{where}: lifelines {list(lifeline)}")
+    # One lifeline for each side; with several TEIs, the callee's side has
+    # one for each of them.
+    teis = sorted({m["tei"] for m in messages})
+    lanes = ladder["lifelines"]
+    expect(sorted(l["side"] for l in lanes) == ["callee"] * max(1, len(teis) if len(teis) > 1 else 1) + ["caller"]
+           and (len(teis) == 1 or sorted(l["tei"] for l in lanes if l["side"] == "callee") == teis),
+           f"{where}: lifelines {lanes} for TEIs {teis}")
+    def lane(side, tei):
+        return next(l for l in lanes if l["side"] == side and (len(teis) == 1 or side == "caller" or l["tei"] == tei))
     for arrow, message, name in zip(arrows, messages, call["messages"]):
         at = f"{where}, {name} on line {message['line']}"
         sender, receiver = ("callee", "caller") if message["flag"] else ("caller", "callee")
         expect(arrow["name"] == name and arrow["line"] == message["line"], f"{at}: arrow {arrow}")
-        expect(arrow["from"] == lifeline[sender]["x"] and arrow["tip"] == lifeline[receiver]["x"],
+        expect(arrow["from"] == lane(sender, message["tei"])["x"] and arrow["tip"] == lane(receiver, message["tei"])["x"],
                f"{at}: the arrow runs from x={arrow['from']} to x={arrow['tip']}, not {sender} to {receiver}")
-        if call["direction"] and message["tx"] is not None:
+        label = lane(sender, message["tei"])["label"]
+        if len(teis) > 1 and sender == "callee":
+            expect(label == f"TEI {message['tei']}", f"{at}: sent from the lifeline {label}")
+        elif call["direction"] and message["tx"] is not None:
             side = "this side" if message["tx"] else "far side"
-            expect(lifeline[sender]["label"] == side, f"{at}: sent from {lifeline[sender]['label']}, not {side}")
+            expect(label == side, f"{at}: sent from {label}, not {side}")
         elif not call["direction"]:
-            expect(lifeline[sender]["label"] == sender, f"{at}: lifeline labelled {lifeline[sender]['label']}")
+            expect(label == sender, f"{at}: lifeline labelled {label}")
     expect(call["start"] is None or arrows[0]["time"] == call["start"], f"{where}: first time {arrows[0]['time']}")
     expect(call["end"] is None or arrows[-1]["time"] == call["end"], f"{where}: last time {arrows[-1]['time']}")
-    clearing = next((a for a in arrows if a["name"] in ("DISCONNECT", "RELEASE", "RELEASE COMPLETE")), None)
+    # Arrows spaced by the time between their messages: more room for a
+    # longer gap, and a break, saying how long, for ten seconds or more.
+    def seconds(text):
+        t = re.search(r"(\d{1,2}):(\d{2}):(\d{2})(\.\d+)?", text)
+        d = re.search(r"(\d{4})-(\d{2})-(\d{2})", text)
+        if not t:
+            return None
+        day = (int(d.group(1)) * 372 + int(d.group(2)) * 31 + int(d.group(3))) * 86400 if d else 0
+        return day + int(t.group(1)) * 3600 + int(t.group(2)) * 60 + int(t.group(3)) + float(t.group(4) or 0)
+    steps = []
+    for before, after in zip(arrows, arrows[1:]):
+        a, b = seconds(before["time"]), seconds(after["time"])
+        expect(after["y"] > before["y"], f"{where}: line {after['line']} stands above the message before it")
+        if a is not None and b is not None and b >= a:
+            steps.append((b - a, after["y"] - before["y"]))
+    for gap, room in steps:
+        for other_gap, other_room in steps:
+            if gap < 10 and other_gap > gap * 10:
+                expect(other_room > room, f"{where}: {other_gap:.3f} s got {other_room} px, {gap:.3f} s {room} px")
+    expect(len(ladder["gaps"]) == sum(1 for gap, _ in steps if gap >= 10),
+           f"{where}: breaks {ladder['gaps']} for gaps {[g for g, _ in steps]}")
+    # The call's cause stands on a clearing message: the first one with a
+    # Cause in codeset 0, of the terminal that answered a broadcast SETUP.
+    clearing = [a for a in arrows if a["name"] in ("DISCONNECT", "RELEASE", "RELEASE COMPLETE")]
     if call["cause_value"] is not None:
         cause = f"cause {call['cause_value']}" + (f" {call['cause_text']}" if call["cause_text"] else "")
-        expect(clearing and clearing["cause"] == cause, f"{where}: clearing message shows {clearing}, not {cause}")
+        expect(any(a["cause"] == cause for a in clearing), f"{where}: no clearing message shows {cause}: {clearing}")
     for k, message in enumerate(messages):
         page.click(f'#ladder g.arrow[data-message="{k}"] .name')
         shown = page.evaluate("document.getElementById('frame-text').textContent")

@@ -58,6 +58,7 @@ test: deps
 	cmake --build $(TEST_DIR) -j $(JOBS)
 	cd $(TEST_DIR) && ASAN_OPTIONS=detect_leaks=1 ctest --output-on-failure -j $(JOBS)
 	$(MAKE) release-test
+	$(MAKE) nothreads-test
 	$(MAKE) fuzz-smoke
 	$(MAKE) package-check
 
@@ -71,6 +72,18 @@ release-test: deps
 	  -DVELMORA_WERROR=ON >/dev/null
 	cmake --build $(RELEASE_TEST_DIR) -j $(JOBS) --target velmora test_golden test_parallel_run test_error_paths test_cli
 	cd $(RELEASE_TEST_DIR) && ctest --output-on-failure -j $(JOBS) -R '^(Traces/Golden|ParallelRun|ErrorPaths|Cli|ScanWarnings)\.'
+
+# The build for platforms without threads (VELMORA_THREADS=OFF: no read
+# ahead, write behind or parallel run): velmora on the golden traces.
+NOTHREADS_DIR := build/nothreads
+.PHONY: nothreads-test
+nothreads-test: deps
+	cmake -S . -B $(NOTHREADS_DIR) -G Ninja -DCMAKE_BUILD_TYPE=Release -DVELMORA_THREADS=OFF -DVELMORA_TESTS=OFF \
+	  -DVELMORA_DIALOG=OFF -DVELMORA_WERROR=ON >/dev/null
+	cmake --build $(NOTHREADS_DIR) -j $(JOBS) --target velmora
+	@for trace in tests/data/*.in.txt; do \
+	  $(NOTHREADS_DIR)/velmora -q -j 4 "$$trace" - | cmp - "$${trace%.in.txt}.expected.txt" || exit 1; \
+	done; echo "nothreads: the golden traces as expected"
 
 # The Debian packages velmora and zandrel (build/package/*.deb): a Release
 # build with Debian's hardening flags, without sanitizers, packed by CPack.

@@ -4,6 +4,8 @@
 
 namespace velmora {
 
+#if !defined(VELMORA_NO_THREADS)
+
 IoThread::IoThread() : thread_([this] { Run(); }) {}
 
 IoThread::~IoThread() {
@@ -42,5 +44,7 @@ void IoThread::Run() {
     changed_.notify_all();
   }
 }
+
+#endif
 
 }  // namespace velmora

@@ -2,12 +2,28 @@
 // A thread of its own for one block of input or output at a time (a read
 // into an empty buffer, a write of a full one), so that the decoding goes on
 // meanwhile.
-#include <condition_variable>
 #include <functional>
+
+#if !defined(VELMORA_NO_THREADS)
+#include <condition_variable>
 #include <mutex>
 #include <thread>
+#endif
 
 namespace velmora {
+
+#if defined(VELMORA_NO_THREADS)
+
+// A build without threads (configured with VELMORA_THREADS=OFF, for a
+// platform that has none): each block read or write is done where it is
+// started, and the decoding waits for it.
+class IoThread {
+ public:
+  void Start(std::function<void()> job) { job(); }
+  void Wait() {}
+};
+
+#else
 
 class IoThread {
  public:
@@ -32,5 +48,7 @@ class IoThread {
   bool stopping_ = false;
   std::thread thread_;  // last: starts once the members above exist
 };
+
+#endif
 
 }  // namespace velmora

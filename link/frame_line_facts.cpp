@@ -1,5 +1,8 @@
 #include "frame_line_facts.h"
 
+#include <algorithm>
+#include <chrono>
+
 namespace velmora {
 namespace {
 
@@ -72,14 +75,13 @@ FrameDirection DirectionAt(std::string_view text, std::size_t at) {
   }
 }
 
-// Days from 1970-01-01 to a date of the proleptic Gregorian calendar.
+// Days from 1970-01-01 to a date of the proleptic Gregorian calendar. A day
+// past the month's last (a line's 02-31) counts on into the next month.
 std::int64_t DaysSinceEpoch(int year, int month, int day) {
-  year -= month <= 2;
-  const std::int64_t era = (year >= 0 ? year : year - 399) / 400;
-  const int yearOfEra = static_cast<int>(year - era * 400);
-  const int dayOfYear = (153 * (month + (month > 2 ? -3 : 9)) + 2) / 5 + day - 1;
-  const int dayOfEra = yearOfEra * 365 + yearOfEra / 4 - yearOfEra / 100 + dayOfYear;
-  return era * 146097 + dayOfEra - 719468;
+  using namespace std::chrono;
+  const year_month_day date{std::chrono::year{year}, std::chrono::month{static_cast<unsigned>(month)},
+                            std::chrono::day{static_cast<unsigned>(day)}};
+  return sys_days{date}.time_since_epoch().count();
 }
 
 }  // namespace
@@ -127,16 +129,15 @@ LineMoment MomentOf(std::int64_t microsecondsSinceEpoch) {
     ofDay += kMicrosecondsPerDay;
     --days;
   }
-  // The inverse of DaysSinceEpoch, by eras of 400 years from 0000-03-01.
-  days += 719468;
-  const std::int64_t era = (days >= 0 ? days : days - 146096) / 146097;
-  const std::int64_t dayOfEra = days - era * 146097;
-  const std::int64_t yearOfEra = (dayOfEra - dayOfEra / 1460 + dayOfEra / 36524 - dayOfEra / 146096) / 365;
-  const std::int64_t dayOfYear = dayOfEra - (365 * yearOfEra + yearOfEra / 4 - yearOfEra / 100);
-  const std::int64_t shiftedMonth = (5 * dayOfYear + 2) / 153;  // 0 is March
-  const int day = static_cast<int>(dayOfYear - (153 * shiftedMonth + 2) / 5 + 1);
-  const int month = static_cast<int>(shiftedMonth < 10 ? shiftedMonth + 3 : shiftedMonth - 9);
-  const int year = static_cast<int>(yearOfEra + era * 400 + (month <= 2));
+  // The calendar's years reach from -32767 to 32767: a moment beyond,
+  // which no trace or capture holds, is shown at that end.
+  using namespace std::chrono;
+  constexpr std::int64_t kFirstDay = sys_days{std::chrono::year::min() / January / 1}.time_since_epoch().count();
+  constexpr std::int64_t kLastDay = sys_days{std::chrono::year::max() / December / 31}.time_since_epoch().count();
+  const year_month_day date{sys_days{std::chrono::days{std::clamp(days, kFirstDay, kLastDay)}}};
+  const int year = static_cast<int>(date.year());
+  const int month = static_cast<int>(static_cast<unsigned>(date.month()));
+  const int day = static_cast<int>(static_cast<unsigned>(date.day()));
   const std::int64_t seconds = ofDay / 1000000;
   return {{year, month, day},
           {static_cast<int>(seconds / 3600), static_cast<int>(seconds / 60 % 60), static_cast<int>(seconds % 60),

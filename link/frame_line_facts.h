@@ -46,7 +46,8 @@ std::int64_t MicrosecondsOfDay(const LineTime& time);
 inline constexpr std::int64_t kMicrosecondsPerDay = 86400LL * 1000000;
 
 // A moment as a date and a time of day, UTC: the inverse of
-// MicrosecondsSinceEpoch (years before 1 or after 9999 included).
+// MicrosecondsSinceEpoch, for the calendar's years -32767 to 32767 (a
+// moment beyond is shown at that end).
 struct LineMoment {
   LineDate date;
   LineTime time;

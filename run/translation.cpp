@@ -13,7 +13,9 @@
 #include "input_format.h"
 #include "line_reader.h"
 #include "line_scanner.h"
+#if !defined(VELMORA_NO_THREADS)
 #include "parallel_run.h"
+#endif
 #include "trace_consumer.h"
 
 namespace velmora {
@@ -344,6 +346,7 @@ TranslationOutcome TranslateTraceFile(std::string_view inputPath, std::string_vi
     report.readError = head.error;
   } else if (formatted) {
     frameFound = TranslatePieces(*formatted, writer, link, options, readMayWait, inputSize, report);
+#if !defined(VELMORA_NO_THREADS)
   } else if (parallel) {
     const ParallelRunResult result =
         TranslateInParallel(inputFd, inputSize, writer, link, options.jobs, options.stopOnWriteError, reportProgress);
@@ -351,6 +354,7 @@ TranslationOutcome TranslateTraceFile(std::string_view inputPath, std::string_vi
     report.scanNotes = result.scanNotes;
     report.readError = result.readError;
     report.bytesRead = result.bytesRead;
+#endif
   } else {
     LineReader reader(inputFd, LineReader::kDefaultBlock, regularInputSize ? SourceReads::Ahead : SourceReads::Inline);
     if (head.consumed) reader.Preload(head.View());

@@ -1,6 +1,7 @@
 // The direction and the moment a frame line carries before its "HDLC".
 #include <gtest/gtest.h>
 
+#include <cstdint>
 #include <string>
 
 #include "frame_line_facts.h"
@@ -78,6 +79,11 @@ TEST(FrameLineFacts, MomentsBackToDatesAndTimes) {
     ASSERT_EQ(MicrosecondsSinceEpoch(back.date, back.time), moment) << "day " << day;
     ASSERT_TRUE(back.date.month >= 1 && back.date.month <= 12 && back.date.day >= 1 && back.date.day <= 31);
   }
+  // A line's 02-31 counts on into March; moments no calendar year holds
+  // stand at the calendar's ends.
+  EXPECT_EQ(MicrosecondsSinceEpoch({2026, 2, 31}, {0, 0, 0, 0}), MicrosecondsSinceEpoch({2026, 3, 3}, {0, 0, 0, 0}));
+  EXPECT_EQ(MomentOf(INT64_MAX).date.year, 32767);
+  EXPECT_EQ(MomentOf(INT64_MIN).date.year, -32767);
 }
 
 }  // namespace

@@ -246,8 +246,10 @@ class CallsWriter {
 
 class CallsConsumer final : public TraceConsumer {
  public:
-  CallsConsumer(OutputWriter& out, CallsForm form)
-      : writer_(out, form), tracker_([this](const CallRecord& call) { writer_.Call(call); }) {
+  CallsConsumer(OutputWriter& out, CallsForm form, CallSelection select)
+      : writer_(out, form), select_(std::move(select)), tracker_([this](const CallRecord& call) {
+          if (!select_ || select_(call)) writer_.Call(call);
+        }) {
     writer_.Begin();
   }
 
@@ -262,13 +264,14 @@ class CallsConsumer final : public TraceConsumer {
 
  private:
   CallsWriter writer_;
+  CallSelection select_;
   CallTracker tracker_;
 };
 
 }  // namespace
 
-std::unique_ptr<TraceConsumer> MakeCallsConsumer(OutputWriter& out, CallsForm form) {
-  return std::make_unique<CallsConsumer>(out, form);
+std::unique_ptr<TraceConsumer> MakeCallsConsumer(OutputWriter& out, CallsForm form, CallSelection select) {
+  return std::make_unique<CallsConsumer>(out, form, std::move(select));
 }
 
 void FillCallCells(CallCells& cells, const CallRecord& call) {

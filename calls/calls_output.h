@@ -5,6 +5,7 @@
 #include <array>
 #include <cstddef>
 #include <cstdint>
+#include <functional>
 #include <memory>
 #include <string>
 #include <string_view>
@@ -23,8 +24,11 @@ enum class CallsForm {
   JsonLines,  // one JSON object a call
 };
 
+// Whether a call is written; null: every call.
+using CallSelection = std::function<bool(const CallRecord&)>;
+
 // A consumer for the run's frames that writes the calls through `out`.
-std::unique_ptr<TraceConsumer> MakeCallsConsumer(OutputWriter& out, CallsForm form);
+std::unique_ptr<TraceConsumer> MakeCallsConsumer(OutputWriter& out, CallsForm form, CallSelection select = nullptr);
 
 // The columns of the table and the CSV. The table shows the cause value and
 // its meaning in one column.

@@ -9,6 +9,7 @@
 #include <cstdio>
 #include <cstring>
 #include <iostream>
+#include <memory>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -21,6 +22,7 @@
 #include "input_formats.h"
 #include "pcap_export.h"
 #include "progress_bar.h"
+#include "trace_filter.h"
 #include "translation.h"
 #include "velmora_version.h"
 
@@ -34,22 +36,63 @@ constexpr int kExitNoInput = 66;     // EX_NOINPUT
 constexpr int kExitCantCreate = 73;  // EX_CANTCREAT
 constexpr int kExitIoError = 74;     // EX_IOERR
 
+// The frames and calls a run keeps, from --call, --tei, --message, --cause
+// and --failed. A selection that needs the calls for its frames (--cause,
+// --failed on the message file, JSON or a capture) reads the input once
+// before, for the lines of the selected calls' messages.
+struct Selection {
+  velmora::TraceFilter filter;
+  std::shared_ptr<std::vector<std::uint64_t>> callLines;  // sorted; null when not needed
+
+  velmora::FrameSelection Frames() const {
+    return [this](velmora::OctetSpan frame, std::uint64_t line) {
+      return filter.FrameSelected(frame) &&
+             (!callLines || std::binary_search(callLines->begin(), callLines->end(), line));
+    };
+  }
+  velmora::CallSelection Calls() const {
+    return [this](const velmora::CallRecord& call) { return filter.CallSelected(call); };
+  }
+};
+
 // What velmora can write of a trace. Each kind but the message file comes
-// from a library beside the translation core.
+// from a library beside the translation core. `selection` is null when no
+// filter is given.
 struct OutputKind {
   std::string_view name;
   std::string_view help;
-  velmora::TraceConsumerFactory (*make)(const std::string& input);  // null: the message file
+  // Null, or a factory of a null function: the message file, at full speed.
+  velmora::TraceConsumerFactory (*make)(const std::string& input, const Selection* selection);
+  bool framesOut;  // writes frames (a filter keeps frames), not calls
 };
-velmora::TraceConsumerFactory PcapFactory(const std::string&) { return velmora::PcapExport(); }
-velmora::TraceConsumerFactory JsonFactory(const std::string&) { return velmora::MakeJsonConsumer; }
+velmora::TraceConsumerFactory MessageFactory(const std::string&, const Selection* selection) {
+  if (selection == nullptr) return nullptr;
+  return [selection](velmora::OutputWriter& out, velmora::LinkMemory& link) {
+    return velmora::MakeSelectedFramesConsumer(out, link, selection->Frames());
+  };
+}
+velmora::TraceConsumerFactory PcapFactory(const std::string&, const Selection* selection) {
+  velmora::TraceConsumerFactory pcap = velmora::PcapExport();
+  if (selection == nullptr) return pcap;
+  return [pcap, selection](velmora::OutputWriter& out, velmora::LinkMemory& link) {
+    return velmora::MakeFrameFilteredConsumer(pcap(out, link), selection->Frames());
+  };
+}
+velmora::TraceConsumerFactory JsonFactory(const std::string&, const Selection* selection) {
+  return [selection](velmora::OutputWriter& out, velmora::LinkMemory& link) {
+    return velmora::MakeJsonConsumer(out, link, selection != nullptr ? selection->Frames() : nullptr);
+  };
+}
 template <velmora::CallsForm form>
-velmora::TraceConsumerFactory CallsFactory(const std::string&) {
-  return [](velmora::OutputWriter& out, velmora::LinkMemory&) { return velmora::MakeCallsConsumer(out, form); };
+velmora::TraceConsumerFactory CallsFactory(const std::string&, const Selection* selection) {
+  return [selection](velmora::OutputWriter& out, velmora::LinkMemory&) {
+    return velmora::MakeCallsConsumer(out, form, selection != nullptr ? selection->Calls() : nullptr);
+  };
 }
 // The report names its input and gives a regular file's size.
-velmora::TraceConsumerFactory ReportFactory(const std::string& input) {
-  velmora::ReportInput report{input == "-" ? "standard input" : input, std::nullopt};
+velmora::TraceConsumerFactory ReportFactory(const std::string& input, const Selection* selection) {
+  velmora::ReportInput report{input == "-" ? "standard input" : input, std::nullopt,
+                              selection != nullptr ? selection->Calls() : nullptr};
   struct stat info {};
   if (input != "-" && ::stat(input.c_str(), &info) == 0 && S_ISREG(info.st_mode))
     report.size = static_cast<std::uint64_t>(info.st_size);
@@ -57,13 +100,13 @@ velmora::TraceConsumerFactory ReportFactory(const std::string& input) {
 }
 
 constexpr OutputKind kOutputKinds[] = {
-    {"message", "the message file (the default)", nullptr},
-    {"json", "the decode as data, one JSON object a frame line (JSON Lines)", JsonFactory},
-    {"pcap", "a pcap capture of every frame line's octets", PcapFactory},
-    {"calls", "a table of the calls, one row a call, and totals", CallsFactory<velmora::CallsForm::Table>},
-    {"calls-csv", "the table's rows as CSV", CallsFactory<velmora::CallsForm::Csv>},
-    {"calls-json", "one JSON object a call (JSON Lines)", CallsFactory<velmora::CallsForm::JsonLines>},
-    {"report", "an HTML page of the calls, with a ladder diagram for each", ReportFactory},
+    {"message", "the message file (the default)", MessageFactory, true},
+    {"json", "the decode as data, one JSON object a frame line (JSON Lines)", JsonFactory, true},
+    {"pcap", "a pcap capture of every frame line's octets", PcapFactory, true},
+    {"calls", "a table of the calls, one row a call, and totals", CallsFactory<velmora::CallsForm::Table>, false},
+    {"calls-csv", "the table's rows as CSV", CallsFactory<velmora::CallsForm::Csv>, false},
+    {"calls-json", "one JSON object a call (JSON Lines)", CallsFactory<velmora::CallsForm::JsonLines>, false},
+    {"report", "an HTML page of the calls, with a ladder diagram for each", ReportFactory, false},
 };
 
 constexpr std::string_view kUsageHead =
@@ -79,6 +122,13 @@ constexpr std::string_view kUsageHead =
     "           number of cores); the output is the same for every N\n"
     "  --to KIND  what to write instead of the message file (one thread):\n";
 constexpr std::string_view kUsageTail =
+    "  --call N, --tei N, --message NAME, --cause N\n"
+    "           keep the frames (message, json, pcap) or the calls (calls,\n"
+    "           report) of call reference N, TEI N, a message type (as the\n"
+    "           message file names it, or 0xNN), or calls cleared with cause\n"
+    "           N; N,M,... any of them; options given together all hold\n"
+    "  --failed keep the calls not answered or cleared with a cause other than\n"
+    "           16 and 31 (or those calls' frames)\n"
     "  --help   show this help\n"
     "  --version  show the version\n"
     "  --       end of options: every later argument is a path, even one\n"
@@ -112,6 +162,7 @@ struct PairSettings {
   bool quiet = false;
   unsigned jobs = 1;
   const OutputKind* kind = &kOutputKinds[0];
+  Selection* selection = nullptr;  // null: everything
 };
 
 int ExitStatus(velmora::TranslationOutcome outcome) {
@@ -164,6 +215,27 @@ void WarnAboutScannedLines(const velmora::ScanNotes& notes, const std::string& i
                                  (misplaced == 1 ? "its" : "their") + " octets are likely wrong");
 }
 
+// The lines of the messages of the calls a selection keeps, for the frames
+// of those calls: a first reading of the input, which a pipe cannot give.
+int ReadSelectedCallLines(const std::string& input, const velmora::LinkMemory& link, Selection& selection) {
+  if (input == "-") {
+    std::cerr << "velmora: --cause and --failed keep the frames of calls, which takes reading the input twice: "
+                 "name a file, not standard input\nTry 'velmora --help'.\n";
+    return kExitUsage;
+  }
+  auto lines = std::make_shared<std::vector<std::uint64_t>>();
+  velmora::TranslationOptions options;
+  options.inputFormats = velmora::RecognisedInputFormats();
+  options.makeConsumer = [&selection, lines](velmora::OutputWriter&, velmora::LinkMemory&) {
+    return velmora::MakeSelectedCallLinesConsumer(selection.filter, *lines);
+  };
+  // The real run reports an input that cannot be read.
+  velmora::LinkMemory firstReading = link;
+  velmora::TranslateTraceFile(input, "/dev/null", firstReading, options);
+  selection.callLines = std::move(lines);
+  return kExitOk;
+}
+
 // Runs one pair; prints its outcome (or the I/O failure) on standard error.
 int TranslatePair(const std::string& input, const std::string& output, velmora::LinkMemory& link,
                   const PairSettings& settings, bool labelled) {
@@ -175,7 +247,10 @@ int TranslatePair(const std::string& input, const std::string& output, velmora::
   options.jobs = settings.jobs;
   options.report = &report;
   options.inputFormats = velmora::RecognisedInputFormats();
-  if (settings.kind->make != nullptr) options.makeConsumer = settings.kind->make(input);
+  if (settings.selection != nullptr && settings.kind->framesOut && settings.selection->filter.NeedsCalls()) {
+    if (const int status = ReadSelectedCallLines(input, link, *settings.selection); status != kExitOk) return status;
+  }
+  options.makeConsumer = settings.kind->make(input, settings.selection);
   velmora::ProgressBar progress(stderr);
   if (::isatty(STDERR_FILENO))
     options.progress = [&progress](std::uint64_t done, std::uint64_t size) { progress.Update(done, size); };
@@ -184,6 +259,10 @@ int TranslatePair(const std::string& input, const std::string& output, velmora::
   const std::string inputName = StreamName(input, "standard input");
   const std::string outputName = StreamName(output, "standard output");
   if (!settings.quiet) WarnAboutScannedLines(report.scanNotes, inputName);
+  if (!settings.quiet && settings.selection != nullptr && settings.kind->framesOut &&
+      outcome == velmora::TranslationOutcome::TranslationDone)
+    std::cerr << "velmora: " << StreamName(output, "standard output")
+              << " holds the selected frame lines only; every other line is left out\n";
   const bool captureBroken =
       report.inputFault == velmora::InputFault::CutOff || report.inputFault == velmora::InputFault::Damaged;
   if (report.readError != 0 || report.writeError != 0 || captureBroken) {
@@ -263,10 +342,23 @@ int UsageError(const std::string& message) {
   return kExitUsage;
 }
 
+// The filter options and what each selects.
+struct FilterOption {
+  std::string_view name;
+  velmora::FilterKind kind;
+};
+constexpr FilterOption kFilterOptions[] = {
+    {"--call", velmora::FilterKind::CallReference},
+    {"--tei", velmora::FilterKind::Tei},
+    {"--message", velmora::FilterKind::MessageType},
+    {"--cause", velmora::FilterKind::Cause},
+};
+
 }  // namespace
 
 int main(int argc, char** argv) {
   PairSettings settings;
+  Selection selection;
   settings.jobs = std::clamp(std::thread::hardware_concurrency(), 1U, kMaxJobs);
   std::vector<std::string> paths;
   bool optionsEnded = false;
@@ -296,11 +388,25 @@ int main(int argc, char** argv) {
       if (missing) return UsageError("--to needs an output kind");
       settings.kind = FindOutputKind(*name);
       if (settings.kind == nullptr) return UsageError("--to: unknown output kind '" + std::string(*name) + "'");
+    } else if (arg == "--failed") {
+      selection.filter.Add(velmora::FilterKind::Failed, {});
+    } else if (const auto filter = std::find_if(std::begin(kFilterOptions), std::end(kFilterOptions),
+                                                [arg](const FilterOption& option) {
+                                                  return arg == option.name || (arg.starts_with(option.name) &&
+                                                                                arg.size() > option.name.size() &&
+                                                                                arg[option.name.size()] == '=');
+                                                });
+               filter != std::end(kFilterOptions)) {
+      const std::optional<std::string_view> values = OptionValue(arg, "", filter->name, i, argc, argv, missing);
+      if (missing) return UsageError(std::string(filter->name) + " needs a value");
+      if (const std::optional<std::string> wrong = selection.filter.Add(filter->kind, *values))
+        return UsageError(std::string(filter->name) + ": " + *wrong);
     } else {
       return UsageError("unknown option " + std::string(arg));
     }
   }
   if (paths.empty() || paths.size() % 2 != 0) return UsageError("expected INPUT OUTPUT pairs");
+  if (!selection.filter.Empty()) settings.selection = &selection;
   std::ios::sync_with_stdio(false);
   // A closed pipe on the output (velmora ... - | head) is a write error
   // like any other: reported, exit status 74, rather than a silent death.

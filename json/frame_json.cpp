@@ -99,9 +99,10 @@ std::optional<std::string_view> DirectionOf(FrameDirection direction) {
 
 class JsonConsumer final : public TraceConsumer {
  public:
-  JsonConsumer(OutputWriter& out, LinkMemory& link)
+  JsonConsumer(OutputWriter& out, LinkMemory& link, std::function<bool(OctetSpan, std::uint64_t)> select)
       : out_(out),
         link_(link),
+        select_(std::move(select)),
         decodedSink_(decoded_),
         decodedWriter_(decodedSink_, 64 * 1024),
         context_{decodedWriter_, link.setupPending ? LinkSetup::Pending : LinkSetup::NotPending} {
@@ -112,6 +113,11 @@ class JsonConsumer final : public TraceConsumer {
     if (!piece.isFrameLine) return;
     frame_.Begin(decodedWriter_.BytesWritten());
     DecodeLapdFrame(context_, piece.frame);
+    if (select_ && !select_(piece.frame, piece.lineNumber)) {
+      decodedWriter_.DropBuffered();
+      decoded_.clear();
+      return;
+    }
     // The frame's text is read where the scratch writer holds it; only a
     // decode longer than its buffer has gone on to the string in part.
     if (decoded_.empty()) {
@@ -210,6 +216,7 @@ class JsonConsumer final : public TraceConsumer {
 
   OutputWriter& out_;
   LinkMemory& link_;
+  std::function<bool(OctetSpan, std::uint64_t)> select_;
   std::string decoded_;
   StringSink decodedSink_;
   OutputWriter decodedWriter_;
@@ -221,8 +228,9 @@ class JsonConsumer final : public TraceConsumer {
 
 }  // namespace
 
-std::unique_ptr<TraceConsumer> MakeJsonConsumer(OutputWriter& out, LinkMemory& link) {
-  return std::make_unique<JsonConsumer>(out, link);
+std::unique_ptr<TraceConsumer> MakeJsonConsumer(OutputWriter& out, LinkMemory& link,
+                                                std::function<bool(OctetSpan, std::uint64_t)> select) {
+  return std::make_unique<JsonConsumer>(out, link, std::move(select));
 }
 
 }  // namespace velmora

@@ -97,7 +97,9 @@ class ReportConsumer final : public TraceConsumer {
         decodedSink_(decoded_),
         decodedWriter_(decodedSink_, 16 * 1024),
         context_{decodedWriter_, link.setupPending ? LinkSetup::Pending : LinkSetup::NotPending},
-        tracker_([this](const CallRecord& call) { AddCall(call); }) {
+        tracker_([this](const CallRecord& call) {
+          if (!input_.select || input_.select(call)) AddCall(call);
+        }) {
     std::string name;
     AppendHtmlEscaped(name, input_.name);
     out_.Put(kReportPageParts[0]);

@@ -9,6 +9,7 @@
 // data in chunks as calls complete, the totals and the page's script last.
 // The script renders the table from that data and draws a ladder on demand.
 #include <cstdint>
+#include <functional>
 #include <optional>
 #include <string>
 
@@ -16,9 +17,13 @@
 
 namespace velmora {
 
+struct CallRecord;
+
 struct ReportInput {
   std::string name;                   // shown as it is, escaped
   std::optional<std::uint64_t> size;  // in bytes; else the bytes the run reads
+  // The calls the report shows; null: every call.
+  std::function<bool(const CallRecord&)> select = nullptr;
 };
 
 TraceConsumerFactory CallReport(ReportInput input);

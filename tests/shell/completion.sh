@@ -28,7 +28,8 @@ expect() {
 [[ $(complete -p velmora) == *"-F _velmora"* ]] || { echo "no completion registered for velmora"; failures=1; }
 expect "--j" "--jobs"
 expect "--v" "--version"
-expect "-" "--help --jobs --to --version -j -q"
+expect "-" "--call --cause --failed --help --jobs --message --tei --to --version -j -q"
+expect "--tei " ""
 expect "-j 1" "1"
 expect "--jobs " "$(seq 1 "$(nproc)" | LC_ALL=C sort | tr '\n' ' ' | sed 's/ $//')"
 expect "--to m" "message"

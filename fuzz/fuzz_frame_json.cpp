@@ -1,0 +1,160 @@
+// Random traces to --to json and to the message file, from one run each.
+//
+// Invariants: every line of the JSON is one JSON value, an object; there is
+// one line a frame line; and every field's "text", read back, stands in the
+// message file as a whole line behind two tabs (three for a diagnostic).
+//
+// Input: the trace's text.
+#include <cctype>
+#include <cstddef>
+#include <cstdint>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "frame_json.h"
+#include "fuzz_support.h"
+#include "line_scanner.h"
+#include "translation.h"
+
+namespace {
+
+using velmora::fuzz::Printable;
+using velmora::fuzz::Require;
+
+// A reader of any JSON value that keeps the strings of the members named
+// "text" and notes whether a "diagnostic" member stands in their object.
+class JsonReader {
+ public:
+  struct Text {
+    std::string value;
+    bool diagnostic = false;
+  };
+
+  explicit JsonReader(std::string_view text) : text_(text) {}
+  bool Document() { return Value(nullptr) && at_ == text_.size(); }
+  const std::vector<Text>& Texts() const { return texts_; }
+
+ private:
+  bool Take(char c) {
+    if (at_ < text_.size() && text_[at_] == c) return ++at_, true;
+    return false;
+  }
+  bool Word(std::string_view word) {
+    if (text_.substr(at_, word.size()) != word) return false;
+    at_ += word.size();
+    return true;
+  }
+  bool String(std::string* out) {
+    if (!Take('"')) return false;
+    while (at_ < text_.size() && text_[at_] != '"') {
+      const auto c = static_cast<unsigned char>(text_[at_++]);
+      if (c < 0x20) return false;
+      if (c != '\\') {
+        if (out != nullptr) out->push_back(static_cast<char>(c));
+        continue;
+      }
+      if (at_ >= text_.size()) return false;
+      const char escaped = text_[at_++];
+      if (escaped == '"' || escaped == '\\' || escaped == '/') {
+        if (out != nullptr) out->push_back(escaped);
+      } else if (escaped == 'u') {
+        unsigned code = 0;
+        for (int i = 0; i < 4; ++i, ++at_) {
+          if (at_ >= text_.size() || !std::isxdigit(static_cast<unsigned char>(text_[at_]))) return false;
+          code = code * 16 + static_cast<unsigned>(std::isdigit(static_cast<unsigned char>(text_[at_]))
+                                                       ? text_[at_] - '0'
+                                                       : (text_[at_] | 0x20) - 'a' + 10);
+        }
+        if (out != nullptr && code < 0x100) out->push_back(static_cast<char>(code));
+      } else if (std::string_view("bfnrt").find(escaped) == std::string_view::npos) {
+        return false;
+      }
+    }
+    return Take('"');
+  }
+  bool Number() {
+    const std::size_t start = at_;
+    while (at_ < text_.size() && std::isdigit(static_cast<unsigned char>(text_[at_]))) ++at_;
+    return at_ > start;
+  }
+  bool Value(Text* holder) {
+    if (Word("null") || Word("true") || Word("false")) return true;
+    if (at_ < text_.size() && text_[at_] == '"') return String(nullptr);
+    if (Take('[')) {
+      if (Take(']')) return true;
+      do {
+        if (!Value(nullptr)) return false;
+      } while (Take(','));
+      return Take(']');
+    }
+    if (Take('{')) {
+      Text object;
+      bool hasText = false;
+      if (!Take('}')) {
+        do {
+          std::string key;
+          if (!String(&key) || !Take(':')) return false;
+          if (key == "text") {
+            hasText = true;
+            if (!String(&object.value)) return false;
+          } else {
+            if (key == "diagnostic") object.diagnostic = true;
+            if (!Value(nullptr)) return false;
+          }
+        } while (Take(','));
+        if (!Take('}')) return false;
+      }
+      if (hasText) texts_.push_back(std::move(object));
+      return true;
+    }
+    (void)holder;
+    return Number();
+  }
+
+  std::string_view text_;
+  std::size_t at_ = 0;
+  std::vector<Text> texts_;
+};
+
+}  // namespace
+
+extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
+  const std::string_view trace(reinterpret_cast<const char*>(data), size);
+  std::string message;
+  std::string json;
+  {
+    velmora::StringSink sink(message);
+    velmora::LinkMemory link;
+    velmora::TranslateTraceText(trace, sink, link);
+  }
+  {
+    velmora::StringSink sink(json);
+    velmora::LinkMemory link;
+    velmora::TranslationOptions options;
+    options.makeConsumer = [](velmora::OutputWriter& out, velmora::LinkMemory& memory) {
+      return velmora::MakeJsonConsumer(out, memory);
+    };
+    velmora::TranslateTraceText(trace, sink, link, options);
+  }
+  std::size_t frameLines = 0;
+  for (const std::string_view piece : velmora::fuzz::SplitPieces(trace)) frameLines += velmora::IsFrameLine(piece);
+  std::size_t objects = 0;
+  for (std::size_t start = 0; start < json.size();) {
+    const std::size_t end = json.find('\n', start);
+    Require(end != std::string::npos, "every JSON line ends with a line end");
+    const std::string_view line(json.data() + start, end - start);
+    JsonReader reader(line);
+    Require(reader.Document() && line.starts_with('{'), "every JSON line is one object",
+            [&] { return Printable(line); });
+    for (const JsonReader::Text& text : reader.Texts()) {
+      const std::string wanted = (text.diagnostic ? "\n\t\t\t" : "\n\t\t") + text.value + "\n";
+      Require(message.find(wanted) != std::string::npos, "a field's text is a line of the message file",
+              [&] { return Printable(wanted); });
+    }
+    ++objects;
+    start = end + 1;
+  }
+  Require(objects == frameLines, "one JSON object a frame line");
+  return 0;
+}

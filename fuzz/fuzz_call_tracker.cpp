@@ -112,22 +112,7 @@ class JsonLine {
     at_ += word.size();
     return true;
   }
-  bool String(std::string* out) {
-    if (!Take('"')) return false;
-    while (at_ < text_.size() && text_[at_] != '"') {
-      const auto c = static_cast<unsigned char>(text_[at_++]);
-      if (c < 0x20) return false;
-      if (c != '\\') {
-        if (out != nullptr) out->push_back(static_cast<char>(c));
-        continue;
-      }
-      if (Take('"') || Take('\\')) continue;
-      if (!Take('u')) return false;
-      for (int i = 0; i < 4; ++i, ++at_)
-        if (at_ >= text_.size() || !std::isxdigit(static_cast<unsigned char>(text_[at_]))) return false;
-    }
-    return Take('"');
-  }
+  bool String(std::string* out) { return velmora::fuzz::ReadJsonString(text_, at_, out); }
   bool Number() {
     const std::size_t start = at_;
     while (at_ < text_.size() && std::isdigit(static_cast<unsigned char>(text_[at_]))) ++at_;

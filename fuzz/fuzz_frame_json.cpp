@@ -45,34 +45,7 @@ class JsonReader {
     at_ += word.size();
     return true;
   }
-  bool String(std::string* out) {
-    if (!Take('"')) return false;
-    while (at_ < text_.size() && text_[at_] != '"') {
-      const auto c = static_cast<unsigned char>(text_[at_++]);
-      if (c < 0x20) return false;
-      if (c != '\\') {
-        if (out != nullptr) out->push_back(static_cast<char>(c));
-        continue;
-      }
-      if (at_ >= text_.size()) return false;
-      const char escaped = text_[at_++];
-      if (escaped == '"' || escaped == '\\' || escaped == '/') {
-        if (out != nullptr) out->push_back(escaped);
-      } else if (escaped == 'u') {
-        unsigned code = 0;
-        for (int i = 0; i < 4; ++i, ++at_) {
-          if (at_ >= text_.size() || !std::isxdigit(static_cast<unsigned char>(text_[at_]))) return false;
-          code = code * 16 + static_cast<unsigned>(std::isdigit(static_cast<unsigned char>(text_[at_]))
-                                                       ? text_[at_] - '0'
-                                                       : (text_[at_] | 0x20) - 'a' + 10);
-        }
-        if (out != nullptr && code < 0x100) out->push_back(static_cast<char>(code));
-      } else if (std::string_view("bfnrt").find(escaped) == std::string_view::npos) {
-        return false;
-      }
-    }
-    return Take('"');
-  }
+  bool String(std::string* out) { return velmora::fuzz::ReadJsonString(text_, at_, out); }
   bool Number() {
     const std::size_t start = at_;
     while (at_ < text_.size() && std::isdigit(static_cast<unsigned char>(text_[at_]))) ++at_;

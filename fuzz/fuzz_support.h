@@ -2,6 +2,7 @@
 // Shared by the fuzz targets: the piece split of the line reader, exact-size
 // heap copies (so AddressSanitizer sees any read past the end), output
 // capture into a string, and a loud stop when an invariant breaks.
+#include <cctype>
 #include <cstddef>
 #include <cstdint>
 #include <cstdio>
@@ -102,6 +103,43 @@ inline std::string Printable(std::string_view bytes, std::size_t limit = 400) {
   }
   if (bytes.size() > limit) shown += "...";
   return shown;
+}
+
+// Reads the JSON string at `at` of `text` (its quotes included) and moves
+// `at` behind it; its characters, escapes resolved (a \u escape above 0xFF
+// is left out), go to `out` when it is not null. False when no well-formed
+// string stands there.
+inline bool ReadJsonString(std::string_view text, std::size_t& at, std::string* out) {
+  if (at >= text.size() || text[at] != '"') return false;
+  ++at;
+  while (at < text.size() && text[at] != '"') {
+    const auto c = static_cast<unsigned char>(text[at++]);
+    if (c < 0x20) return false;
+    if (c != '\\') {
+      if (out != nullptr) out->push_back(static_cast<char>(c));
+      continue;
+    }
+    if (at >= text.size()) return false;
+    const char escaped = text[at++];
+    if (escaped == 'u') {
+      unsigned code = 0;
+      for (int i = 0; i < 4; ++i, ++at) {
+        if (at >= text.size() || !std::isxdigit(static_cast<unsigned char>(text[at]))) return false;
+        const char digit = text[at];
+        code = code * 16 + static_cast<unsigned>(std::isdigit(static_cast<unsigned char>(digit))
+                                                     ? digit - '0'
+                                                     : (digit | 0x20) - 'a' + 10);
+      }
+      if (out != nullptr && code < 0x100) out->push_back(static_cast<char>(code));
+    } else if (escaped == '"' || escaped == '\\' || escaped == '/') {
+      if (out != nullptr) out->push_back(escaped);
+    } else if (std::string_view("bfnrt").find(escaped) == std::string_view::npos) {
+      return false;
+    }
+  }
+  if (at >= text.size()) return false;
+  ++at;
+  return true;
 }
 
 }  // namespace velmora::fuzz

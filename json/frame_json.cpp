@@ -85,18 +85,6 @@ class JsonObject {
   bool first_ = true;
 };
 
-std::optional<std::string_view> DirectionOf(FrameDirection direction) {
-  switch (direction) {
-    case FrameDirection::Sent:
-      return "TX";
-    case FrameDirection::Received:
-      return "RX";
-    case FrameDirection::Unknown:
-      break;
-  }
-  return std::nullopt;
-}
-
 class JsonConsumer final : public TraceConsumer {
  public:
   JsonConsumer(OutputWriter& out, LinkMemory& link, std::function<bool(OctetSpan, std::uint64_t)> select)
@@ -147,7 +135,8 @@ class JsonConsumer final : public TraceConsumer {
     } else {
       line.OptionalString(R"("time":)", facts.date ? std::optional(facts.dateText) : std::nullopt);
     }
-    line.OptionalString(R"("direction":)", DirectionOf(facts.direction));
+    const std::string_view direction = DirectionWord(facts.direction);
+    line.OptionalString(R"("direction":)", direction.empty() ? std::nullopt : std::optional(direction));
     line.Hex(R"("octets":)", piece.frame);
     line.Key(R"("layer2":)");
     JsonObject layer2(out_, scratch_);

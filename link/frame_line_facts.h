@@ -12,6 +12,11 @@ namespace velmora {
 
 enum class FrameDirection : std::uint8_t { Unknown, Sent, Received };  // TX, RX
 
+// "TX" or "RX" as a frame line writes them; empty for Unknown.
+constexpr std::string_view DirectionWord(FrameDirection direction) {
+  return direction == FrameDirection::Sent ? "TX" : direction == FrameDirection::Received ? "RX" : "";
+}
+
 struct LineDate {
   int year;
   int month;  // 1 to 12

@@ -3,21 +3,6 @@
 #include "decimal_text.h"
 
 namespace velmora {
-namespace {
-
-std::string_view DirectionWord(FrameDirection direction) {
-  switch (direction) {
-    case FrameDirection::Sent:
-      return "TX";
-    case FrameDirection::Received:
-      return "RX";
-    case FrameDirection::Unknown:
-      break;
-  }
-  return "--";
-}
-
-}  // namespace
 
 void WriteFrameLine(std::string& line, std::uint64_t number, std::int64_t microsecondsSinceEpoch,
                     FrameDirection direction, OctetSpan octets) {
@@ -41,7 +26,8 @@ void WriteFrameLine(std::string& line, std::uint64_t number, std::int64_t micros
   line += '.';
   AppendDecimal(line, moment.time.microsecond, 6);
   line += " **** D-CH ";
-  line += DirectionWord(direction);
+  // A packet without a direction shows "--" where TX or RX would stand.
+  line += direction == FrameDirection::Unknown ? std::string_view("--") : DirectionWord(direction);
   line += " HDLC:";
   AppendDecimal(line, octets.size(), 1);
   line += "  | ";

@@ -146,10 +146,12 @@ void CheckReaderInShortReads(std::string_view text, std::size_t blockSize, const
   ::close(ends[0]);
 }
 
-// Larger than two chunks of the parallel run, so chunks are cut inside the
-// text at line ends or, in a long line, at piece boundaries.
+// Larger than two of the parallel run's (small) chunks, so chunks are cut
+// inside the text at line ends or, in a long line, at piece boundaries.
 void CheckParallelRun(const MemoryFile& input, std::string_view text, bool setupPending) {
-  constexpr std::size_t kLarge = 600 * 1024;
+  // Small chunks, so that a few kilobytes are cut into several.
+  constexpr std::size_t kChunk = velmora::kSmallestChunk;
+  constexpr std::size_t kLarge = 3 * kChunk;
   std::string large;
   large.reserve(kLarge + text.size());
   while (large.size() < kLarge) large += text;
@@ -163,7 +165,7 @@ void CheckParallelRun(const MemoryFile& input, std::string_view text, bool setup
   {
     velmora::StringSink sink(written);
     velmora::OutputWriter writer(sink);
-    result = velmora::TranslateInParallel(fd, large.size(), writer, link, 2, false, nullptr);
+    result = velmora::TranslateInParallel(fd, large.size(), writer, link, 2, false, nullptr, kChunk);
     writer.Flush();
   }
   ::close(fd);

@@ -20,10 +20,6 @@ namespace velmora {
 
 namespace {
 
-// Small chunks keep the memory flat: a chunk's output is several times its
-// input, and jobs + 2 chunks are in flight at most.
-constexpr std::size_t kChunkSize = 256 * 1024;
-
 // A chunk's output as the worker's writer filled it: its full buffers, kept
 // as they are rather than copied, and written on in order.
 class ChunkOutput final : public ByteSink {
@@ -80,7 +76,7 @@ class ChunkOutput final : public ByteSink {
 
 struct Chunk {
   // The carried tail of the chunk before (less than a chunk) and a chunk's read.
-  std::unique_ptr<char[]> input{new char[2 * kChunkSize]};
+  std::unique_ptr<char[]> input;
   std::size_t size = 0;
   std::uint64_t endOffset = 0;  // where the chunk ends in the input
   ChunkOutput output;
@@ -101,8 +97,15 @@ struct Chunk {
 class ParallelRun {
  public:
   ParallelRun(int inputFd, OutputWriter& writer, unsigned jobs, bool stopOnWriteError,
-              const std::function<void(std::uint64_t)>& onRead)
-      : inputFd_(inputFd), writer_(writer), stopOnWriteError_(stopOnWriteError), onRead_(onRead), chunks_(jobs + 2) {
+              const std::function<void(std::uint64_t)>& onRead, std::size_t chunkSize)
+      : inputFd_(inputFd),
+        writer_(writer),
+        stopOnWriteError_(stopOnWriteError),
+        onRead_(onRead),
+        chunkSize_(chunkSize),
+        chunks_(jobs + 2) {
+    // Room for the carried tail of the chunk before (less than a piece) and a chunk.
+    for (Chunk& chunk : chunks_) chunk.input.reset(new char[chunkSize_ + kMaxPiece]);
     for (unsigned i = 0; i < jobs; ++i) workers_.emplace_back([this] { Work(); });
   }
 
@@ -158,7 +161,7 @@ class ParallelRun {
     std::memcpy(chunk.input.get(), carry_.data(), carry_.size());
     chunk.size = carry_.size();
     carry_.clear();
-    const std::size_t limit = chunk.size + kChunkSize;
+    const std::size_t limit = chunk.size + chunkSize_;
     while (!inputEnded_ && chunk.size < limit) {
       const ReadResult got = ReadRetrying(inputFd_, chunk.input.get() + chunk.size, limit - chunk.size);
       if (got.size == 0) {
@@ -214,6 +217,7 @@ class ParallelRun {
   OutputWriter& writer_;
   bool stopOnWriteError_;
   const std::function<void(std::uint64_t)>& onRead_;
+  std::size_t chunkSize_;
   std::vector<Chunk> chunks_;
   std::string carry_;
   bool inputEnded_ = false;
@@ -230,11 +234,12 @@ class ParallelRun {
 
 ParallelRunResult TranslateInParallel(int inputFd, std::uint64_t inputSize, OutputWriter& writer, LinkMemory& link,
                                       unsigned jobs, bool stopOnWriteError,
-                                      const std::function<void(std::uint64_t)>& onRead) {
+                                      const std::function<void(std::uint64_t)>& onRead, std::size_t chunkSize) {
+  chunkSize = std::max(chunkSize, kSmallestChunk);
   // A thread without a chunk of its own would only wait.
-  const std::uint64_t chunks = inputSize / kChunkSize + 1;
+  const std::uint64_t chunks = inputSize / chunkSize + 1;
   if (jobs > chunks) jobs = static_cast<unsigned>(chunks);
-  ParallelRun run(inputFd, writer, jobs == 0 ? 1 : jobs, stopOnWriteError, onRead);
+  ParallelRun run(inputFd, writer, jobs == 0 ? 1 : jobs, stopOnWriteError, onRead, chunkSize);
   return run.Run(link);
 }
 

@@ -1,6 +1,7 @@
 #pragma once
 // Translating one large regular file with several threads. The output is
 // byte for byte that of the single-threaded run.
+#include <cstddef>
 #include <cstdint>
 #include <functional>
 
@@ -24,8 +25,14 @@ struct ParallelRunResult {
 // `link` as a single-threaded run would. With `stopOnWriteError`, no chunk
 // is read after `writer` has failed. No more threads start than the input
 // has chunks.
+// Small chunks keep the memory flat: a chunk's output is several times its
+// input, and jobs + 2 chunks are in flight at most. Tests and fuzzing take
+// smaller ones, down to kSmallestChunk, to cut an input into many.
+inline constexpr std::size_t kDefaultChunk = 256 * 1024;
+inline constexpr std::size_t kSmallestChunk = 4096;
 ParallelRunResult TranslateInParallel(int inputFd, std::uint64_t inputSize, OutputWriter& writer, LinkMemory& link,
                                       unsigned jobs, bool stopOnWriteError,
-                                      const std::function<void(std::uint64_t)>& onRead);
+                                      const std::function<void(std::uint64_t)>& onRead,
+                                      std::size_t chunkSize = kDefaultChunk);
 
 }  // namespace velmora

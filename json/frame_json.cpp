@@ -9,6 +9,7 @@
 #include "escaped_text.h"
 #include "frame_line_facts.h"
 #include "lapd.h"
+#include "line_scanner.h"
 #include "q931_message.h"
 #include "structured_frame.h"
 
@@ -99,8 +100,11 @@ class JsonConsumer final : public TraceConsumer {
 
   void Consume(const TracePiece& piece) override {
     if (!piece.isFrameLine) return;
-    frame_.Begin(decodedWriter_.BytesWritten());
-    DecodeLapdFrame(context_, piece.frame);
+    // The line handler copies the line first: the frame's text follows it.
+    // (The message file's own path to the LAPD decoder, its one caller.)
+    const std::uint64_t lineStart = decodedWriter_.BytesWritten();
+    frame_.Begin(lineStart + piece.text.size());
+    TranslateTraceLine(context_, piece.text);
     if (select_ && !select_(piece.frame, piece.lineNumber)) {
       decodedWriter_.DropBuffered();
       decoded_.clear();
@@ -109,10 +113,10 @@ class JsonConsumer final : public TraceConsumer {
     // The frame's text is read where the scratch writer holds it; only a
     // decode longer than its buffer has gone on to the string in part.
     if (decoded_.empty()) {
-      frame_.Split(decodedWriter_.Buffered());
+      frame_.Split(decodedWriter_.Buffered().substr(piece.text.size()));
     } else {
       decodedWriter_.Flush();
-      frame_.Split(decoded_);
+      frame_.Split(std::string_view(decoded_).substr(piece.text.size()));
     }
     Write(piece);
     out_.Put('\n');

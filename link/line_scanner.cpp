@@ -172,27 +172,27 @@ VELMORA_HOT_PATH bool HoldsCharacter(std::string_view line, char wanted) {
 
 // The octets a frame line's cells read as, and in `flaws` what the cells
 // show beside: upper-case digits, or cells that are not "0x" and two digits.
-// A cell's first four characters are read in one load; the flaws gather
-// without a branch.
+// The digits' flaws come with the octet from one table load, gathered
+// without a branch. Cells that stand off their positions put a blank or
+// the "x" of a neighbour among the digits a cell is read from, whatever the
+// shift, so the digits tell of them; the first cell's "0x" tells of cells
+// written otherwise ("0X", no prefix).
 VELMORA_HOT_PATH std::size_t ReadCells(std::string_view line, std::size_t anchor, Octet (&frame)[kFrameCapacity],
                                        unsigned& flaws) {
-  constexpr bool kLittle = std::endian::native == std::endian::little;
-  constexpr unsigned kDigitsShift = kLittle ? 16 : 0;
-  constexpr unsigned kPrefixShift = kLittle ? 0 : 16;
   const CellRun cells = LocateCells(line, anchor);
   const char* cell = line.data() + cells.start;
-  unsigned read = 0;             // the digits' flaws, in the high byte
-  std::uint32_t difference = 0;  // bits in which the prefixes differ from "0x"
-  for (std::size_t k = 0; k < cells.count; ++k, cell += kCellWidth) {
-    std::uint32_t characters;
-    std::memcpy(&characters, cell, sizeof characters);
-    const std::uint16_t entry = kCellDigits[static_cast<std::uint16_t>(characters >> kDigitsShift)];
+  unsigned read = 0;  // the digits' flaws, in the high byte
+  for (std::size_t k = 0; k < cells.count; ++k) {
+    std::uint16_t digits;
+    std::memcpy(&digits, cell + k * kCellWidth + 2, sizeof digits);
+    const std::uint16_t entry = kCellDigits[digits];
     frame[k] = static_cast<Octet>(entry);
     read |= entry;
-    difference |= characters ^ (std::uint32_t{kCellPrefix} << kPrefixShift);
   }
   flaws = read >> 8;
-  if (static_cast<std::uint16_t>(difference >> kPrefixShift) != 0) flaws |= kNotADigit;
+  std::uint16_t prefix = kCellPrefix;
+  if (cells.count != 0) std::memcpy(&prefix, cell, sizeof prefix);
+  if (prefix != kCellPrefix) flaws |= kNotADigit;
   return cells.count;
 }
 
@@ -209,7 +209,7 @@ VELMORA_HOT_PATH void NoteOtherLine(ScanNotes& notes, std::string_view line, std
   if (line.find("****") != kNone && line.find("HDLC") != kNone) notes.shortMarkedLines.Add(lineNumber);
 }
 
-void NoteCellFlaws(ScanNotes& notes, unsigned flaws, std::uint64_t lineNumber) {
+[[gnu::cold, gnu::noinline]] void NoteCellFlaws(ScanNotes& notes, unsigned flaws, std::uint64_t lineNumber) {
   if ((flaws & kNotADigit) != 0) notes.misplacedCells.Add(lineNumber);
   if ((flaws & kUpperCaseDigit) != 0) notes.upperCaseCells.Add(lineNumber);
 }

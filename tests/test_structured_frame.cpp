@@ -37,7 +37,7 @@ TEST(StructuredFrame, PartsAreTheMessageFileLinesSplit) {
   // A DISCONNECT with a Cause (diagnostics included), a locking shift to
   // codeset 6 and an element behind it, then a non-locking shift to 5 and
   // two more elements.
-  // The parts are views into the frame's octets, which must outlive them.
+  // The parts are views into the decoded text; the octets are copied.
   const std::vector<Octet> octets = {0x02, 0x81, 0x00, 0x02, 0x08, 0x01, 0x85, 0x45, 0x08, 0x03, 0x81, 0x95, 0x30,
                                      0x96, 0x08, 0x02, 0x81, 0x91, 0x9D, 0x1C, 0x01, 0x80, 0x08, 0x02, 0x80, 0x90};
   Split split;

@@ -57,7 +57,8 @@ void StructuredFrame::Element(std::uint64_t textOffset, OctetSpan octets) {
   starts_.push_back(textOffset - base_);
   if (count_ == elements_.size()) elements_.emplace_back();
   ElementPart& element = elements_[count_++];
-  element.octets = octets;
+  element.storage.assign(octets.begin(), octets.end());
+  element.octets = element.storage;
   element.codeset = 0;
   element.name = {};
   element.fields.clear();

@@ -32,6 +32,9 @@ struct ElementPart {
   std::string_view name;  // the heading behind "Information element:"
   std::vector<FieldPart> fields;
   Octet Identifier() const { return octets.empty() ? Octet{0} : octets[0]; }
+  // The octets, kept here: the decoder's frame buffer lives only while the
+  // line is handled.
+  std::vector<Octet> storage;
 };
 
 class StructuredFrame final : public FieldSink {
@@ -40,7 +43,7 @@ class StructuredFrame final : public FieldSink {
   void Begin(std::uint64_t textOffset);
   void Element(std::uint64_t textOffset, OctetSpan octets) override;
   // Splits the frame's decoded text, written from the Begin offset on. The
-  // parts are views into `text` and the frame's octets.
+  // parts are views into `text`.
   void Split(std::string_view text);
 
   std::string_view layer2Kind;  // behind "ISDN Layer 2: ", up to the line end

@@ -73,8 +73,9 @@ class ScanWarnings : public ScratchDirectoryTest {
   // A frame line whose length field has one blank behind it instead of two:
   // every cell is read one character late.
   static std::string OneBlankBeforeBar(std::string_view cells) {
-    std::string line = FrameLine(cells);
-    return line.replace(line.find("  |"), 3, " |");
+    const std::string line = FrameLine(cells);
+    const std::size_t twoBlanks = line.find("  |");
+    return line.substr(0, twoBlanks) + line.substr(twoBlanks + 1);
   }
 };
 

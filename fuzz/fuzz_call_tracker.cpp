@@ -88,9 +88,9 @@ void CheckRecord(const velmora::CallRecord& call) {
 }
 
 // A small reader for the one JSON shape the summary writes.
-class JsonLine {
+class JsonLine : public velmora::fuzz::JsonCursor {
  public:
-  explicit JsonLine(std::string_view text) : text_(text) {}
+  explicit JsonLine(std::string_view text) : JsonCursor(text) {}
 
   bool Object(std::vector<std::string>& keys) {
     if (!Take('{')) return false;
@@ -99,32 +99,18 @@ class JsonLine {
       if (!String(&key) || !Take(':') || !Value()) return false;
       keys.push_back(key);
     } while (Take(','));
-    return Take('}') && at_ == text_.size();
+    return Take('}') && AtEnd();
   }
 
  private:
-  bool Take(char c) {
-    if (at_ < text_.size() && text_[at_] == c) return ++at_, true;
-    return false;
-  }
-  bool Word(std::string_view word) {
-    if (text_.substr(at_, word.size()) != word) return false;
-    at_ += word.size();
-    return true;
-  }
-  bool String(std::string* out) { return velmora::fuzz::ReadJsonString(text_, at_, out); }
   bool Number() {
-    const std::size_t start = at_;
-    while (at_ < text_.size() && std::isdigit(static_cast<unsigned char>(text_[at_]))) ++at_;
-    if (at_ == start) return false;
+    if (!Digits()) return false;
     if (!Take('.')) return true;
-    const std::size_t fraction = at_;
-    while (at_ < text_.size() && std::isdigit(static_cast<unsigned char>(text_[at_]))) ++at_;
-    return at_ > fraction && text_[at_ - 1] != '0';
+    return Digits() && text_[at_ - 1] != '0';
   }
   bool Value() {
     if (Word("null") || Word("true") || Word("false")) return true;
-    if (at_ < text_.size() && text_[at_] == '"') return String(nullptr);
+    if (Sees('"')) return String(nullptr);
     if (!Take('[')) return Number();
     if (Take(']')) return true;
     do {
@@ -132,9 +118,6 @@ class JsonLine {
     } while (Take(','));
     return Take(']');
   }
-
-  std::string_view text_;
-  std::size_t at_ = 0;
 };
 
 const std::vector<std::string> kKeys = {"call_ref",   "tei",        "first_line",      "last_line",   "direction",

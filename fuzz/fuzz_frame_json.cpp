@@ -24,36 +24,21 @@ using velmora::fuzz::Require;
 
 // A reader of any JSON value that keeps the strings of the members named
 // "text" and notes whether a "diagnostic" member stands in their object.
-class JsonReader {
+class JsonReader : public velmora::fuzz::JsonCursor {
  public:
   struct Text {
     std::string value;
     bool diagnostic = false;
   };
 
-  explicit JsonReader(std::string_view text) : text_(text) {}
-  bool Document() { return Value(nullptr) && at_ == text_.size(); }
+  explicit JsonReader(std::string_view text) : JsonCursor(text) {}
+  bool Document() { return Value(nullptr) && AtEnd(); }
   const std::vector<Text>& Texts() const { return texts_; }
 
  private:
-  bool Take(char c) {
-    if (at_ < text_.size() && text_[at_] == c) return ++at_, true;
-    return false;
-  }
-  bool Word(std::string_view word) {
-    if (text_.substr(at_, word.size()) != word) return false;
-    at_ += word.size();
-    return true;
-  }
-  bool String(std::string* out) { return velmora::fuzz::ReadJsonString(text_, at_, out); }
-  bool Number() {
-    const std::size_t start = at_;
-    while (at_ < text_.size() && std::isdigit(static_cast<unsigned char>(text_[at_]))) ++at_;
-    return at_ > start;
-  }
   bool Value(Text* holder) {
     if (Word("null") || Word("true") || Word("false")) return true;
-    if (at_ < text_.size() && text_[at_] == '"') return String(nullptr);
+    if (Sees('"')) return String(nullptr);
     if (Take('[')) {
       if (Take(']')) return true;
       do {
@@ -82,11 +67,9 @@ class JsonReader {
       return true;
     }
     (void)holder;
-    return Number();
+    return Digits();
   }
 
-  std::string_view text_;
-  std::size_t at_ = 0;
   std::vector<Text> texts_;
 };
 

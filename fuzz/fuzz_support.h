@@ -142,4 +142,33 @@ inline bool ReadJsonString(std::string_view text, std::size_t& at, std::string* 
   return true;
 }
 
+// The tokens of a JSON text, for the fuzz targets' small readers.
+class JsonCursor {
+ public:
+  explicit JsonCursor(std::string_view text) : text_(text) {}
+
+ protected:
+  bool Take(char c) {
+    if (at_ < text_.size() && text_[at_] == c) return ++at_, true;
+    return false;
+  }
+  bool Word(std::string_view word) {
+    if (text_.substr(at_, word.size()) != word) return false;
+    at_ += word.size();
+    return true;
+  }
+  bool String(std::string* out) { return ReadJsonString(text_, at_, out); }
+  // A run of decimal digits; false when none stands there.
+  bool Digits() {
+    const std::size_t start = at_;
+    while (at_ < text_.size() && std::isdigit(static_cast<unsigned char>(text_[at_]))) ++at_;
+    return at_ > start;
+  }
+  bool AtEnd() const { return at_ == text_.size(); }
+  bool Sees(char c) const { return at_ < text_.size() && text_[at_] == c; }
+
+  std::string_view text_;
+  std::size_t at_ = 0;
+};
+
 }  // namespace velmora::fuzz

@@ -1,6 +1,5 @@
 #include "call_report.h"
 
-#include <charconv>
 #include <cstddef>
 #include <functional>
 #include <memory>
@@ -11,6 +10,7 @@
 #include "call_tracker.h"
 #include "calls_output.h"
 #include "cause.h"
+#include "decimal_text.h"
 #include "decode_context.h"
 #include "lapd.h"
 #include "line_scanner.h"
@@ -43,12 +43,6 @@ constexpr bool kNumberedCell[kCallColumnCount] = {false, true,  true, false, fal
 
 // Which lifeline is this side: known from the TX/RX of the call's lines.
 enum ThisSide : int { kSideUnknown = 0, kSideCaller = 1, kSideCallee = 2 };
-
-void AppendNumber(std::string& to, std::uint64_t value) {
-  char digits[20];
-  const auto end = std::to_chars(digits, digits + sizeof digits, value).ptr;
-  to.append(digits, end);
-}
 
 // The list item separator: none before the first.
 void AppendItemStart(std::string& list) {
@@ -145,7 +139,7 @@ class ReportConsumer final : public TraceConsumer {
       AppendItemStart(newStrings_);
       AppendScriptJsonString(newStrings_, text);
     }
-    AppendNumber(to, number);
+    AppendDecimal(to, number);
   }
 
   // A frame's decoded text as the list of its lines, each a string number
@@ -192,13 +186,13 @@ class ReportConsumer final : public TraceConsumer {
       }
     }
     calls_ += ',';
-    AppendNumber(calls_, call.callReference);
+    AppendDecimal(calls_, call.callReference);
     calls_ += ',';
-    AppendNumber(calls_, call.direction == CallDirection::Outgoing   ? kSideCaller
-                         : call.direction == CallDirection::Incoming ? kSideCallee
-                                                                     : kSideUnknown);
+    AppendDecimal(calls_, call.direction == CallDirection::Outgoing   ? kSideCaller
+                          : call.direction == CallDirection::Incoming ? kSideCallee
+                                                                      : kSideUnknown);
     calls_ += call.Answered() ? ",1," : ",0,";
-    AppendNumber(calls_, call.unlistedMessages);
+    AppendDecimal(calls_, call.unlistedMessages);
     calls_ += ",[";
     std::uint64_t line = call.firstLine;
     std::string_view time;
@@ -207,21 +201,21 @@ class ReportConsumer final : public TraceConsumer {
       calls_ += '[';
       AppendMessageName(message.messageType);
       calls_ += message.sender == CallSide::Caller ? ",0," : ",1,";
-      AppendNumber(calls_, message.line - line);
+      AppendDecimal(calls_, message.line - line);
       line = message.line;
       calls_ += ',';
       const std::size_t shared = SharedPrefix(time, message.time.View());
-      AppendNumber(calls_, shared);
+      AppendDecimal(calls_, shared);
       calls_ += ',';
       AppendScriptJsonString(calls_, message.time.View().substr(shared));
       time = message.time.View();
       calls_ += ',';
-      AppendNumber(calls_, message.tag);
+      AppendDecimal(calls_, message.tag);
       calls_ += ',';
-      AppendNumber(calls_, message.tei);
+      AppendDecimal(calls_, message.tei);
       if (message.causeValue) {
         calls_ += ',';
-        AppendNumber(calls_, *message.causeValue);
+        AppendDecimal(calls_, *message.causeValue);
         calls_ += ',';
         AppendString(calls_, CauseValueMeaning(*message.causeValue));
       }
@@ -242,7 +236,7 @@ class ReportConsumer final : public TraceConsumer {
   // The header's numbers, the causes by count and the table's columns.
   std::string Totals() {
     std::string totals = "{\"size\":";
-    AppendNumber(totals, input_.size.value_or(bytesRead_));
+    AppendDecimal(totals, input_.size.value_or(bytesRead_));
     const std::pair<std::string_view, std::uint64_t> counts[] = {
         {",\"frames\":", frames_},
         {",\"calls\":", totals_.calls},
@@ -253,15 +247,15 @@ class ReportConsumer final : public TraceConsumer {
     };
     for (const auto& [key, count] : counts) {
       totals += key;
-      AppendNumber(totals, count);
+      AppendDecimal(totals, count);
     }
     totals += ",\"causes\":[";
     for (const std::uint8_t value : totals_.CausesByCount()) {
       if (totals.back() != '[') totals += ',';
       totals += '[';
-      AppendNumber(totals, value);
+      AppendDecimal(totals, value);
       totals += ',';
-      AppendNumber(totals, totals_.causes[value]);
+      AppendDecimal(totals, totals_.causes[value]);
       totals += ',';
       AppendString(totals, CauseValueMeaning(value));
       totals += ']';

@@ -42,7 +42,8 @@ constexpr int kExitIoError = 74;     // EX_IOERR
 // before, for the lines of the selected calls' messages.
 struct Selection {
   velmora::TraceFilter filter;
-  std::shared_ptr<std::vector<std::uint64_t>> callLines;  // sorted; null when not needed
+  velmora::DetailLevel detail = velmora::DetailLevel::Description;  // of the message file's frames
+  std::shared_ptr<std::vector<std::uint64_t>> callLines;            // sorted; null when not needed
 
   velmora::FrameSelection Frames() const {
     return [this](velmora::OctetSpan frame, std::uint64_t line) {
@@ -68,7 +69,7 @@ struct OutputKind {
 velmora::TraceConsumerFactory MessageFactory(const std::string&, const Selection* selection) {
   if (selection == nullptr) return nullptr;
   return [selection](velmora::OutputWriter& out, velmora::LinkMemory& link) {
-    return velmora::MakeSelectedFramesConsumer(out, link, selection->Frames());
+    return velmora::MakeSelectedFramesConsumer(out, link, selection->Frames(), selection->detail);
   };
 }
 velmora::TraceConsumerFactory PcapFactory(const std::string&, const Selection* selection) {
@@ -122,6 +123,9 @@ constexpr std::string_view kUsageHead =
     "           number of cores); the output is the same for every N\n"
     "  --to KIND  what to write instead of the message file (one thread):\n";
 constexpr std::string_view kUsageTail =
+    "  --detail LEVEL  description (the default): the message file as\n"
+    "           described; full: also each frame's address and control\n"
+    "           fields, TEI management, Q.931 in UI frames, the call reference\n"
     "  --call N, --tei N, --message NAME, --cause N\n"
     "           keep the frames (message, json, pcap) or the calls (calls,\n"
     "           report) of call reference N, TEI N, a message type (as the\n"
@@ -160,6 +164,7 @@ const OutputKind* FindOutputKind(std::string_view name) {
 // How every pair of one command line runs.
 struct PairSettings {
   bool quiet = false;
+  velmora::DetailLevel detail = velmora::DetailLevel::Description;
   unsigned jobs = 1;
   const OutputKind* kind = &kOutputKinds[0];
   Selection* selection = nullptr;  // null: everything
@@ -251,6 +256,7 @@ int TranslatePair(const std::string& input, const std::string& output, velmora::
     if (const int status = ReadSelectedCallLines(input, link, *settings.selection); status != kExitOk) return status;
   }
   options.makeConsumer = settings.kind->make(input, settings.selection);
+  options.detail = settings.detail;
   velmora::ProgressBar progress(stderr);
   if (::isatty(STDERR_FILENO))
     options.progress = [&progress](std::uint64_t done, std::uint64_t size) { progress.Update(done, size); };
@@ -388,6 +394,12 @@ int main(int argc, char** argv) {
       if (missing) return UsageError("--to needs an output kind");
       settings.kind = FindOutputKind(*name);
       if (settings.kind == nullptr) return UsageError("--to: unknown output kind '" + std::string(*name) + "'");
+    } else if (const auto level = OptionValue(arg, "", "--detail", i, argc, argv, missing)) {
+      if (missing) return UsageError("--detail needs a level");
+      if (*level != "description" && *level != "full")
+        return UsageError("--detail: '" + std::string(*level) + "' is no level (description or full)");
+      settings.detail = *level == "full" ? velmora::DetailLevel::Full : velmora::DetailLevel::Description;
+      selection.detail = settings.detail;
     } else if (arg == "--failed") {
       selection.filter.Add(velmora::FilterKind::Failed, {});
     } else if (const auto filter = std::find_if(std::begin(kFilterOptions), std::end(kFilterOptions),

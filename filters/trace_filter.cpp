@@ -157,13 +157,15 @@ namespace {
 
 class SelectedFramesConsumer final : public TraceConsumer {
  public:
-  SelectedFramesConsumer(OutputWriter& out, LinkMemory& link, FrameSelection select)
+  SelectedFramesConsumer(OutputWriter& out, LinkMemory& link, FrameSelection select, DetailLevel detail)
       : out_(out),
         link_(link),
         select_(std::move(select)),
         scratchSink_(scratch_),
         scratchWriter_(scratchSink_, 64 * 1024),
-        context_{scratchWriter_, link.setupPending ? LinkSetup::Pending : LinkSetup::NotPending} {}
+        context_{scratchWriter_, link.setupPending ? LinkSetup::Pending : LinkSetup::NotPending} {
+    context_.detail = detail;
+  }
 
   void Consume(const TracePiece& piece) override {
     if (!piece.isFrameLine) return;
@@ -222,8 +224,9 @@ class SelectedCallLinesConsumer final : public TraceConsumer {
 
 }  // namespace
 
-std::unique_ptr<TraceConsumer> MakeSelectedFramesConsumer(OutputWriter& out, LinkMemory& link, FrameSelection select) {
-  return std::make_unique<SelectedFramesConsumer>(out, link, std::move(select));
+std::unique_ptr<TraceConsumer> MakeSelectedFramesConsumer(OutputWriter& out, LinkMemory& link, FrameSelection select,
+                                                          DetailLevel detail) {
+  return std::make_unique<SelectedFramesConsumer>(out, link, std::move(select), detail);
 }
 
 std::unique_ptr<TraceConsumer> MakeFrameFilteredConsumer(std::unique_ptr<TraceConsumer> inner, FrameSelection select) {

@@ -61,7 +61,8 @@ using FrameSelection = std::function<bool(OctetSpan frame, std::uint64_t line)>;
 // text, every other line left out. Every frame still passes the LAPD
 // decoder, so the link memory and the UA wording are those of the whole
 // trace.
-std::unique_ptr<TraceConsumer> MakeSelectedFramesConsumer(OutputWriter& out, LinkMemory& link, FrameSelection select);
+std::unique_ptr<TraceConsumer> MakeSelectedFramesConsumer(OutputWriter& out, LinkMemory& link, FrameSelection select,
+                                                          DetailLevel detail = DetailLevel::Description);
 
 // Another output's consumer that sees only the selected frame lines (a
 // capture of them): the other pieces are not handed on.

@@ -6,6 +6,7 @@
 #include <cstdint>
 #include <vector>
 
+#include "detail_level.h"
 #include "output_writer.h"
 #include "scan_notes.h"
 
@@ -29,6 +30,7 @@ struct DecodeContext {
   // the notes.
   std::uint64_t linesDone = 0;
   ScanNotes notes = {};
+  DetailLevel detail = DetailLevel::Description;
 };
 
 }  // namespace velmora

@@ -2,6 +2,7 @@
 
 #include <string_view>
 
+#include "field_text.h"
 #include "q931_message.h"
 
 namespace velmora {
@@ -69,9 +70,184 @@ void DecodeUnnumbered(DecodeContext& context, Octet control) {
   // Any other m prints nothing: the layer-2 line stays open.
 }
 
+// ---- The detail level: the address, the control field's numbers and TEI
+// management, on lines of their own below the layer-2 line.
+
+constexpr ValueText kSapiNames[] = {
+    {0, "call control procedures"},
+    {1, "packet mode using Q.931 call control procedures"},
+    {16, "packet communication conforming to X.25 level 3"},
+    {63, "layer 2 management procedures"},
+};
+
+// Whether a frame kind is a command, a response or either (the C/R bit
+// then tells the sending side only together with it).
+enum class FrameRole : std::uint8_t { Command, Response, Either };
+
+FrameRole RoleOf(Octet control) {
+  if ((control & 0x01) == 0) return FrameRole::Command;  // I
+  if ((control & 0x02) == 0) return FrameRole::Either;   // RR, RNR, REJ
+  switch (UnnumberedKind(control)) {
+    case 0:   // UI
+    case 16:  // DISC
+    case 27:  // SABME
+      return FrameRole::Command;
+    case 3:   // DM
+    case 24:  // UA
+    case 33:  // FRMR
+      return FrameRole::Response;
+    default:  // XID and what no row names
+      return FrameRole::Either;
+  }
+}
+
+// Commands from the network side and responses from the user side carry
+// C/R 1; commands from the user side and responses from the network side 0.
+std::string_view SideText(FrameRole role, bool commandResponse) {
+  switch (role) {
+    case FrameRole::Command:
+      return commandResponse ? "command from the network side" : "command from the user side";
+    case FrameRole::Response:
+      return commandResponse ? "response from the user side" : "response from the network side";
+    case FrameRole::Either:
+      break;
+  }
+  return commandResponse ? "command from the network side or response from the user side"
+                         : "command from the user side or response from the network side";
+}
+
+void PutNumber(OutputWriter& out, std::string_view name, unsigned value) {
+  out.Put("  ");
+  out.Put(name);
+  out.Put("=");
+  out.Decimal(value);
+}
+
+// "\tSAPI=s (name)  TEI=t  C/R=c (side)  N(S)=..  N(R)=..  P=.." as far as
+// the frame holds them.
+void PrintAddressAndControl(OutputWriter& out, OctetSpan frame) {
+  const LapdAddress address = AddressOf(frame[0], frame[1]);
+  out.Put("\tSAPI=");
+  out.Decimal(address.sapi);
+  if (const ValueText* name = FindRow(kSapiNames, address.sapi)) {
+    out.Put(" (");
+    out.Put(name->text);
+    out.Put(")");
+  }
+  PutNumber(out, "TEI", address.tei);
+  if (address.tei == kBroadcastTei) out.Put(" (broadcast)");
+  const Octet control = frame[2];
+  PutNumber(out, "C/R", address.commandResponse ? 1 : 0);
+  out.Put(" (");
+  out.Put(SideText(RoleOf(control), address.commandResponse));
+  out.Put(")");
+  const bool poll = RoleOf(control) != FrameRole::Response;
+  if ((control & 0x01) == 0) {
+    PutNumber(out, "N(S)", control >> 1);
+    if (frame.size() > 3) {
+      PutNumber(out, "N(R)", frame[3] >> 1);
+      PutNumber(out, "P", frame[3] & 1U);
+    }
+  } else if ((control & 0x02) == 0) {
+    if (frame.size() > 3) {
+      PutNumber(out, "N(R)", frame[3] >> 1);
+      PutNumber(out, "P/F", frame[3] & 1U);
+    }
+  } else {
+    PutNumber(out, poll ? "P" : "F", (control >> 4) & 1U);
+  }
+  out.Put('\n');
+}
+
+// TEI management (SAPI 63, UI, management entity 0x0F): reference number
+// Ri (octets 5-6), message type (octet 7), action indicator Ai (octet 8,
+// bits 8-2; bit 1 the extension bit).
+constexpr ValueText kTeiManagementTypes[] = {
+    {1, "Identity request"},        {2, "Identity assigned"}, {3, "Identity denied"}, {4, "Identity check request"},
+    {5, "Identity check response"}, {6, "Identity remove"},   {7, "Identity verify"},
+};
+constexpr ValueText kActionIndicators[] = {
+    {127, "Any TEI value acceptable"},
+};
+
+bool IsTeiManagement(OctetSpan frame) {
+  return frame.size() >= 4 && AddressOf(frame[0], frame[1]).sapi == 63 && UnnumberedKind(frame[2]) == 0 &&
+         (frame[2] & 0x03) == 0x03 && frame[3] == 0x0F;
+}
+
+void DecodeTeiManagement(OutputWriter& out, OctetSpan frame) {
+  out.Put("ISDN Layer 3: TEI management\n");
+  if (frame.size() < 8) {
+    out.Put("\tTruncated message\n");
+    return;
+  }
+  const unsigned type = frame[6];
+  out.Put("\tMessage type=");
+  out.Bits(type, 8);
+  out.Put("  ");
+  if (const ValueText* row = FindRow(kTeiManagementTypes, type)) out.Put(row->text);
+  out.Put('\n');
+  PrintDecimalField(out, "Reference number Ri", static_cast<std::uint32_t>(frame[4] << 8 | frame[5]));
+  const unsigned action = frame[7] >> 1;
+  PrintFieldName(out, "Action indicator Ai");
+  out.Bits(action, 7);
+  out.Put("  ");
+  if (const ValueText* meaning = FindRow(kActionIndicators, action)) {
+    out.Put(meaning->text);
+  } else {
+    out.Put("TEI ");
+    out.Decimal(action);
+  }
+  out.Put('\n');
+}
+
+// The frame at the detail level: the described lines, each closed, with the
+// address and control line under the layer-2 line; Q.931 in a UI frame and
+// TEI management decoded too.
+void DecodeLapdFrameInDetail(DecodeContext& context, OctetSpan frame) {
+  OutputWriter& out = context.out;
+  out.Put(kLayer2);
+  if (frame.size() < 3) {
+    out.Put(kTruncated);
+    return;
+  }
+  const Octet control = frame[2];
+  const std::uint64_t before = out.BytesWritten();
+  if ((control & 0x01) == 0) {
+    out.Put("Information transfer\n");
+  } else if ((control & 0x02) == 0) {
+    out.Put("Supervisory  ");
+    out.Put(kSupervisory[(control & 0x0C) >> 2]);
+    if ((control & 0x0C) == 0x0C) out.Put("(control octet names no frame)\n");
+  } else {
+    DecodeUnnumbered(context, control);
+    // A kind that no row names leaves the line open; at this level it is closed.
+    if (out.BytesWritten() == before) out.Put("(control octet names no frame)\n");
+  }
+  PrintAddressAndControl(out, frame);
+  if ((control & 0x01) == 0) {
+    out.Put("ISDN Layer 3: ");
+    if (frame.size() < 5) {
+      out.Put(kTruncated);
+    } else if (IsQ931Discriminator(frame[4])) {
+      out.Put("Q.931 protocol message\n");
+      DecodeQ931MessageInDetail(out, frame.subspan(4));
+    } else {
+      out.Put("Unknown protocol message\n");
+    }
+  } else if (IsTeiManagement(frame)) {
+    DecodeTeiManagement(out, frame);
+  } else if ((control & 0x03) == 0x03 && UnnumberedKind(control) == 0 && frame.size() >= 4 &&
+             IsQ931Discriminator(frame[3])) {
+    out.Put("ISDN Layer 3: Q.931 protocol message\n");
+    DecodeQ931MessageInDetail(out, frame.subspan(3));
+  }
+}
+
 }  // namespace
 
 void DecodeLapdFrame(DecodeContext& context, OctetSpan frame) {
+  if (context.detail == DetailLevel::Full) return DecodeLapdFrameInDetail(context, frame);
   OutputWriter& out = context.out;
   // Octets 1 and 2 are the address; without octet 3 there is no control field.
   if (frame.size() < 3) {

@@ -1,3 +1,4 @@
+#include "field_text.h"
 #include "q931_message.h"
 
 namespace velmora {
@@ -26,6 +27,61 @@ void DecodeQ931Message(OutputWriter& out, OctetSpan message) {
   }
   out.PutPadded(walk->typeLine.Padded());
   WalkElements(out, *walk, header->fromMessageType);
+}
+
+namespace {
+
+constexpr ValueText kCallReferenceFlag[] = {
+    {0, "from the originating side"},
+    {1, "to the originating side"},
+};
+
+// "\tCall reference=<value>  length <n>, flag <f>  <meaning>".
+void PrintCallReference(OutputWriter& out, OctetSpan reference) {
+  out.Put("\tCall reference");
+  if (reference.empty()) {
+    out.Put(": dummy (length 0)\n");
+    return;
+  }
+  out.Put("=");
+  std::uint64_t value = reference[0] & 0x7FU;
+  const bool fits = reference.size() <= 8;
+  for (const Octet octet : reference.subspan(1)) value = value << 8 | octet;
+  if (fits) {
+    out.Decimal(static_cast<std::int64_t>(value));
+  } else {
+    for (const Octet octet : reference) out.SpaceHex(octet);
+  }
+  out.Put("  length ");
+  out.Decimal(static_cast<std::int64_t>(reference.size()));
+  const unsigned flag = reference[0] >> 7;
+  out.Put(", flag=");
+  out.Bits(flag, 1);
+  out.Put("  ");
+  if (const ValueText* row = FindRow(kCallReferenceFlag, flag)) out.Put(row->text);
+  out.Put('\n');
+}
+
+}  // namespace
+
+void DecodeQ931MessageInDetail(OutputWriter& out, OctetSpan message) {
+  const std::optional<Q931Header> header = ReadQ931Header(message);
+  if (!header) {
+    out.Put(kMessageTypePrefix);
+    out.Put("Truncated message\n");
+    return;
+  }
+  const MessageWalk* walk = FindMessageWalk(header->messageType);
+  if (walk != nullptr) {
+    out.PutPadded(walk->typeLine.Padded());
+  } else {
+    out.Put(kMessageTypePrefix);
+    out.Put("message type");
+    out.SpaceHex(header->messageType);
+    out.Put(" (no name)\n");
+  }
+  PrintCallReference(out, header->callReference);
+  if (walk != nullptr) WalkElements(out, *walk, header->fromMessageType);
 }
 
 }  // namespace velmora

@@ -97,12 +97,13 @@ struct Chunk {
 class ParallelRun {
  public:
   ParallelRun(int inputFd, OutputWriter& writer, unsigned jobs, bool stopOnWriteError,
-              const std::function<void(std::uint64_t)>& onRead, std::size_t chunkSize)
+              const std::function<void(std::uint64_t)>& onRead, std::size_t chunkSize, DetailLevel detail)
       : inputFd_(inputFd),
         writer_(writer),
         stopOnWriteError_(stopOnWriteError),
         onRead_(onRead),
         chunkSize_(chunkSize),
+        detail_(detail),
         chunks_(jobs + 2) {
     // Room for the carried tail of the chunk before (less than a piece) and a chunk.
     for (Chunk& chunk : chunks_) chunk.input.reset(new char[chunkSize_ + kMaxPiece]);
@@ -191,20 +192,21 @@ class ParallelRun {
         chunk = queue_.front();
         queue_.pop_front();
       }
-      Decode(*chunk);
+      Decode(*chunk, detail_);
       std::lock_guard lock(mutex_);
       chunk->decoded = true;
       changed_.notify_all();
     }
   }
 
-  static void Decode(Chunk& chunk) {
+  static void Decode(Chunk& chunk, DetailLevel detail) {
     chunk.output.Clear();
     chunk.pendingUaWordings.clear();
     // Full blocks as large as the run's writer's buffer go on to the sink
     // uncopied (OutputWriter::PutBlock).
     OutputWriter writer(chunk.output, ChunkOutput::kBlockSize);
     DecodeContext context{writer, LinkSetup::Unknown, false, &chunk.pendingUaWordings};
+    context.detail = detail;
     TranslateTracePieces(context, {chunk.input.get(), chunk.size});
     writer.Flush();
     chunk.frameFound = context.frameFound;
@@ -218,6 +220,7 @@ class ParallelRun {
   bool stopOnWriteError_;
   const std::function<void(std::uint64_t)>& onRead_;
   std::size_t chunkSize_;
+  DetailLevel detail_;
   std::vector<Chunk> chunks_;
   std::string carry_;
   bool inputEnded_ = false;
@@ -234,12 +237,13 @@ class ParallelRun {
 
 ParallelRunResult TranslateInParallel(int inputFd, std::uint64_t inputSize, OutputWriter& writer, LinkMemory& link,
                                       unsigned jobs, bool stopOnWriteError,
-                                      const std::function<void(std::uint64_t)>& onRead, std::size_t chunkSize) {
+                                      const std::function<void(std::uint64_t)>& onRead, std::size_t chunkSize,
+                                      DetailLevel detail) {
   chunkSize = std::max(chunkSize, kSmallestChunk);
   // A thread without a chunk of its own would only wait.
   const std::uint64_t chunks = inputSize / chunkSize + 1;
   if (jobs > chunks) jobs = static_cast<unsigned>(chunks);
-  ParallelRun run(inputFd, writer, jobs == 0 ? 1 : jobs, stopOnWriteError, onRead, chunkSize);
+  ParallelRun run(inputFd, writer, jobs == 0 ? 1 : jobs, stopOnWriteError, onRead, chunkSize, detail);
   return run.Run(link);
 }
 

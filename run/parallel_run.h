@@ -5,6 +5,7 @@
 #include <cstdint>
 #include <functional>
 
+#include "detail_level.h"
 #include "output_writer.h"
 #include "translation.h"
 
@@ -33,6 +34,7 @@ inline constexpr std::size_t kSmallestChunk = 4096;
 ParallelRunResult TranslateInParallel(int inputFd, std::uint64_t inputSize, OutputWriter& writer, LinkMemory& link,
                                       unsigned jobs, bool stopOnWriteError,
                                       const std::function<void(std::uint64_t)>& onRead,
-                                      std::size_t chunkSize = kDefaultChunk);
+                                      std::size_t chunkSize = kDefaultChunk,
+                                      DetailLevel detail = DetailLevel::Description);
 
 }  // namespace velmora

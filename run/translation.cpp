@@ -142,6 +142,7 @@ bool TranslatePieces(PieceSource& source, OutputWriter& writer, LinkMemory& link
     frameFound = ConsumeTrace(source, *options.makeConsumer(writer, link), report.scanNotes, stopped);
   } else {
     DecodeContext context{writer, link.setupPending ? LinkSetup::Pending : LinkSetup::NotPending};
+    context.detail = options.detail;
     while (const auto pieces = source.NextPieces()) {
       TranslateTracePieces(context, *pieces);
       if (stopped()) break;
@@ -349,7 +350,8 @@ TranslationOutcome TranslateTraceFile(std::string_view inputPath, std::string_vi
 #if !defined(VELMORA_NO_THREADS)
   } else if (parallel) {
     const ParallelRunResult result =
-        TranslateInParallel(inputFd, inputSize, writer, link, options.jobs, options.stopOnWriteError, reportProgress);
+        TranslateInParallel(inputFd, inputSize, writer, link, options.jobs, options.stopOnWriteError, reportProgress,
+                            kDefaultChunk, options.detail);
     frameFound = result.frameFound;
     report.scanNotes = result.scanNotes;
     report.readError = result.readError;

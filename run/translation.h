@@ -8,6 +8,7 @@
 #include <string_view>
 #include <vector>
 
+#include "detail_level.h"
 #include "scan_notes.h"
 
 namespace velmora {
@@ -103,6 +104,8 @@ struct TranslationOptions {
   // Another output than the message file (one thread, whatever `jobs`
   // says); empty: the message file.
   TraceConsumerFactory makeConsumer;
+  // How much each frame's decoding tells in the message file.
+  DetailLevel detail = DetailLevel::Description;
   // Formats told by their first bytes (input_format.h), tried in order
   // before the input is read as a trace log; such an input is translated on
   // one thread. Empty: every input is a trace log.

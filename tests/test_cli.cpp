@@ -126,5 +126,25 @@ TEST_F(ScanWarnings, ParallelRunNumbersLinesAcrossItsChunks) {
   }
 }
 
+// --detail full on several threads writes what one thread writes; the
+// default level's file is the one without the option.
+TEST_F(Cli, DetailLevelOnEveryPath) {
+  std::string trace;
+  while (trace.size() < 5 * 1024 * 1024)
+    trace += FrameLine("0x00 0x81 0x7f") + FrameLine("0x02 0x81 0x00 0x02 0x08 0x01 0x81 0x07") +
+             FrameLine("0x00 0x81 0x73") + "between frames\n";
+  Write("trace.txt", trace);
+  EXPECT_EQ(Velmora("-q --detail full -j 1 trace.txt one.txt").status, 0);
+  EXPECT_EQ(Velmora("-q --detail=full -j 3 trace.txt three.txt").status, 0);
+  EXPECT_EQ(Read("one.txt"), Read("three.txt"));
+  EXPECT_NE(Read("one.txt").find("UA(unnumbered acknowledgement), Acknowledge to SABME, link established\n\tSAPI=0"),
+            std::string::npos);
+  EXPECT_EQ(Velmora("-q --detail description trace.txt plain.txt").status, 0);
+  EXPECT_EQ(Velmora("-q trace.txt default.txt").status, 0);
+  EXPECT_EQ(Read("plain.txt"), Read("default.txt"));
+  EXPECT_EQ(Velmora("--detail most trace.txt x.txt").err,
+            "velmora: --detail: 'most' is no level (description or full)\nTry 'velmora --help'.\n");
+}
+
 }  // namespace
 }  // namespace velmora::testing

@@ -204,12 +204,16 @@ void DecodeTeiManagement(OutputWriter& out, OctetSpan frame) {
 // The frame at the detail level: the described lines, each closed, with the
 // address and control line under the layer-2 line; Q.931 in a UI frame and
 // TEI management decoded too.
-void DecodeLapdFrameInDetail(DecodeContext& context, OctetSpan frame) {
+// The layer-2 side of a frame at the detail level: the described lines,
+// each closed, with the address and control line under the layer-2 line;
+// TEI management. Returns the Q.931 message of an I or a UI frame, after
+// its "ISDN Layer 3: " line, for the caller to decode; empty when none.
+OctetSpan DecodeLayer2InDetail(DecodeContext& context, OctetSpan frame) {
   OutputWriter& out = context.out;
   out.Put(kLayer2);
   if (frame.size() < 3) {
     out.Put(kTruncated);
-    return;
+    return {};
   }
   const Octet control = frame[2];
   const std::uint64_t before = out.BytesWritten();
@@ -225,48 +229,45 @@ void DecodeLapdFrameInDetail(DecodeContext& context, OctetSpan frame) {
     if (out.BytesWritten() == before) out.Put("(control octet names no frame)\n");
   }
   PrintAddressAndControl(out, frame);
+  constexpr std::string_view kQ931Message = "ISDN Layer 3: Q.931 protocol message\n";
   if ((control & 0x01) == 0) {
-    out.Put("ISDN Layer 3: ");
-    if (frame.size() < 5) {
-      out.Put(kTruncated);
-    } else if (IsQ931Discriminator(frame[4])) {
-      out.Put("Q.931 protocol message\n");
-      DecodeQ931MessageInDetail(out, frame.subspan(4));
-    } else {
-      out.Put("Unknown protocol message\n");
+    if (frame.size() >= 5 && IsQ931Discriminator(frame[4])) {
+      out.Put(kQ931Message);
+      return frame.subspan(4);
     }
+    out.Put("ISDN Layer 3: ");
+    out.Put(frame.size() < 5 ? kTruncated : "Unknown protocol message\n");
   } else if (IsTeiManagement(frame)) {
     DecodeTeiManagement(out, frame);
   } else if ((control & 0x03) == 0x03 && UnnumberedKind(control) == 0 && frame.size() >= 4 &&
              IsQ931Discriminator(frame[3])) {
-    out.Put("ISDN Layer 3: Q.931 protocol message\n");
-    DecodeQ931MessageInDetail(out, frame.subspan(3));
+    out.Put(kQ931Message);
+    return frame.subspan(3);
   }
+  return {};
 }
 
-}  // namespace
-
-void DecodeLapdFrame(DecodeContext& context, OctetSpan frame) {
-  if (context.detail == DetailLevel::Full) return DecodeLapdFrameInDetail(context, frame);
+// The layer-2 side as described. Returns the Q.931 message of an I frame,
+// after its lines, for the caller to decode; empty when none.
+OctetSpan DecodeLayer2(DecodeContext& context, OctetSpan frame) {
   OutputWriter& out = context.out;
   // Octets 1 and 2 are the address; without octet 3 there is no control field.
   if (frame.size() < 3) {
     out.Put(kLayer2);
     out.Put(kTruncated);
-    return;
+    return {};
   }
   const Octet control = frame[2];
   if ((control & 0x01) == 0) {
     // The protocol discriminator is octet 5; a frame that ends before it has none.
     if (frame.size() >= 5 && IsQ931Discriminator(frame[4])) {
       out.PutPadded(kQ931InformationFrame.Padded());
-      DecodeQ931Message(out, frame.subspan(4));
-      return;
+      return frame.subspan(4);
     }
     out.Put(kLayer2);
     out.Put(kInformationFrame);
     out.Put(frame.size() < 5 ? kTruncated : "Unknown protocol message\n");
-    return;
+    return {};
   }
   out.Put(kLayer2);
   if ((control & 0x02) == 0) {
@@ -275,6 +276,17 @@ void DecodeLapdFrame(DecodeContext& context, OctetSpan frame) {
   } else {
     DecodeUnnumbered(context, control);
   }
+  return {};
+}
+
+}  // namespace
+
+void DecodeLapdFrame(DecodeContext& context, OctetSpan frame) {
+  // One call of the message decoder for both levels, so that it stays
+  // inlined into the frame-line handler.
+  const bool detailed = context.detail == DetailLevel::Full;
+  const OctetSpan message = detailed ? DecodeLayer2InDetail(context, frame) : DecodeLayer2(context, frame);
+  if (!message.empty()) DecodeQ931Message(context.out, message, detailed);
 }
 
 }  // namespace velmora

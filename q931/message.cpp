@@ -11,24 +11,6 @@ std::optional<Q931Header> ReadQ931Header(OctetSpan message) {
   return Q931Header{message.subspan(2, typePosition - 2), message[typePosition], message.subspan(typePosition)};
 }
 
-void DecodeQ931Message(OutputWriter& out, OctetSpan message) {
-  const std::optional<Q931Header> header = ReadQ931Header(message);
-  if (!header) {
-    out.Put(kMessageTypePrefix);
-    out.Put("Truncated message\n");
-    return;
-  }
-  // An unknown type prints nothing more, not even a line end: the copy of
-  // the next input line continues the open "Message type:" line.
-  const MessageWalk* walk = FindMessageWalk(header->messageType);
-  if (walk == nullptr) {
-    out.Put(kMessageTypePrefix);
-    return;
-  }
-  out.PutPadded(walk->typeLine.Padded());
-  WalkElements(out, *walk, header->fromMessageType);
-}
-
 namespace {
 
 constexpr ValueText kCallReferenceFlag[] = {
@@ -64,24 +46,29 @@ void PrintCallReference(OutputWriter& out, OctetSpan reference) {
 
 }  // namespace
 
-void DecodeQ931MessageInDetail(OutputWriter& out, OctetSpan message) {
+void DecodeQ931Message(OutputWriter& out, OctetSpan message, bool detailed) {
   const std::optional<Q931Header> header = ReadQ931Header(message);
   if (!header) {
     out.Put(kMessageTypePrefix);
     out.Put("Truncated message\n");
     return;
   }
+  // An unknown type prints nothing more, not even a line end: the copy of
+  // the next input line continues the open "Message type:" line.
   const MessageWalk* walk = FindMessageWalk(header->messageType);
-  if (walk != nullptr) {
-    out.PutPadded(walk->typeLine.Padded());
-  } else {
+  if (walk == nullptr) {
     out.Put(kMessageTypePrefix);
-    out.Put("message type");
-    out.SpaceHex(header->messageType);
-    out.Put(" (no name)\n");
+    if (detailed) {
+      out.Put("message type");
+      out.SpaceHex(header->messageType);
+      out.Put(" (no name)\n");
+      PrintCallReference(out, header->callReference);
+    }
+    return;
   }
-  PrintCallReference(out, header->callReference);
-  if (walk != nullptr) WalkElements(out, *walk, header->fromMessageType);
+  out.PutPadded(walk->typeLine.Padded());
+  if (detailed) PrintCallReference(out, header->callReference);
+  WalkElements(out, *walk, header->fromMessageType);
 }
 
 }  // namespace velmora

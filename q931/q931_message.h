@@ -33,12 +33,11 @@ inline constexpr std::string_view kMessageTypePrefix = "Message type:";
 
 // Prints "Message type:" and the type's name, then walks the elements.
 // `message` starts at the protocol discriminator and ends with the frame.
-void DecodeQ931Message(OutputWriter& out, OctetSpan message);
-
-// The same with more of what the octets hold: the call reference's value,
-// length and flag on a line behind "Message type:", and a whole line for a
-// message type without a name (its elements are not walked).
-void DecodeQ931MessageInDetail(OutputWriter& out, OctetSpan message);
+// `detailed` (--detail full) adds more of what the octets hold: the call
+// reference's value, length and flag on a line behind "Message type:", and
+// a whole line for a message type without a name (its elements are not
+// walked).
+void DecodeQ931Message(OutputWriter& out, OctetSpan message, bool detailed = false);
 
 // One accepted element of a walk: the identifier octet matches when
 // (octet & mask) == value. Whole-octet matches use the mask 0xFF.

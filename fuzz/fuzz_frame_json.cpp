@@ -1,8 +1,11 @@
-// Random traces to --to json and to the message file, from one run each.
+// Random traces to --to json and to the message file, from one run each,
+// and to the message file at --detail full.
 //
 // Invariants: every line of the JSON is one JSON value, an object; there is
 // one line a frame line; and every field's "text", read back, stands in the
-// message file as a whole line behind two tabs (three for a diagnostic).
+// message file as a whole line behind two tabs (three for a diagnostic). At
+// --detail full, every line of the trace is copied, in order, and what
+// stands between two copies ends with a line end.
 //
 // Input: the trace's text.
 #include <cctype>
@@ -12,6 +15,7 @@
 #include <string_view>
 #include <vector>
 
+#include "decode_context.h"
 #include "frame_json.h"
 #include "fuzz_support.h"
 #include "line_scanner.h"
@@ -92,6 +96,32 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
       return velmora::MakeJsonConsumer(out, memory);
     };
     velmora::TranslateTraceText(trace, sink, link, options);
+  }
+  {
+    std::string detailed;
+    velmora::StringSink sink(detailed);
+    velmora::LinkMemory link;
+    velmora::TranslationOptions options;
+    options.detail = velmora::DetailLevel::Full;
+    velmora::TranslateTraceText(trace, sink, link, options);
+    // The run's output, piece by piece: each piece's copy, then its decoded
+    // lines, all closed.
+    std::string expected;
+    velmora::LinkSetup memory = velmora::LinkSetup::NotPending;
+    for (const std::string_view piece : velmora::fuzz::SplitPieces(trace)) {
+      const std::string part = velmora::fuzz::Capture([&](velmora::OutputWriter& out) {
+        velmora::DecodeContext context{out, memory};
+        context.detail = velmora::DetailLevel::Full;
+        velmora::TranslateTraceLine(context, piece);
+        memory = context.linkSetup;
+      });
+      Require(part.starts_with(piece), "at full detail a piece's output begins with its copy",
+              [&] { return Printable(piece); });
+      Require(part.size() == piece.size() || part.back() == '\n', "at full detail the decoded lines are closed",
+              [&] { return Printable(part); });
+      expected += part;
+    }
+    Require(detailed == expected, "at full detail the run writes the pieces' outputs in order");
   }
   std::size_t frameLines = 0;
   for (const std::string_view piece : velmora::fuzz::SplitPieces(trace)) frameLines += velmora::IsFrameLine(piece);

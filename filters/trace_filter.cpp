@@ -5,10 +5,9 @@
 #include <charconv>
 
 #include "call_tracker.h"
-#include "decode_context.h"
 #include "lapd.h"
-#include "line_scanner.h"
 #include "q931_message.h"
+#include "scratch_decoder.h"
 
 namespace velmora {
 namespace {
@@ -158,32 +157,20 @@ namespace {
 class SelectedFramesConsumer final : public TraceConsumer {
  public:
   SelectedFramesConsumer(OutputWriter& out, LinkMemory& link, FrameSelection select, DetailLevel detail)
-      : out_(out),
-        link_(link),
-        select_(std::move(select)),
-        scratchSink_(scratch_),
-        scratchWriter_(scratchSink_, 64 * 1024),
-        context_{scratchWriter_, link.setupPending ? LinkSetup::Pending : LinkSetup::NotPending} {
-    context_.detail = detail;
-  }
+      : out_(out), link_(link), select_(std::move(select)), decoder_(link, detail) {}
 
   void Consume(const TracePiece& piece) override {
     if (!piece.isFrameLine) return;
-    TranslateTraceLine(context_, piece.text);
-    scratchWriter_.Flush();
-    if (select_(piece.frame, piece.lineNumber)) out_.Put(scratch_);
-    scratch_.clear();
+    const std::string_view text = decoder_.Translate(piece.text);
+    if (select_(piece.frame, piece.lineNumber)) out_.Put(text);
   }
-  void Finish() override { link_.setupPending = context_.linkSetup == LinkSetup::Pending; }
+  void Finish() override { decoder_.SaveLink(link_); }
 
  private:
   OutputWriter& out_;
   LinkMemory& link_;
   FrameSelection select_;
-  std::string scratch_;
-  StringSink scratchSink_;
-  OutputWriter scratchWriter_;
-  DecodeContext context_;
+  ScratchDecoder decoder_;
 };
 
 class FrameFilteredConsumer final : public TraceConsumer {

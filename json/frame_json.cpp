@@ -5,12 +5,11 @@
 #include <string>
 #include <string_view>
 
-#include "decode_context.h"
 #include "escaped_text.h"
 #include "frame_line_facts.h"
 #include "lapd.h"
-#include "line_scanner.h"
 #include "q931_message.h"
+#include "scratch_decoder.h"
 #include "structured_frame.h"
 
 namespace velmora {
@@ -89,42 +88,22 @@ class JsonObject {
 class JsonConsumer final : public TraceConsumer {
  public:
   JsonConsumer(OutputWriter& out, LinkMemory& link, std::function<bool(OctetSpan, std::uint64_t)> select)
-      : out_(out),
-        link_(link),
-        select_(std::move(select)),
-        decodedSink_(decoded_),
-        decodedWriter_(decodedSink_, 64 * 1024),
-        context_{decodedWriter_, link.setupPending ? LinkSetup::Pending : LinkSetup::NotPending} {
-    decodedWriter_.SetFieldSink(&frame_);
+      : out_(out), link_(link), select_(std::move(select)), decoder_(link) {
+    decoder_.Writer().SetFieldSink(&frame_);
   }
 
   void Consume(const TracePiece& piece) override {
     if (!piece.isFrameLine) return;
     // The line handler copies the line first: the frame's text follows it.
-    // (The message file's own path to the LAPD decoder, its one caller.)
-    const std::uint64_t lineStart = decodedWriter_.BytesWritten();
-    frame_.Begin(lineStart + piece.text.size());
-    TranslateTraceLine(context_, piece.text);
-    if (select_ && !select_(piece.frame, piece.lineNumber)) {
-      decodedWriter_.DropBuffered();
-      decoded_.clear();
-      return;
-    }
-    // The frame's text is read where the scratch writer holds it; only a
-    // decode longer than its buffer has gone on to the string in part.
-    if (decoded_.empty()) {
-      frame_.Split(decodedWriter_.Buffered().substr(piece.text.size()));
-    } else {
-      decodedWriter_.Flush();
-      frame_.Split(std::string_view(decoded_).substr(piece.text.size()));
-    }
+    frame_.Begin(decoder_.Offset() + piece.text.size());
+    const std::string_view text = decoder_.Translate(piece.text);
+    if (select_ && !select_(piece.frame, piece.lineNumber)) return;
+    frame_.Split(text.substr(piece.text.size()));
     Write(piece);
     out_.Put('\n');
-    decodedWriter_.DropBuffered();
-    decoded_.clear();
   }
 
-  void Finish() override { link_.setupPending = context_.linkSetup == LinkSetup::Pending; }
+  void Finish() override { decoder_.SaveLink(link_); }
 
  private:
   void Write(const TracePiece& piece) {
@@ -210,11 +189,8 @@ class JsonConsumer final : public TraceConsumer {
   OutputWriter& out_;
   LinkMemory& link_;
   std::function<bool(OctetSpan, std::uint64_t)> select_;
-  std::string decoded_;
-  StringSink decodedSink_;
-  OutputWriter decodedWriter_;
-  DecodeContext context_;
   StructuredFrame frame_;
+  ScratchDecoder decoder_;
   std::string scratch_;
   std::string moment_;
 };

@@ -11,12 +11,11 @@
 #include "calls_output.h"
 #include "cause.h"
 #include "decimal_text.h"
-#include "decode_context.h"
 #include "lapd.h"
-#include "line_scanner.h"
 #include "output_writer.h"
 #include "report_escape.h"
 #include "report_page.h"
+#include "scratch_decoder.h"
 #include "trace_consumer.h"
 
 namespace velmora {
@@ -85,13 +84,7 @@ std::size_t SharedPrefix(std::string_view a, std::string_view b) {
 class ReportConsumer final : public TraceConsumer {
  public:
   ReportConsumer(OutputWriter& out, LinkMemory& link, ReportInput input)
-      : out_(out),
-        link_(link),
-        input_(std::move(input)),
-        decodedSink_(decoded_),
-        decodedWriter_(decodedSink_, 16 * 1024),
-        context_{decodedWriter_, link.setupPending ? LinkSetup::Pending : LinkSetup::NotPending},
-        tracker_([this](const CallRecord& call) {
+      : out_(out), link_(link), input_(std::move(input)), decoder_(link), tracker_([this](const CallRecord& call) {
           if (!input_.select || input_.select(call)) AddCall(call);
         }) {
     std::string name;
@@ -110,21 +103,19 @@ class ReportConsumer final : public TraceConsumer {
     // The real line handler, whose text behind the copied line is what the
     // message file has for the frame. Every frame line goes through it, for
     // the link memory behind the UA wording.
-    TranslateTraceLine(context_, piece.text);
-    decodedWriter_.Flush();
+    const std::string_view decoded = decoder_.Translate(piece.text);
     const OctetSpan frame = piece.frame;
     // Q.931 in I and UI frames, as the call tracker reads it.
     if (FindQ931(frame)) {
-      const std::string_view text = std::string_view(decoded_).substr(piece.text.size());
+      const std::string_view text = decoded.substr(piece.text.size());
       tracker_.Frame(frame, piece.lineNumber, piece.text, NumberFrameText(text));
     }
-    decoded_.clear();
     if (newStrings_.size() + newTexts_.size() + calls_.size() >= kChunkBytes) WriteChunk({});
   }
 
   void Finish() override {
     tracker_.Finish();
-    link_.setupPending = context_.linkSetup == LinkSetup::Pending;
+    decoder_.SaveLink(link_);
     WriteChunk(Totals());
     out_.Put(kReportPageParts[3]);
   }
@@ -295,10 +286,7 @@ class ReportConsumer final : public TraceConsumer {
   OutputWriter& out_;
   LinkMemory& link_;
   ReportInput input_;
-  std::string decoded_;
-  StringSink decodedSink_;
-  OutputWriter decodedWriter_;
-  DecodeContext context_;
+  ScratchDecoder decoder_;
   CallTracker tracker_;
   CallCells cells_;
   CallTotals totals_;

@@ -32,8 +32,6 @@ constexpr Octet kChannelIdentification = 0x18;
 constexpr Octet kCallingPartyNumber = 0x6C;
 constexpr Octet kCalledPartyNumber = 0x70;
 
-// A call reference value of up to eight octets fits an integer, flag left out.
-constexpr std::size_t kLongestCallReference = 8;
 // Digits kept of a called number that overlap sending keeps adding to.
 constexpr std::size_t kLongestNumber = 256;
 // Delivered calls whose storage is kept for the calls to come.
@@ -269,17 +267,13 @@ void CallTracker::Frame(OctetSpan frame, std::uint64_t line, std::string_view li
   const std::optional<Q931Header> header = ReadQ931Header(q931->message);
   if (!header) return;
   const OctetSpan reference = header->callReference;
-  if (reference.empty() || reference.size() > kLongestCallReference) {
+  const std::optional<std::uint64_t> value = CallReferenceValue(reference);
+  if (!value || *value == 0) {  // the dummy, a longer or the global call reference
     ++outsideCalls_;
     return;
   }
-  CallKey key{reference[0] & 0x7FU, reference.size(), q931->address.tei};
-  for (const Octet octet : reference.subspan(1)) key.value = key.value << 8 | octet;
-  if (key.value == 0) {  // the global call reference
-    ++outsideCalls_;
-    return;
-  }
-  const CallSide sender = (reference[0] & 0x80) != 0 ? CallSide::Callee : CallSide::Caller;
+  CallKey key{*value, reference.size(), q931->address.tei};
+  const CallSide sender = CallReferenceFlag(reference) != 0 ? CallSide::Callee : CallSide::Caller;
 
   const auto found = open_.find(key);
   Call* call = found != open_.end() ? found->second : nullptr;

@@ -54,16 +54,6 @@ std::uint64_t Largest(FilterKind kind) {
   }
 }
 
-// The call reference value of a message, flag left out; nothing for the
-// dummy call reference or one longer than eight octets.
-std::optional<std::uint64_t> CallReferenceOf(const Q931Header& header) {
-  const OctetSpan reference = header.callReference;
-  if (reference.empty() || reference.size() > 8) return std::nullopt;
-  std::uint64_t value = reference[0] & 0x7FU;
-  for (const Octet octet : reference.subspan(1)) value = value << 8 | octet;
-  return value;
-}
-
 }  // namespace
 
 bool TraceFilter::Criterion::Holds(std::uint64_t value) const {
@@ -106,7 +96,7 @@ bool TraceFilter::FrameSelected(OctetSpan frame) const {
   for (const Criterion& criterion : criteria_) {
     switch (criterion.kind) {
       case FilterKind::CallReference: {
-        const std::optional<std::uint64_t> value = header ? CallReferenceOf(*header) : std::nullopt;
+        const std::optional<std::uint64_t> value = header ? CallReferenceValue(header->callReference) : std::nullopt;
         if (!value || !criterion.Holds(*value)) return false;
         break;
       }

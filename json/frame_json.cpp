@@ -139,13 +139,9 @@ class JsonConsumer final : public TraceConsumer {
     json.Number(R"("protocol_discriminator":)", message[0]);
     const std::optional<Q931Header> header = ReadQ931Header(message);
     const OctetSpan reference = header ? header->callReference : OctetSpan{};
-    std::optional<std::uint64_t> value;
-    std::optional<std::uint64_t> flag;
-    if (!reference.empty() && reference.size() <= 8) {
-      value = reference[0] & 0x7FU;
-      for (const Octet octet : reference.subspan(1)) *value = *value << 8 | octet;
-      flag = reference[0] >> 7;
-    }
+    const std::optional<std::uint64_t> value = CallReferenceValue(reference);
+    const std::optional<std::uint64_t> flag =
+        value ? std::optional<std::uint64_t>(CallReferenceFlag(reference)) : std::nullopt;
     json.Number(R"("call_ref":)", value);
     json.Number(R"("call_ref_flag":)", flag);
     json.Number(R"("call_ref_length":)", message.size() > 1 ? std::optional<std::uint64_t>(message[1]) : std::nullopt);

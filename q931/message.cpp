@@ -26,17 +26,14 @@ void PrintCallReference(OutputWriter& out, OctetSpan reference) {
     return;
   }
   out.Put("=");
-  std::uint64_t value = reference[0] & 0x7FU;
-  const bool fits = reference.size() <= 8;
-  for (const Octet octet : reference.subspan(1)) value = value << 8 | octet;
-  if (fits) {
-    out.Decimal(static_cast<std::int64_t>(value));
+  if (const std::optional<std::uint64_t> value = CallReferenceValue(reference)) {
+    out.Decimal(static_cast<std::int64_t>(*value));
   } else {
     for (const Octet octet : reference) out.SpaceHex(octet);
   }
   out.Put("  length ");
   out.Decimal(static_cast<std::int64_t>(reference.size()));
-  const unsigned flag = reference[0] >> 7;
+  const unsigned flag = CallReferenceFlag(reference);
   out.Put(", flag=");
   out.Bits(flag, 1);
   out.Put("  ");

@@ -28,6 +28,20 @@ struct Q931Header {
 // end); nothing when the frame ends before the message type.
 std::optional<Q931Header> ReadQ931Header(OctetSpan message);
 
+// The call reference value, flag left out, of a reference of up to eight
+// octets; nothing for the dummy call reference or a longer one.
+inline constexpr std::size_t kLongestCallReference = 8;
+inline std::optional<std::uint64_t> CallReferenceValue(OctetSpan reference) {
+  if (reference.empty() || reference.size() > kLongestCallReference) return std::nullopt;
+  std::uint64_t value = reference[0] & 0x7FU;
+  for (const Octet octet : reference.subspan(1)) value = value << 8 | octet;
+  return value;
+}
+
+// The flag of a call reference: 1 on a message sent to the side that
+// originated the call.
+inline unsigned CallReferenceFlag(OctetSpan reference) { return reference.empty() ? 0 : reference[0] >> 7; }
+
 // What the message-type line begins with, known type or not.
 inline constexpr std::string_view kMessageTypePrefix = "Message type:";
 

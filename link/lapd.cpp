@@ -137,11 +137,11 @@ void PrintAddressAndControl(OutputWriter& out, OctetSpan frame) {
   PutNumber(out, "TEI", address.tei);
   if (address.tei == kBroadcastTei) out.Put(" (broadcast)");
   const Octet control = frame[2];
+  const FrameRole role = RoleOf(control);
   PutNumber(out, "C/R", address.commandResponse ? 1 : 0);
   out.Put(" (");
-  out.Put(SideText(RoleOf(control), address.commandResponse));
+  out.Put(SideText(role, address.commandResponse));
   out.Put(")");
-  const bool poll = RoleOf(control) != FrameRole::Response;
   if ((control & 0x01) == 0) {
     PutNumber(out, "N(S)", control >> 1);
     if (frame.size() > 3) {
@@ -154,7 +154,7 @@ void PrintAddressAndControl(OutputWriter& out, OctetSpan frame) {
       PutNumber(out, "P/F", frame[3] & 1U);
     }
   } else {
-    PutNumber(out, poll ? "P" : "F", (control >> 4) & 1U);
+    PutNumber(out, role == FrameRole::Response ? "F" : "P", (control >> 4) & 1U);
   }
   out.Put('\n');
 }
@@ -201,9 +201,6 @@ void DecodeTeiManagement(OutputWriter& out, OctetSpan frame) {
   out.Put('\n');
 }
 
-// The frame at the detail level: the described lines, each closed, with the
-// address and control line under the layer-2 line; Q.931 in a UI frame and
-// TEI management decoded too.
 // The layer-2 side of a frame at the detail level: the described lines,
 // each closed, with the address and control line under the layer-2 line;
 // TEI management. Returns the Q.931 message of an I or a UI frame, after
@@ -229,20 +226,16 @@ OctetSpan DecodeLayer2InDetail(DecodeContext& context, OctetSpan frame) {
     if (out.BytesWritten() == before) out.Put("(control octet names no frame)\n");
   }
   PrintAddressAndControl(out, frame);
-  constexpr std::string_view kQ931Message = "ISDN Layer 3: Q.931 protocol message\n";
+  // Q.931 in an I frame or, at this level, in a UI frame, as the call view reads it.
+  if (const std::optional<Q931InFrame> q931 = FindQ931(frame)) {
+    out.Put("ISDN Layer 3: Q.931 protocol message\n");
+    return q931->message;
+  }
   if ((control & 0x01) == 0) {
-    if (frame.size() >= 5 && IsQ931Discriminator(frame[4])) {
-      out.Put(kQ931Message);
-      return frame.subspan(4);
-    }
     out.Put("ISDN Layer 3: ");
     out.Put(frame.size() < 5 ? kTruncated : "Unknown protocol message\n");
   } else if (IsTeiManagement(frame)) {
     DecodeTeiManagement(out, frame);
-  } else if ((control & 0x03) == 0x03 && UnnumberedKind(control) == 0 && frame.size() >= 4 &&
-             IsQ931Discriminator(frame[3])) {
-    out.Put(kQ931Message);
-    return frame.subspan(3);
   }
   return {};
 }

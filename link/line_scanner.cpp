@@ -214,6 +214,15 @@ VELMORA_HOT_PATH void NoteOtherLine(ScanNotes& notes, std::string_view line, std
   if ((flaws & kUpperCaseDigit) != 0) notes.upperCaseCells.Add(lineNumber);
 }
 
+// A frame line's octets, its cells' flaws noted as line `lineNumber`.
+VELMORA_HOT_PATH std::size_t ReadNotedCells(std::string_view line, std::size_t anchor, Octet (&frame)[kFrameCapacity],
+                                            ScanNotes& notes, std::uint64_t lineNumber) {
+  unsigned flaws = kNoFlaw;
+  const std::size_t count = ReadCells(line, anchor, frame, flaws);
+  if (flaws != kNoFlaw) NoteCellFlaws(notes, flaws, lineNumber);
+  return count;
+}
+
 }  // namespace
 
 std::size_t ReadFrameOctets(std::string_view line, Octet (&frame)[kFrameCapacity]) {
@@ -233,10 +242,7 @@ std::optional<std::size_t> ScanFrameLine(std::string_view line, Octet (&frame)[k
     NoteOtherLine(notes, line, lineNumber);
     return std::nullopt;
   }
-  unsigned flaws = kNoFlaw;
-  const std::size_t count = ReadCells(line, anchor, frame, flaws);
-  if (flaws != kNoFlaw) NoteCellFlaws(notes, flaws, lineNumber);
-  return count;
+  return ReadNotedCells(line, anchor, frame, notes, lineNumber);
 }
 
 namespace {
@@ -247,9 +253,7 @@ namespace {
 void DecodeFrameLine(DecodeContext& context, std::string_view line, std::size_t anchor) {
   context.frameFound = true;
   Octet frame[kFrameCapacity];
-  unsigned flaws = kNoFlaw;
-  const std::size_t count = ReadCells(line, anchor, frame, flaws);
-  if (flaws != kNoFlaw) NoteCellFlaws(context.notes, flaws, context.linesDone + 1);
+  const std::size_t count = ReadNotedCells(line, anchor, frame, context.notes, context.linesDone + 1);
   DecodeLapdFrame(context, OctetSpan(frame, count));
 }
 

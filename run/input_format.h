@@ -43,9 +43,13 @@ class PieceSource {
   // The errno of a read that failed, or 0.
   virtual int Error() const = 0;
   // Once NextPieces() has given nothing: what was wrong with the input (CutOff or
-  // Damaged), with the words that say what and where; None at its end.
-  virtual InputFault Fault() const = 0;
-  virtual const std::string& FaultText() const = 0;
+  // Damaged), with the words that say what and where; None at its end. A
+  // source that cannot be damaged (a trace log) keeps these.
+  virtual InputFault Fault() const { return InputFault::None; }
+  virtual const std::string& FaultText() const {
+    static const std::string kNone;
+    return kNone;
+  }
 };
 
 // A source, or the reason the input is refused.

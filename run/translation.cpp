@@ -166,12 +166,9 @@ class LineReaderSource final : public PieceSource {
   void SetBeforeRead(std::function<void()> beforeRead) override { reader_.SetBeforeRead(std::move(beforeRead)); }
   std::uint64_t BytesRead() const override { return reader_.BytesRead(); }
   int Error() const override { return reader_.Error(); }
-  InputFault Fault() const override { return InputFault::None; }
-  const std::string& FaultText() const override { return noFault_; }
 
  private:
   LineReader& reader_;
-  std::string noFault_;
 };
 
 // A whole trace log held in memory: all of it at once, as whole pieces.
@@ -186,13 +183,10 @@ class TextSource final : public PieceSource {
   void SetBeforeRead(std::function<void()>) override {}
   std::uint64_t BytesRead() const override { return given_ ? text_.size() : 0; }
   int Error() const override { return 0; }
-  InputFault Fault() const override { return InputFault::None; }
-  const std::string& FaultText() const override { return noFault_; }
 
  private:
   std::string_view text_;
   bool given_ = false;
-  std::string noFault_;
 };
 
 TranslationReport& ReportOf(const TranslationOptions& options, TranslationReport& unused) {

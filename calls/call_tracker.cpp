@@ -59,27 +59,6 @@ std::optional<std::string> ChannelText(const ElementOctets& element) {
 
 }  // namespace
 
-void MomentText::Append(std::string_view part) {
-  const std::size_t room = sizeof text_ - size_;
-  const std::size_t taken = std::min(part.size(), room);
-  std::copy_n(part.data(), taken, text_ + size_);
-  size_ = static_cast<std::uint8_t>(size_ + taken);
-}
-
-void MomentText::Assign(const FrameLineFacts& facts) {
-  size_ = 0;
-  const std::string_view date = facts.dateText;
-  const std::string_view time = facts.timeText;
-  // Side by side ("2026-03-14 09:15:02.306", "2026-03-14T09:15:02"): as written.
-  if (!date.empty() && !time.empty() && time.data() == date.data() + date.size() + 1) {
-    Append({date.data(), date.size() + 1 + time.size()});
-    return;
-  }
-  Append(date);
-  if (!date.empty() && !time.empty()) Append(" ");
-  Append(time);
-}
-
 // The names of the message type table by octet, for a look-up per message.
 constexpr auto kNamesByType = [] {
   std::array<std::string_view, 256> names{};

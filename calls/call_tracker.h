@@ -33,23 +33,6 @@ enum class CallSide : std::uint8_t { Caller, Callee };
 // or received (RX).
 enum class CallDirection : std::uint8_t { Unknown, Outgoing, Incoming };
 
-// A moment as the frame line writes it: the date and the time joined as
-// they stand on the line (by a blank when they stand apart), or the one
-// of them the line has. Kept to 31 characters: behind a date, only a
-// fraction of more than eleven digits is cut.
-class MomentText {
- public:
-  void Assign(const FrameLineFacts& facts);
-  std::string_view View() const { return {text_, size_}; }
-  bool Empty() const { return size_ == 0; }
-
- private:
-  void Append(std::string_view part);
-
-  char text_[31] = {};
-  std::uint8_t size_ = 0;
-};
-
 // The date and time of a message's line as read, for durations.
 struct MessageMoment {
   std::optional<LineDate> date;

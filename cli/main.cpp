@@ -42,8 +42,7 @@ constexpr int kExitIoError = 74;     // EX_IOERR
 // before, for the lines of the selected calls' messages.
 struct Selection {
   velmora::TraceFilter filter;
-  velmora::DetailLevel detail = velmora::DetailLevel::Description;  // of the message file's frames
-  std::shared_ptr<std::vector<std::uint64_t>> callLines;            // sorted; null when not needed
+  std::shared_ptr<std::vector<std::uint64_t>> callLines;  // sorted; null when not needed
 
   velmora::FrameSelection Frames() const {
     return [this](velmora::OctetSpan frame, std::uint64_t line) {
@@ -63,35 +62,38 @@ struct OutputKind {
   std::string_view name;
   std::string_view help;
   // Null, or a factory of a null function: the message file, at full speed.
-  velmora::TraceConsumerFactory (*make)(const std::string& input, const Selection* selection);
+  velmora::TraceConsumerFactory (*make)(const std::string& input, const Selection* selection,
+                                        velmora::DetailLevel detail);
   bool framesOut;  // writes frames (a filter keeps frames), not calls
 };
-velmora::TraceConsumerFactory MessageFactory(const std::string&, const Selection* selection) {
+velmora::TraceConsumerFactory MessageFactory(const std::string&, const Selection* selection,
+                                             velmora::DetailLevel detail) {
   if (selection == nullptr) return nullptr;
-  return [selection](velmora::OutputWriter& out, velmora::LinkMemory& link) {
-    return velmora::MakeSelectedFramesConsumer(out, link, selection->Frames(), selection->detail);
+  return [selection, detail](velmora::OutputWriter& out, velmora::LinkMemory& link) {
+    return velmora::MakeSelectedFramesConsumer(out, link, selection->Frames(), detail);
   };
 }
-velmora::TraceConsumerFactory PcapFactory(const std::string&, const Selection* selection) {
+velmora::TraceConsumerFactory PcapFactory(const std::string&, const Selection* selection, velmora::DetailLevel) {
   velmora::TraceConsumerFactory pcap = velmora::PcapExport();
   if (selection == nullptr) return pcap;
   return [pcap, selection](velmora::OutputWriter& out, velmora::LinkMemory& link) {
     return velmora::MakeFrameFilteredConsumer(pcap(out, link), selection->Frames());
   };
 }
-velmora::TraceConsumerFactory JsonFactory(const std::string&, const Selection* selection) {
-  return [selection](velmora::OutputWriter& out, velmora::LinkMemory& link) {
-    return velmora::MakeJsonConsumer(out, link, selection != nullptr ? selection->Frames() : nullptr);
+velmora::TraceConsumerFactory JsonFactory(const std::string&, const Selection* selection, velmora::DetailLevel detail) {
+  return [selection, detail](velmora::OutputWriter& out, velmora::LinkMemory& link) {
+    return velmora::MakeJsonConsumer(out, link, detail, selection != nullptr ? selection->Frames() : nullptr);
   };
 }
 template <velmora::CallsForm form>
-velmora::TraceConsumerFactory CallsFactory(const std::string&, const Selection* selection) {
+velmora::TraceConsumerFactory CallsFactory(const std::string&, const Selection* selection, velmora::DetailLevel) {
   return [selection](velmora::OutputWriter& out, velmora::LinkMemory&) {
     return velmora::MakeCallsConsumer(out, form, selection != nullptr ? selection->Calls() : nullptr);
   };
 }
 // The report names its input and gives a regular file's size.
-velmora::TraceConsumerFactory ReportFactory(const std::string& input, const Selection* selection) {
+velmora::TraceConsumerFactory ReportFactory(const std::string& input, const Selection* selection,
+                                            velmora::DetailLevel) {
   velmora::ReportInput report{input == "-" ? "standard input" : input, std::nullopt,
                               selection != nullptr ? selection->Calls() : nullptr};
   struct stat info {};
@@ -255,7 +257,7 @@ int TranslatePair(const std::string& input, const std::string& output, velmora::
   if (settings.selection != nullptr && settings.kind->framesOut && settings.selection->filter.NeedsCalls()) {
     if (const int status = ReadSelectedCallLines(input, link, *settings.selection); status != kExitOk) return status;
   }
-  options.makeConsumer = settings.kind->make(input, settings.selection);
+  options.makeConsumer = settings.kind->make(input, settings.selection, settings.detail);
   options.detail = settings.detail;
   velmora::ProgressBar progress(stderr);
   if (::isatty(STDERR_FILENO))
@@ -399,7 +401,6 @@ int main(int argc, char** argv) {
       if (*level != "description" && *level != "full")
         return UsageError("--detail: '" + std::string(*level) + "' is no level (description or full)");
       settings.detail = *level == "full" ? velmora::DetailLevel::Full : velmora::DetailLevel::Description;
-      selection.detail = settings.detail;
     } else if (arg == "--failed") {
       selection.filter.Add(velmora::FilterKind::Failed, {});
     } else if (const auto filter = std::find_if(std::begin(kFilterOptions), std::end(kFilterOptions),

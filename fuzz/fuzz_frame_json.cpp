@@ -93,7 +93,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     velmora::LinkMemory link;
     velmora::TranslationOptions options;
     options.makeConsumer = [](velmora::OutputWriter& out, velmora::LinkMemory& memory) {
-      return velmora::MakeJsonConsumer(out, memory);
+      return velmora::MakeJsonConsumer(out, memory, velmora::DetailLevel::Description);
     };
     velmora::TranslateTraceText(trace, sink, link, options);
   }

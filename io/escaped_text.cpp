@@ -60,7 +60,13 @@ constexpr bool MayNeedEscape(unsigned char code) {
 
 }  // namespace
 
-std::size_t PlainLength(std::string_view text) {
+namespace {
+
+// The run of characters at the start of `text` that stand for themselves in
+// every form; or, with `jsonLines`, in a JSON string, tabs and line ends
+// counted among them.
+template <bool jsonLines>
+std::size_t PlainRun(std::string_view text) {
   std::size_t at = 0;
 #if defined(__SSE2__)
   // Below 0x20 and from 0x80 on are one signed compare: bytes from 0x80 are
@@ -69,17 +75,32 @@ std::size_t PlainLength(std::string_view text) {
   const auto equal = [](__m128i block, char c) { return _mm_cmpeq_epi8(block, _mm_set1_epi8(c)); };
   for (; at + 16 <= text.size(); at += 16) {
     const __m128i block = _mm_loadu_si128(reinterpret_cast<const __m128i*>(text.data() + at));
-    const __m128i marked =
-        _mm_or_si128(_mm_or_si128(_mm_or_si128(_mm_cmplt_epi8(block, space), equal(block, '\x7f')),
-                                  _mm_or_si128(equal(block, '"'), equal(block, '\\'))),
-                     _mm_or_si128(_mm_or_si128(equal(block, '<'), equal(block, '>')), equal(block, '&')));
+    __m128i controls = _mm_cmplt_epi8(block, space);
+    if constexpr (jsonLines)
+      controls = _mm_andnot_si128(_mm_or_si128(equal(block, '\t'), equal(block, '\n')), controls);
+    __m128i marked =
+        _mm_or_si128(_mm_or_si128(controls, equal(block, '\x7f')), _mm_or_si128(equal(block, '"'), equal(block, '\\')));
+    if constexpr (!jsonLines)
+      marked =
+          _mm_or_si128(marked, _mm_or_si128(_mm_or_si128(equal(block, '<'), equal(block, '>')), equal(block, '&')));
     const int mask = _mm_movemask_epi8(marked);
     if (mask != 0) return at + static_cast<std::size_t>(std::countr_zero(static_cast<unsigned>(mask)));
   }
 #endif
-  while (at < text.size() && !MayNeedEscape(static_cast<unsigned char>(text[at]))) ++at;
+  for (; at < text.size(); ++at) {
+    const auto code = static_cast<unsigned char>(text[at]);
+    if (jsonLines ? (code < 0x20 && code != '\t' && code != '\n') || code >= 0x7F || code == '"' || code == '\\'
+                  : MayNeedEscape(code))
+      break;
+  }
   return at;
 }
+
+}  // namespace
+
+std::size_t PlainLength(std::string_view text) { return PlainRun<false>(text); }
+
+bool PlainJsonLines(std::string_view text) { return PlainRun<true>(text) == text.size(); }
 
 void AppendEscaped(std::string& to, std::string_view text, const TextEscapes& escapes) {
   for (std::size_t i = 0; i < text.size(); ++i) {

@@ -30,6 +30,11 @@ inline constexpr TextEscapes kScriptJsonEscapes{true, true, false, true, true, f
 // themselves in every form: found 16 at a time, as most texts are one run.
 std::size_t PlainLength(std::string_view text);
 
+// Whether every character of `text` but its tabs and line ends stands for
+// itself in a JSON string: a decoded frame's lines, checked once so that
+// their parts need no check of their own.
+bool PlainJsonLines(std::string_view text);
+
 // Appends `text` with every control character below 0x20, and what
 // `escapes` names besides, escaped; everything else as it is.
 void AppendEscaped(std::string& to, std::string_view text, const TextEscapes& escapes);

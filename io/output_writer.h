@@ -209,6 +209,19 @@ class OutputWriter {
     used_ += width;
   }
 
+  // Writing in place: room for `size` characters at the pointer returned,
+  // filled by the caller and ended by Commit at the character behind the
+  // last one written. Null when `size` is more than the buffer holds: the
+  // caller puts its text piece by piece instead.
+  VELMORA_HOT_PATH char* Claim(std::size_t size) {
+    if (capacity_ - used_ < size) {
+      if (size > capacity_) return nullptr;
+      Spill();
+    }
+    return buffer_.get() + used_;
+  }
+  VELMORA_HOT_PATH void Commit(const char* end) { used_ = static_cast<std::size_t>(end - buffer_.get()); }
+
   // Hands the buffered text to the sink and, when the sink writes behind,
   // waits until everything handed over so far is written. After a failed
   // write the writer drops further text and remembers the first error.

@@ -1,6 +1,8 @@
 #include "frame_json.h"
 
 #include <array>
+#include <charconv>
+#include <cstring>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -22,73 +24,53 @@ constexpr std::array<std::array<char, 2>, 256> kOctetDigits = [] {
   return digits;
 }();
 
-// Members written straight into the output, each with what stands before
-// it: its "{" or "," and its key, given with its quotes and colon.
-class JsonObject {
+// Room for the most a number member can take: its key, a comma and 20 digits.
+constexpr std::size_t kNumberRoom = 24;
+
+// JSON put together in room claimed beforehand, so that a whole member or
+// object costs one check of the writer's room instead of one a piece. The
+// strings given are their JSON bodies, escaped where they need it.
+class Room {
  public:
-  JsonObject(OutputWriter& out, std::string& scratch) : out_(out), scratch_(scratch) {}
-  void Key(std::string_view quotedKey) {
-    out_.Put(first_ ? '{' : ',');
-    first_ = false;
-    out_.Put(quotedKey);
+  explicit Room(char* at) : at_(at) {}
+  void Put(std::string_view text) {
+    std::memcpy(at_, text.data(), text.size());
+    at_ += text.size();
   }
-  void String(std::string_view quotedKey, std::string_view value) {
-    Key(quotedKey);
-    PutString(value);
+  void Put(char c) { *at_++ = c; }
+  void Quoted(std::string_view body) {
+    Put('"');
+    Put(body);
+    Put('"');
   }
-  void OptionalString(std::string_view quotedKey, std::optional<std::string_view> value) {
-    if (value) return String(quotedKey, *value);
-    Key(quotedKey);
-    out_.Put("null");
+  void QuotedOrNull(std::optional<std::string_view> body) {
+    if (body) return Quoted(*body);
+    Put("null");
   }
-  void Number(std::string_view quotedKey, std::optional<std::uint64_t> value) {
-    Key(quotedKey);
-    if (value) {
-      out_.Decimal(static_cast<std::int64_t>(*value));
-    } else {
-      out_.Put("null");
-    }
+  void Number(std::optional<std::uint64_t> value) {
+    if (!value) return Put("null");
+    at_ = std::to_chars(at_, at_ + 20, *value).ptr;
   }
-  void Hex(std::string_view quotedKey, OctetSpan octets) {
-    Key(quotedKey);
-    out_.Put('"');
-    for (const Octet octet : octets) out_.Put(std::string_view(kOctetDigits[octet].data(), 2));
-    out_.Put('"');
+  void Hex(OctetSpan octets) {
+    Put('"');
+    for (const Octet octet : octets) Put(std::string_view(kOctetDigits[octet].data(), 2));
+    Put('"');
   }
-  void Null(std::string_view quotedKey) {
-    Key(quotedKey);
-    out_.Put("null");
-  }
-  void True(std::string_view quotedKey) {
-    Key(quotedKey);
-    out_.Put("true");
-  }
-  void End() { out_.Put(first_ ? "{}" : "}"); }
+  char* End() const { return at_; }
 
  private:
-  // Decoded text is plain ASCII as a rule: it goes out as it is, and only
-  // text with a character to escape takes the way through the escaper.
-  void PutString(std::string_view value) {
-    out_.Put('"');
-    if (PlainLength(value) == value.size()) {
-      out_.Put(value);
-    } else {
-      scratch_.clear();
-      AppendEscaped(scratch_, value, kJsonUtf8Escapes);
-      out_.Put(scratch_);
-    }
-    out_.Put('"');
-  }
-
-  OutputWriter& out_;
-  std::string& scratch_;
-  bool first_ = true;
+  char* at_;
 };
+
+std::optional<std::uint64_t> Optional(std::optional<unsigned> value) {
+  return value ? std::optional<std::uint64_t>(*value) : std::nullopt;
+}
 
 class JsonConsumer final : public TraceConsumer {
  public:
-  JsonConsumer(OutputWriter& out, LinkMemory& link, std::function<bool(OctetSpan, std::uint64_t)> select)
-      : out_(out), link_(link), select_(std::move(select)), decoder_(link) {
+  JsonConsumer(OutputWriter& out, LinkMemory& link, DetailLevel detail,
+               std::function<bool(OctetSpan, std::uint64_t)> select)
+      : out_(out), link_(link), detail_(detail), select_(std::move(select)), decoder_(link, detail) {
     decoder_.Writer().SetFieldSink(&frame_);
   }
 
@@ -98,104 +80,191 @@ class JsonConsumer final : public TraceConsumer {
     frame_.Begin(decoder_.Offset() + piece.text.size());
     const std::string_view text = decoder_.Translate(piece.text);
     if (select_ && !select_(piece.frame, piece.lineNumber)) return;
-    frame_.Split(text.substr(piece.text.size()));
+    const std::string_view frameText = text.substr(piece.text.size());
+    frame_.Split(frameText);
+    // Decoded text is plain ASCII as a rule: checked once for the frame, its
+    // parts then go out as they are.
+    plain_ = PlainJsonLines(frameText);
     Write(piece);
-    out_.Put('\n');
   }
 
   void Finish() override { decoder_.SaveLink(link_); }
 
  private:
+  // Writes what `fill` puts in a Room of at most `most` characters: in place
+  // in the writer, or, for more than its buffer holds, by way of a string.
+  template <typename Fill>
+  void Emit(std::size_t most, Fill fill) {
+    if (char* at = out_.Claim(most)) {
+      Room room(at);
+      fill(room);
+      out_.Commit(room.End());
+      return;
+    }
+    overflow_.resize(most);
+    Room room(overflow_.data());
+    fill(room);
+    out_.Put(std::string_view(overflow_.data(), static_cast<std::size_t>(room.End() - overflow_.data())));
+  }
+
+  // A string of the frame's text as a JSON body: itself, or escaped into
+  // `slot` of the escaped texts, when the frame's text has a character to escape.
+  std::string_view Body(std::string_view text, std::size_t slot) {
+    if (plain_) return text;
+    std::string& escaped = escaped_[slot];
+    escaped.clear();
+    AppendEscaped(escaped, text, kJsonUtf8Escapes);
+    return escaped;
+  }
+  std::optional<std::string_view> OptionalBody(std::optional<std::string_view> text, std::size_t slot) {
+    return text ? std::optional(Body(*text, slot)) : std::nullopt;
+  }
+
   void Write(const TracePiece& piece) {
-    JsonObject line(out_, scratch_);
-    line.Number(R"("line":)", piece.lineNumber);
     const FrameLineFacts facts = ReadFrameLineFacts(piece.text);
-    if (facts.time) {
-      moment_.assign(facts.dateText);
-      if (!moment_.empty()) moment_ += ' ';
-      moment_ += facts.timeText;
-      line.String(R"("time":)", moment_);
-    } else {
-      line.OptionalString(R"("time":)", facts.date ? std::optional(facts.dateText) : std::nullopt);
-    }
+    moment_.Assign(facts);
     const std::string_view direction = DirectionWord(facts.direction);
-    line.OptionalString(R"("direction":)", direction.empty() ? std::nullopt : std::optional(direction));
-    line.Hex(R"("octets":)", piece.frame);
-    line.Key(R"("layer2":)");
-    JsonObject layer2(out_, scratch_);
-    layer2.String(R"("kind":)", frame_.layer2Kind);
-    layer2.End();
-    if (!CarriesQ931(piece.frame)) {
-      line.Null(R"("message":)");
-    } else {
-      line.Key(R"("message":)");
-      WriteMessage(piece.frame.subspan(4));
+    const std::string_view kind = Body(frame_.layer2Kind, 0);
+    const bool detailed = detail_ == DetailLevel::Full;
+    const std::size_t most = 200 + moment_.View().size() + 2 * piece.frame.size() + kind.size() + (detailed ? 200 : 0);
+    Emit(most, [&](Room& room) {
+      room.Put(R"({"line":)");
+      room.Number(piece.lineNumber);
+      room.Put(R"(,"time":)");
+      room.QuotedOrNull(moment_.Empty() ? std::nullopt : std::optional(moment_.View()));
+      room.Put(R"(,"direction":)");
+      room.QuotedOrNull(direction.empty() ? std::nullopt : std::optional(direction));
+      room.Put(R"(,"octets":)");
+      room.Hex(piece.frame);
+      room.Put(R"(,"layer2":{"kind":)");
+      room.Quoted(kind);
+      if (detailed) WriteLayer2Numbers(room, piece.frame);
+      room.Put('}');
+      if (detailed) WriteTeiManagement(room, piece.frame);
+      room.Put(R"(,"message":)");
+    });
+    if (!CarriesQ931(piece.frame) && !(detailed && FindQ931(piece.frame))) {
+      Emit(8, [](Room& room) { room.Put("null}\n"); });
+      return;
     }
-    line.End();
+    WriteMessage(FindQ931(piece.frame)->message);
+    Emit(8, [](Room& room) { room.Put("}\n"); });
+  }
+
+  // The address and control fields, at the detail level.
+  static void WriteLayer2Numbers(Room& room, OctetSpan frame) {
+    const bool hasAddress = frame.size() >= 2;
+    const LapdAddress address = hasAddress ? AddressOf(frame[0], frame[1]) : LapdAddress{};
+    const LapdControlNumbers numbers = ControlNumbersOf(frame);
+    room.Put(R"(,"sapi":)");
+    room.Number(hasAddress ? std::optional<std::uint64_t>(address.sapi) : std::nullopt);
+    room.Put(R"(,"cr":)");
+    room.Number(hasAddress ? std::optional<std::uint64_t>(address.commandResponse ? 1 : 0) : std::nullopt);
+    room.Put(R"(,"tei":)");
+    room.Number(hasAddress ? std::optional<std::uint64_t>(address.tei) : std::nullopt);
+    room.Put(R"(,"ns":)");
+    room.Number(Optional(numbers.sendSequence));
+    room.Put(R"(,"nr":)");
+    room.Number(Optional(numbers.receiveSequence));
+    room.Put(R"(,"pf":)");
+    room.Number(Optional(numbers.pollFinal));
+  }
+
+  static void WriteTeiManagement(Room& room, OctetSpan frame) {
+    room.Put(R"(,"tei_management":)");
+    const std::optional<TeiManagementMessage> message = ReadTeiManagement(frame);
+    if (!message) return room.Put("null");
+    room.Put(R"({"type":)");
+    const std::string_view name = TeiManagementName(message->type);
+    room.QuotedOrNull(name.empty() ? std::nullopt : std::optional(name));
+    room.Put(R"(,"ri":)");
+    room.Number(message->referenceNumber);
+    room.Put(R"(,"ai":)");
+    room.Number(message->actionIndicator);
+    room.Put('}');
   }
 
   void WriteMessage(OctetSpan message) {
-    JsonObject json(out_, scratch_);
-    json.Number(R"("protocol_discriminator":)", message[0]);
     const std::optional<Q931Header> header = ReadQ931Header(message);
     const OctetSpan reference = header ? header->callReference : OctetSpan{};
     const std::optional<std::uint64_t> value = CallReferenceValue(reference);
-    const std::optional<std::uint64_t> flag =
-        value ? std::optional<std::uint64_t>(CallReferenceFlag(reference)) : std::nullopt;
-    json.Number(R"("call_ref":)", value);
-    json.Number(R"("call_ref_flag":)", flag);
-    json.Number(R"("call_ref_length":)", message.size() > 1 ? std::optional<std::uint64_t>(message[1]) : std::nullopt);
-    json.Number(R"("type":)", header ? std::optional<std::uint64_t>(header->messageType) : std::nullopt);
-    json.OptionalString(R"("name":)", frame_.hasMessageType && !frame_.messageName.empty()
-                                          ? std::optional(frame_.messageName)
-                                          : std::nullopt);
-    json.Key(R"("elements":)");
-    out_.Put('[');
-    for (std::size_t e = 0; e < frame_.Elements().size(); ++e) {
-      if (e > 0) out_.Put(',');
-      WriteElement(frame_.Elements()[e]);
-    }
-    out_.Put(']');
-    json.End();
+    const std::optional<std::string_view> name = OptionalBody(
+        frame_.hasMessageType && !frame_.messageName.empty() ? std::optional(frame_.messageName) : std::nullopt, 0);
+    Emit(200 + (name ? name->size() : 0), [&](Room& room) {
+      room.Put(R"({"protocol_discriminator":)");
+      room.Number(message[0]);
+      room.Put(R"(,"call_ref":)");
+      room.Number(value);
+      room.Put(R"(,"call_ref_flag":)");
+      room.Number(value ? std::optional<std::uint64_t>(CallReferenceFlag(reference)) : std::nullopt);
+      room.Put(R"(,"call_ref_length":)");
+      room.Number(message.size() > 1 ? std::optional<std::uint64_t>(message[1]) : std::nullopt);
+      room.Put(R"(,"type":)");
+      room.Number(header ? std::optional<std::uint64_t>(header->messageType) : std::nullopt);
+      room.Put(R"(,"name":)");
+      room.QuotedOrNull(name);
+      room.Put(R"(,"elements":[)");
+    });
+    for (std::size_t e = 0; e < frame_.Elements().size(); ++e) WriteElement(frame_.Elements()[e], e == 0);
+    Emit(2, [](Room& room) { room.Put("]}"); });
   }
 
-  void WriteElement(const ElementPart& element) {
-    JsonObject json(out_, scratch_);
-    json.Number(R"("id":)", element.Identifier());
-    json.Number(R"("codeset":)", element.codeset);
-    json.String(R"("name":)", element.name);
-    json.Hex(R"("octets":)", element.octets);
-    json.Key(R"("fields":)");
-    out_.Put('[');
-    for (std::size_t f = 0; f < element.fields.size(); ++f) {
-      if (f > 0) out_.Put(',');
-      const FieldPart& field = element.fields[f];
-      JsonObject part(out_, scratch_);
-      part.OptionalString(R"("name":)", field.name.empty() && !field.coded ? std::nullopt : std::optional(field.name));
-      part.OptionalString(R"("bits":)", field.coded ? std::optional(field.bits) : std::nullopt);
-      part.OptionalString(R"("meaning":)", field.coded ? std::optional(field.meaning) : std::nullopt);
-      part.String(R"("text":)", field.text);
-      if (field.diagnostic) part.True(R"("diagnostic":)");
-      part.End();
-    }
-    out_.Put(']');
-    json.End();
+  void WriteElement(const ElementPart& element, bool first) {
+    const std::string_view name = Body(element.name, 0);
+    Emit(100 + name.size() + 2 * element.octets.size(), [&](Room& room) {
+      room.Put(first ? R"({"id":)" : R"(,{"id":)");
+      room.Number(element.Identifier());
+      room.Put(R"(,"codeset":)");
+      room.Number(element.codeset);
+      room.Put(R"(,"name":)");
+      room.Quoted(name);
+      room.Put(R"(,"octets":)");
+      room.Hex(element.octets);
+      room.Put(R"(,"fields":[)");
+    });
+    for (std::size_t f = 0; f < element.fields.size(); ++f) WriteField(element.fields[f], f == 0);
+    Emit(2, [](Room& room) { room.Put("]}"); });
+  }
+
+  void WriteField(const FieldPart& field, bool first) {
+    const std::optional<std::string_view> name =
+        OptionalBody(field.name.empty() && !field.coded ? std::nullopt : std::optional(field.name), 0);
+    const std::optional<std::string_view> bits =
+        OptionalBody(field.coded ? std::optional(field.bits) : std::nullopt, 1);
+    const std::optional<std::string_view> meaning =
+        OptionalBody(field.coded ? std::optional(field.meaning) : std::nullopt, 2);
+    const std::string_view text = Body(field.text, 3);
+    const auto size = [](std::optional<std::string_view> body) { return body ? body->size() : 0; };
+    Emit(80 + size(name) + size(bits) + size(meaning) + text.size(), [&](Room& room) {
+      room.Put(first ? R"({"name":)" : R"(,{"name":)");
+      room.QuotedOrNull(name);
+      room.Put(R"(,"bits":)");
+      room.QuotedOrNull(bits);
+      room.Put(R"(,"meaning":)");
+      room.QuotedOrNull(meaning);
+      room.Put(R"(,"text":)");
+      room.Quoted(text);
+      room.Put(field.diagnostic ? R"(,"diagnostic":true})" : "}");
+    });
   }
 
   OutputWriter& out_;
   LinkMemory& link_;
+  DetailLevel detail_;
   std::function<bool(OctetSpan, std::uint64_t)> select_;
   StructuredFrame frame_;
   ScratchDecoder decoder_;
-  std::string scratch_;
-  std::string moment_;
+  MomentText moment_;
+  std::array<std::string, 4> escaped_;  // a field's four strings, where they need escapes
+  std::string overflow_;
+  bool plain_ = false;  // the frame's decoded text needs no escape
 };
 
 }  // namespace
 
-std::unique_ptr<TraceConsumer> MakeJsonConsumer(OutputWriter& out, LinkMemory& link,
+std::unique_ptr<TraceConsumer> MakeJsonConsumer(OutputWriter& out, LinkMemory& link, DetailLevel detail,
                                                 std::function<bool(OctetSpan, std::uint64_t)> select) {
-  return std::make_unique<JsonConsumer>(out, link, std::move(select));
+  return std::make_unique<JsonConsumer>(out, link, detail, std::move(select));
 }
 
 }  // namespace velmora

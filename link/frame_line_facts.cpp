@@ -1,7 +1,12 @@
 #include "frame_line_facts.h"
 
 #include <algorithm>
+#include <bit>
 #include <chrono>
+
+#if defined(__SSE2__)
+#include <emmintrin.h>
+#endif
 
 namespace velmora {
 namespace {
@@ -84,14 +89,37 @@ std::int64_t DaysSinceEpoch(int year, int month, int day) {
   return sys_days{date}.time_since_epoch().count();
 }
 
+// The next place at or after `from` and before `end` where something may
+// start: a digit (a date or a time) or an X (the end of a TX or an RX);
+// `end` when there is none. Sixteen characters of `text` at a time, those
+// from `end` on read but not taken: most of a line is neither.
+std::size_t NextMark(std::string_view text, std::size_t from, std::size_t end) {
+#if defined(__SSE2__)
+  for (; from < end && from + 16 <= text.size(); from += 16) {
+    const __m128i block = _mm_loadu_si128(reinterpret_cast<const __m128i*>(text.data() + from));
+    const __m128i digit =
+        _mm_and_si128(_mm_cmpgt_epi8(block, _mm_set1_epi8('0' - 1)), _mm_cmplt_epi8(block, _mm_set1_epi8('9' + 1)));
+    const __m128i x = _mm_cmpeq_epi8(_mm_or_si128(block, _mm_set1_epi8(0x20)), _mm_set1_epi8('x'));
+    const int mask = _mm_movemask_epi8(_mm_or_si128(digit, x));
+    if (mask != 0) return std::min(end, from + static_cast<std::size_t>(std::countr_zero(static_cast<unsigned>(mask))));
+  }
+#endif
+  while (from < end && !IsDigit(text[from]) && (text[from] | 0x20) != 'x') ++from;
+  return std::min(from, end);
+}
+
 }  // namespace
 
 FrameLineFacts ReadFrameLineFacts(std::string_view line) {
   const std::string_view head = line.substr(0, line.find("HDLC"));
   FrameLineFacts facts;
-  for (std::size_t at = 0; at < head.size(); ++at) {
-    if (facts.direction == FrameDirection::Unknown) facts.direction = DirectionAt(head, at);
-    if (!IsDigit(head[at])) continue;
+  // The marks are looked for in the whole line, which goes on behind the head.
+  for (std::size_t at = NextMark(line, 0, head.size()); at < head.size(); at = NextMark(line, at + 1, head.size())) {
+    if (!IsDigit(head[at])) {
+      // An X ends a TX or an RX that starts right before it.
+      if (facts.direction == FrameDirection::Unknown && at > 0) facts.direction = DirectionAt(head, at - 1);
+      continue;
+    }
     if (!facts.date) {
       if ((facts.date = DateAt(head, at))) {
         facts.dateText = head.substr(at, 10);
@@ -111,6 +139,27 @@ FrameLineFacts ReadFrameLineFacts(std::string_view line) {
     while (at + 1 < head.size() && IsDigit(head[at + 1])) ++at;
   }
   return facts;
+}
+
+void MomentText::Append(std::string_view part) {
+  const std::size_t room = sizeof text_ - size_;
+  const std::size_t taken = std::min(part.size(), room);
+  std::copy_n(part.data(), taken, text_ + size_);
+  size_ = static_cast<std::uint8_t>(size_ + taken);
+}
+
+void MomentText::Assign(const FrameLineFacts& facts) {
+  size_ = 0;
+  const std::string_view date = facts.dateText;
+  const std::string_view time = facts.timeText;
+  // Side by side ("2026-03-14 09:15:02.306", "2026-03-14T09:15:02"): as written.
+  if (!date.empty() && !time.empty() && time.data() == date.data() + date.size() + 1) {
+    Append({date.data(), date.size() + 1 + time.size()});
+    return;
+  }
+  Append(date);
+  if (!date.empty() && !time.empty()) Append(" ");
+  Append(time);
 }
 
 std::int64_t MicrosecondsOfDay(const LineTime& time) {

@@ -43,6 +43,23 @@ struct FrameLineFacts {
 // that only looks like a date or a time (month 13, 25:00:00) is none.
 FrameLineFacts ReadFrameLineFacts(std::string_view line);
 
+// A moment as the frame line writes it: the date and the time joined as
+// they stand on the line (by a blank when they stand apart), or the one
+// of them the line has. Kept to 31 characters: behind a date, only a
+// fraction of more than eleven digits is cut.
+class MomentText {
+ public:
+  void Assign(const FrameLineFacts& facts);
+  std::string_view View() const { return {text_, size_}; }
+  bool Empty() const { return size_ == 0; }
+
+ private:
+  void Append(std::string_view part);
+
+  char text_[31] = {};
+  std::uint8_t size_ = 0;
+};
+
 // Microseconds since 1970-01-01 00:00:00, the date and time taken as UTC.
 std::int64_t MicrosecondsSinceEpoch(const LineDate& date, const LineTime& time);
 

@@ -142,20 +142,16 @@ void PrintAddressAndControl(OutputWriter& out, OctetSpan frame) {
   out.Put(" (");
   out.Put(SideText(role, address.commandResponse));
   out.Put(")");
-  if ((control & 0x01) == 0) {
-    PutNumber(out, "N(S)", control >> 1);
-    if (frame.size() > 3) {
-      PutNumber(out, "N(R)", frame[3] >> 1);
-      PutNumber(out, "P", frame[3] & 1U);
-    }
-  } else if ((control & 0x02) == 0) {
-    if (frame.size() > 3) {
-      PutNumber(out, "N(R)", frame[3] >> 1);
-      PutNumber(out, "P/F", frame[3] & 1U);
-    }
-  } else {
-    PutNumber(out, role == FrameRole::Response ? "F" : "P", (control >> 4) & 1U);
-  }
+  const LapdControlNumbers numbers = ControlNumbersOf(frame);
+  if (numbers.sendSequence) PutNumber(out, "N(S)", *numbers.sendSequence);
+  if (numbers.receiveSequence) PutNumber(out, "N(R)", *numbers.receiveSequence);
+  // An I frame is always a command (P); an S frame either (P/F); a U frame's
+  // role tells which of the two the bit is.
+  const std::string_view pollFinal = (control & 0x01) == 0         ? "P"
+                                     : (control & 0x02) == 0       ? "P/F"
+                                     : role == FrameRole::Response ? "F"
+                                                                   : "P";
+  if (numbers.pollFinal) PutNumber(out, pollFinal, *numbers.pollFinal);
   out.Put('\n');
 }
 
@@ -170,33 +166,27 @@ constexpr ValueText kActionIndicators[] = {
     {127, "Any TEI value acceptable"},
 };
 
-bool IsTeiManagement(OctetSpan frame) {
-  return frame.size() >= 4 && AddressOf(frame[0], frame[1]).sapi == 63 && UnnumberedKind(frame[2]) == 0 &&
-         (frame[2] & 0x03) == 0x03 && frame[3] == 0x0F;
-}
-
 void DecodeTeiManagement(OutputWriter& out, OctetSpan frame) {
   out.Put("ISDN Layer 3: TEI management\n");
-  if (frame.size() < 8) {
+  const std::optional<TeiManagementMessage> message = ReadTeiManagement(frame);
+  if (!message) {
     out.Put("\tTruncated message\n");
     return;
   }
-  const unsigned type = frame[6];
   out.Put("\tMessage type=");
-  out.Bits(type, 8);
+  out.Bits(message->type, 8);
   out.Put("  ");
-  if (const ValueText* row = FindRow(kTeiManagementTypes, type)) out.Put(row->text);
+  out.Put(TeiManagementName(message->type));
   out.Put('\n');
-  PrintDecimalField(out, "Reference number Ri", static_cast<std::uint32_t>(frame[4] << 8 | frame[5]));
-  const unsigned action = frame[7] >> 1;
+  PrintDecimalField(out, "Reference number Ri", message->referenceNumber);
   PrintFieldName(out, "Action indicator Ai");
-  out.Bits(action, 7);
+  out.Bits(message->actionIndicator, 7);
   out.Put("  ");
-  if (const ValueText* meaning = FindRow(kActionIndicators, action)) {
+  if (const ValueText* meaning = FindRow(kActionIndicators, message->actionIndicator)) {
     out.Put(meaning->text);
   } else {
     out.Put("TEI ");
-    out.Decimal(action);
+    out.Decimal(message->actionIndicator);
   }
   out.Put('\n');
 }
@@ -273,6 +263,22 @@ OctetSpan DecodeLayer2(DecodeContext& context, OctetSpan frame) {
 }
 
 }  // namespace
+
+bool IsTeiManagement(OctetSpan frame) {
+  return frame.size() >= 4 && AddressOf(frame[0], frame[1]).sapi == 63 && UnnumberedKind(frame[2]) == 0 &&
+         (frame[2] & 0x03) == 0x03 && frame[3] == 0x0F;
+}
+
+std::optional<TeiManagementMessage> ReadTeiManagement(OctetSpan frame) {
+  if (!IsTeiManagement(frame) || frame.size() < 8) return std::nullopt;
+  return TeiManagementMessage{frame[6], static_cast<unsigned>(frame[4] << 8 | frame[5]),
+                              static_cast<unsigned>(frame[7] >> 1)};
+}
+
+std::string_view TeiManagementName(Octet type) {
+  const ValueText* row = FindRow(kTeiManagementTypes, type);
+  return row != nullptr ? row->text : std::string_view{};
+}
 
 void DecodeLapdFrame(DecodeContext& context, OctetSpan frame) {
   // One call of the message decoder for both levels, so that it stays

@@ -46,6 +46,44 @@ constexpr std::optional<Q931InFrame> FindQ931(OctetSpan frame) {
   return std::nullopt;
 }
 
+// The numbers of the control field, where the frame kind has them: N(S)
+// of an I frame, N(R) of an I or S frame (octet 4), the P/F bit (octet 4 of
+// an I or S frame, bit 5 of a U frame's control octet).
+struct LapdControlNumbers {
+  std::optional<unsigned> sendSequence;     // N(S)
+  std::optional<unsigned> receiveSequence;  // N(R)
+  std::optional<unsigned> pollFinal;        // P/F
+};
+constexpr LapdControlNumbers ControlNumbersOf(OctetSpan frame) {
+  LapdControlNumbers numbers;
+  if (frame.size() < 3) return numbers;
+  const Octet control = frame[2];
+  if ((control & 0x01) == 0) numbers.sendSequence = control >> 1;
+  if ((control & 0x03) != 0x03) {
+    if (frame.size() > 3) {
+      numbers.receiveSequence = frame[3] >> 1;
+      numbers.pollFinal = frame[3] & 1U;
+    }
+  } else {
+    numbers.pollFinal = (control >> 4) & 1U;
+  }
+  return numbers;
+}
+
+// A TEI management message (SAPI 63, UI, management entity 0x0F):
+// reference number Ri (octets 5-6), message type (octet 7), action
+// indicator Ai (octet 8, bits 8-2). Null for any other frame, and for one
+// too short to hold them.
+struct TeiManagementMessage {
+  Octet type;
+  unsigned referenceNumber;  // Ri
+  unsigned actionIndicator;  // Ai; 127: any TEI value acceptable
+};
+bool IsTeiManagement(OctetSpan frame);
+std::optional<TeiManagementMessage> ReadTeiManagement(OctetSpan frame);
+// "Identity request" and the other message types' names; empty for a type without one.
+std::string_view TeiManagementName(Octet type);
+
 // Prints the "ISDN Layer 2: " line, and for an information frame the
 // "ISDN Layer 3: " line and the Q.931 message. `frame` is octets 1 to N.
 // SABME and DISC change the context's link memory, UA reads it.

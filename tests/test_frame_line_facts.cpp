@@ -32,6 +32,11 @@ TEST(FrameLineFacts, DirectionDateAndTimeBeforeTheMarker) {
       {"2026-13-01 2026-00-10 12026-01-01 25:00:00 12:60:00 1:02:03 12:00:00:00 HDLC", FrameDirection::Unknown, "", ""},
       {"no marker at all 2026-03-14 08:00:00.1234567 RX", FrameDirection::Received, "2026-03-14", "08:00:00.1234567"},
       {"", FrameDirection::Unknown, "", ""},
+      // Sixteen characters are looked at together: a word across two such
+      // blocks counts, a character behind the marker in the same block not.
+      {"...............TX HDLC", FrameDirection::Sent, "", ""},
+      {"--------------RHDLCX 10:00:00", FrameDirection::Unknown, "", ""},
+      {"-------------2026-03-14 10:00:00.25HDLC", FrameDirection::Unknown, "2026-03-14", "10:00:00.25"},
   };
   for (const FactsCase& c : cases) {
     SCOPED_TRACE(c.line);

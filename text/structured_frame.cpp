@@ -17,21 +17,22 @@ std::string_view NextLine(std::string_view text, std::size_t& at) {
   return line;
 }
 
-bool AllBits(std::string_view text) { return text.find_first_not_of("01") == std::string_view::npos; }
-
 FieldPart PartsOf(std::string_view line) {
   FieldPart part;
   part.diagnostic = line.starts_with("\t\t\t");
-  line.remove_prefix(std::min(line.find_first_not_of('\t'), line.size()));
+  std::size_t tabs = 0;
+  while (tabs < line.size() && line[tabs] == '\t') ++tabs;
+  line.remove_prefix(tabs);
   part.text = line;
   const std::size_t equals = line.find('=');
   if (equals == std::string_view::npos) return part;
   part.name = line.substr(0, equals);
-  const std::string_view value = line.substr(equals + 1);
-  const std::size_t gap = value.find("  ");
-  if (gap != std::string_view::npos && gap > 0 && AllBits(value.substr(0, gap))) {
-    part.bits = value.substr(0, gap);
-    part.meaning = value.substr(gap + 2);
+  // "=bits  meaning": a run of 0 and 1 right behind the "=", then two blanks.
+  std::size_t end = equals + 1;
+  while (end < line.size() && (line[end] == '0' || line[end] == '1')) ++end;
+  if (end > equals + 1 && end + 1 < line.size() + 1 && line.substr(end).starts_with("  ")) {
+    part.bits = line.substr(equals + 1, end - equals - 1);
+    part.meaning = line.substr(end + 2);
     part.coded = true;
   }
   return part;

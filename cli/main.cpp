@@ -127,7 +127,9 @@ constexpr std::string_view kUsageHead =
 constexpr std::string_view kUsageTail =
     "  --detail LEVEL  description (the default): the message file as\n"
     "           described; full: also each frame's address and control\n"
-    "           fields, TEI management, Q.931 in UI frames, the call reference\n"
+    "           fields, TEI management, Q.931 in UI frames, the call\n"
+    "           reference, Q.932 messages and Facility, codesets, numbers as\n"
+    "           text\n"
     "  --call N, --tei N, --message NAME, --cause N\n"
     "           keep the frames (message, json, pcap) or the calls (calls,\n"
     "           report) of call reference N, TEI N, a message type (as the\n"

@@ -2,6 +2,7 @@
 // value; the diagnostic octets go to the coding the cause value selects.
 #include "cause.h"
 
+#include <algorithm>
 #include <array>
 #include <optional>
 
@@ -235,9 +236,38 @@ std::optional<CauseReading> ReadCause(const ElementOctets& element) {
   return reading;
 }
 
+void PrintCauseNumber(OutputWriter& out, const ElementOctets& element) {
+  const std::optional<CauseReading> cause = ReadCause(element);
+  if (!cause || !cause->value) return;
+  PrintFieldName(out, "Cause number");
+  out.Put('#');
+  out.Decimal(*cause->value);
+  if (const std::string_view meaning = CauseValueMeaning(*cause->value); !meaning.empty()) {
+    out.Put("  ");
+    out.Put(meaning);
+  }
+  out.Put('\n');
+  // Recovery on timer expiry: the diagnostic is the timer's number, three IA5 digits.
+  constexpr unsigned kRecoveryOnTimerExpiry = 102;
+  if (*cause->value != kRecoveryOnTimerExpiry) return;
+  const OctetSpan timer = element.Slice(CauseValuePosition(*element.At(2)) + 1);
+  const auto digit = [](Octet octet) { return (octet & 0x7F) >= '0' && (octet & 0x7F) <= '9'; };
+  if (timer.size() != 3 || !std::all_of(timer.begin(), timer.end(), digit)) return;
+  PrintFieldName(out, "Timer");
+  out.Put('T');
+  for (const Octet octet : timer) out.Put(static_cast<char>(octet & 0x7F));
+  out.Put('\n');
+}
+
+// The meanings of the cause value table by value, for a look-up per cause.
+constexpr std::array<std::string_view, 128> kCauseMeaningsByValue = [] {
+  std::array<std::string_view, 128> meanings{};
+  for (const ValueText& row : kCauseValues) meanings[row.value] = row.text;
+  return meanings;
+}();
+
 std::string_view CauseValueMeaning(unsigned value) {
-  const ValueText* row = FindRow(kCauseValues, value);
-  return row != nullptr ? row->text : std::string_view();
+  return value < kCauseMeaningsByValue.size() ? kCauseMeaningsByValue[value] : std::string_view();
 }
 
 }  // namespace velmora

@@ -107,6 +107,29 @@ inline constexpr ElementEntry kElementRegistry[] = {
     {0xD0, "Repeat indicator", DecodeRepeatIndicator, ElementForm::SingleOctet},
 };
 
+// ---- The detail level (--detail full): elements beyond the described
+// ones, and lines that add a readable form of what an element's lines show.
+
+void DecodeFacility(OutputWriter& out, const ElementOctets& element);
+void DecodeConnectedNumber(OutputWriter& out, const ElementOctets& element);
+void DecodeConnectedSubaddress(OutputWriter& out, const ElementOctets& element);
+// Shift (1001 xnnn): locking or non-locking, and the codeset it shifts to.
+void DecodeShift(OutputWriter& out, const ElementOctets& element);
+
+inline constexpr ElementEntry kDetailElementRegistry[] = {
+    {0x1C, "Facility", DecodeFacility, ElementForm::VariableLength},
+    {0x4C, "Connected number", DecodeConnectedNumber, ElementForm::VariableLength},
+    {0x4D, "Connected subaddress", DecodeConnectedSubaddress, ElementForm::VariableLength},
+    {0x90, "Shift", DecodeShift, ElementForm::SingleOctet},
+};
+
+// The digits of a party number as text (Calling, Called party number,
+// Redirecting number, Connected number): "\t\tNumber as text=0891234567".
+void PrintNumberText(OutputWriter& out, const ElementOctets& element);
+// The cause value in decimal ("\t\tCause number=#17"), and for a timer
+// expiry (cause 102) the timer its diagnostic names ("\t\tTimer=T303").
+void PrintCauseNumber(OutputWriter& out, const ElementOctets& element);
+
 // The entry for an identifier octet, or null when no element has it. A type 1
 // single octet (bit 8 = 1, bits 7-5 other than 010) is found by bits 8-5.
 constexpr const ElementEntry* FindElement(Octet identifier) {
@@ -125,7 +148,18 @@ std::size_t OccupiedOctets(const ElementEntry* entry, const ElementOctets& eleme
 // dump; behind kElementPrefix when `prefix` is ElementPrefix::Printed, as a
 // walk shows the element. Returns the octets the element occupies.
 enum class ElementPrefix { Left, Printed };
-std::size_t DecodeElement(OutputWriter& out, const ElementEntry* entry, const ElementOctets& element,
-                          ElementPrefix prefix = ElementPrefix::Left);
+// Inlined into both walks: the message decode's hot path goes through it.
+VELMORA_HOT_PATH std::size_t DecodeElement(OutputWriter& out, const ElementEntry* entry, const ElementOctets& element,
+                                           ElementPrefix prefix = ElementPrefix::Left) {
+  const std::size_t skipped = prefix == ElementPrefix::Printed ? 0 : kElementPrefix.size();
+  if (entry == nullptr) {
+    out.Put(kElementPrefix.substr(skipped));
+    DecodeUnknownElement(out, element);
+  } else {
+    out.PutPadded(entry->heading.Padded().DropFront(skipped));
+    entry->decode(out, element);
+  }
+  return OccupiedOctets(entry, element);
+}
 
 }  // namespace velmora

@@ -90,6 +90,8 @@ struct NumberLayout {
 constexpr NumberLayout kCallingPartyNumber{true, false, "Number digits (IA5)", false};
 constexpr NumberLayout kCalledPartyNumber{false, false, "Number digits (IA5)", true};
 constexpr NumberLayout kRedirectingNumber{true, true, "Number digits(IA5)", true};
+// Shown at the detail level only: octet 3a as the calling party number has it.
+constexpr NumberLayout kConnectedNumber{true, false, "Number digits (IA5)", false};
 
 // Where the digits begin: behind octet 3, and behind octets 3a and 3b when
 // the layout reads them and extension bits announce them. Octets 3a and 3b
@@ -151,9 +153,21 @@ OctetSpan PartyNumberDigits(const ElementOctets& element) {
       return element.Slice(DigitsPosition(element, kCalledPartyNumber));
     case 0x74:
       return element.Slice(DigitsPosition(element, kRedirectingNumber));
+    case 0x4C:
+      return element.Slice(DigitsPosition(element, kConnectedNumber));
     default:
       return {};
   }
+}
+
+void DecodeConnectedNumber(OutputWriter& out, const ElementOctets& element) {
+  DecodeNumber(out, element, kConnectedNumber);
+}
+
+void DecodeConnectedSubaddress(OutputWriter& out, const ElementOctets& element) { DecodeSubaddress(out, element); }
+
+void PrintNumberText(OutputWriter& out, const ElementOctets& element) {
+  if (element.At(2)) PrintIa5Text(out, "Number as text", PartyNumberDigits(element));
 }
 
 void DecodeCallingPartySubaddress(OutputWriter& out, const ElementOctets& element) { DecodeSubaddress(out, element); }

@@ -1,10 +1,12 @@
-// Every element of the registry, and the unknown-element dump, on arbitrary
-// octets standing at the very end of a frame held in a heap block of exactly
-// their size: a read past the frame's last octet is a read past the block.
+// Every element of both registries (the described one and the detail
+// level's), and the unknown-element dump, on arbitrary octets standing at
+// the very end of a frame held in a heap block of exactly their size: a
+// read past the frame's last octet is a read past the block.
 //
-// Input: byte 0 picks the element by its index in the registry (modulo the
-// registry's size plus one; the last index is the unknown-element dump), the
-// rest are the octets from the identifier to the frame's end.
+// Input: byte 0 picks the element by its index (modulo the registries'
+// sizes plus one: the described registry first, then the detail level's;
+// the last index is the unknown-element dump), the rest are the octets
+// from the identifier to the frame's end.
 #include <algorithm>
 #include <cstddef>
 #include <cstdint>
@@ -26,7 +28,7 @@ using velmora::fuzz::Require;
 // fixed positions announce them whatever the length says: the party numbers'
 // octets 3a and 3b, Date/time, the packet-mode rates and delays. For every
 // other element what follows it in the frame cannot change what it prints.
-constexpr Octet kReadsBehindItsEnd[] = {0x29, 0x40, 0x42, 0x43, 0x6C, 0x70, 0x74};
+constexpr Octet kReadsBehindItsEnd[] = {0x29, 0x40, 0x42, 0x43, 0x4C, 0x6C, 0x70, 0x74};
 
 bool ReadsBehindItsEnd(const ElementEntry* entry) {
   return entry != nullptr && std::ranges::find(kReadsBehindItsEnd, entry->identifier) != std::end(kReadsBehindItsEnd);
@@ -36,9 +38,12 @@ bool ReadsBehindItsEnd(const ElementEntry* entry) {
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
   if (size < 2) return 0;  // the element index and at least the identifier
-  constexpr std::size_t kChoices = std::size(velmora::kElementRegistry) + 1;
+  constexpr std::size_t kDescribed = std::size(velmora::kElementRegistry);
+  constexpr std::size_t kChoices = kDescribed + std::size(velmora::kDetailElementRegistry) + 1;
   const std::size_t index = data[0] % kChoices;
-  const ElementEntry* entry = index < kChoices - 1 ? &velmora::kElementRegistry[index] : nullptr;
+  const ElementEntry* entry = index < kDescribed     ? &velmora::kElementRegistry[index]
+                              : index < kChoices - 1 ? &velmora::kDetailElementRegistry[index - kDescribed]
+                                                     : nullptr;
   const Octet* octets = data + 1;
   const std::size_t octetCount = size - 1;
 

@@ -1,5 +1,5 @@
 // Random traces to --to json and to the message file, from one run each,
-// and to the message file at --detail full.
+// at the default level and at --detail full.
 //
 // Invariants: every line of the JSON is one JSON value, an object; there is
 // one line a frame line; and every field's "text", read back, stands in the
@@ -77,26 +77,53 @@ class JsonReader : public velmora::fuzz::JsonCursor {
   std::vector<Text> texts_;
 };
 
+// Every line of `json` is one object, one a frame line of `trace`, and each
+// field's text stands in `message` as a whole line.
+void CheckJson(std::string_view trace, const std::string& json, const std::string& message) {
+  std::size_t frameLines = 0;
+  for (const std::string_view piece : velmora::fuzz::SplitPieces(trace)) frameLines += velmora::IsFrameLine(piece);
+  std::size_t objects = 0;
+  for (std::size_t start = 0; start < json.size();) {
+    const std::size_t end = json.find('\n', start);
+    Require(end != std::string::npos, "every JSON line ends with a line end");
+    const std::string_view line(json.data() + start, end - start);
+    JsonReader reader(line);
+    Require(reader.Document() && line.starts_with('{'), "every JSON line is one object",
+            [&] { return Printable(line); });
+    for (const JsonReader::Text& text : reader.Texts()) {
+      const std::string wanted = (text.diagnostic ? "\n\t\t\t" : "\n\t\t") + text.value + "\n";
+      Require(message.find(wanted) != std::string::npos, "a field's text is a line of the message file",
+              [&] { return Printable(wanted); });
+    }
+    ++objects;
+    start = end + 1;
+  }
+  Require(objects == frameLines, "one JSON object a frame line");
+}
+
+std::string JsonOf(std::string_view trace, velmora::DetailLevel detail) {
+  std::string json;
+  velmora::StringSink sink(json);
+  velmora::LinkMemory link;
+  velmora::TranslationOptions options;
+  options.makeConsumer = [detail](velmora::OutputWriter& out, velmora::LinkMemory& memory) {
+    return velmora::MakeJsonConsumer(out, memory, detail);
+  };
+  velmora::TranslateTraceText(trace, sink, link, options);
+  return json;
+}
+
 }  // namespace
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
   const std::string_view trace(reinterpret_cast<const char*>(data), size);
   std::string message;
-  std::string json;
   {
     velmora::StringSink sink(message);
     velmora::LinkMemory link;
     velmora::TranslateTraceText(trace, sink, link);
   }
-  {
-    velmora::StringSink sink(json);
-    velmora::LinkMemory link;
-    velmora::TranslationOptions options;
-    options.makeConsumer = [](velmora::OutputWriter& out, velmora::LinkMemory& memory) {
-      return velmora::MakeJsonConsumer(out, memory, velmora::DetailLevel::Description);
-    };
-    velmora::TranslateTraceText(trace, sink, link, options);
-  }
+  CheckJson(trace, JsonOf(trace, velmora::DetailLevel::Description), message);
   {
     std::string detailed;
     velmora::StringSink sink(detailed);
@@ -122,25 +149,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
       expected += part;
     }
     Require(detailed == expected, "at full detail the run writes the pieces' outputs in order");
+    CheckJson(trace, JsonOf(trace, velmora::DetailLevel::Full), detailed);
   }
-  std::size_t frameLines = 0;
-  for (const std::string_view piece : velmora::fuzz::SplitPieces(trace)) frameLines += velmora::IsFrameLine(piece);
-  std::size_t objects = 0;
-  for (std::size_t start = 0; start < json.size();) {
-    const std::size_t end = json.find('\n', start);
-    Require(end != std::string::npos, "every JSON line ends with a line end");
-    const std::string_view line(json.data() + start, end - start);
-    JsonReader reader(line);
-    Require(reader.Document() && line.starts_with('{'), "every JSON line is one object",
-            [&] { return Printable(line); });
-    for (const JsonReader::Text& text : reader.Texts()) {
-      const std::string wanted = (text.diagnostic ? "\n\t\t\t" : "\n\t\t") + text.value + "\n";
-      Require(message.find(wanted) != std::string::npos, "a field's text is a line of the message file",
-              [&] { return Printable(wanted); });
-    }
-    ++objects;
-    start = end + 1;
-  }
-  Require(objects == frameLines, "one JSON object a frame line");
   return 0;
 }

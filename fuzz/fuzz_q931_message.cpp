@@ -3,7 +3,9 @@
 // size. The message text must be the header line and, element by element,
 // the prefix and what the chosen decoder prints on its own, each element
 // starting where the previous one's count ends: so the walk advances by the
-// decoders' counts, visits at most one element per octet and returns.
+// decoders' counts, visits at most one element per octet and returns. At
+// --detail full (Q.932 messages, Facility, shifts and codesets), the lines
+// are whole and every one behind the first is indented.
 #include <cstddef>
 #include <cstdint>
 #include <string>
@@ -56,5 +58,14 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
                                 "\nprinted:  " + Printable(std::string_view(text).substr(at, 200)) +
                                 "\nexpected: " + Printable(std::string_view(expected).substr(at, 200)));
   }
+
+  const std::string detailed = velmora::fuzz::Capture([&](velmora::OutputWriter& out) {
+    velmora::DecodeQ931Message(out, velmora::OctetSpan(message.get(), size), true);
+  });
+  Require(detailed.starts_with("Message type:") && detailed.back() == '\n', "at full detail the lines are whole",
+          [&] { return Printable(detailed); });
+  for (std::size_t at = detailed.find('\n') + 1; at < detailed.size(); at = detailed.find('\n', at) + 1)
+    Require(detailed[at] == '\t', "at full detail every line behind the first is indented",
+            [&] { return Printable(detailed); });
   return 0;
 }

@@ -108,7 +108,7 @@ void OutputWriter::HexSlow(std::uint32_t value) {
   used_ = static_cast<std::size_t>(out - buffer_.get());
 }
 
-void OutputWriter::Decimal(std::int64_t value) {
+void OutputWriter::DecimalSlow(std::int64_t value) {
   Reserve(20);  // a sign and 19 digits
   char* at = buffer_.get() + used_;
   used_ += static_cast<std::size_t>(std::to_chars(at, at + 20, value).ptr - at);

@@ -83,6 +83,22 @@ inline constexpr std::array<std::array<char, 8>, 256> kOctetBits = [] {
   return table;
 }();
 
+// The decimal digits of 0 to 999, in a slot of four copied whole.
+struct SmallDecimal {
+  std::array<char, 4> digits{};
+  std::uint8_t size = 0;
+};
+inline constexpr std::array<SmallDecimal, 1000> kSmallDecimals = [] {
+  std::array<SmallDecimal, 1000> table{};
+  for (unsigned value = 0; value < 1000; ++value) {
+    SmallDecimal& text = table[value];
+    if (value >= 100) text.digits[text.size++] = static_cast<char>('0' + value / 100);
+    if (value >= 10) text.digits[text.size++] = static_cast<char>('0' + value / 10 % 10);
+    text.digits[text.size++] = static_cast<char>('0' + value % 10);
+  }
+  return table;
+}();
+
 }  // namespace writer_tables
 
 // Whether the sink's writes wait for the decoding (Inline) or run on a
@@ -198,8 +214,17 @@ class OutputWriter {
       HexSlow(value);
     }
   }
-  // "%d".
-  void Decimal(std::int64_t value);
+  // "%d". Values below 1000, most of what a trace counts, take a table.
+  VELMORA_HOT_PATH void Decimal(std::int64_t value) {
+    if (static_cast<std::uint64_t>(value) < 1000) {
+      const writer_tables::SmallDecimal& text = writer_tables::kSmallDecimals[static_cast<std::size_t>(value)];
+      Reserve(4);
+      std::memcpy(buffer_.get() + used_, text.digits.data(), 4);
+      used_ += text.size;
+      return;
+    }
+    DecimalSlow(value);
+  }
   // The low `width` bits of value as 0 and 1 digits, most significant first.
   void Bits(std::uint32_t value, unsigned width) {
     if (width > 8) return BitsSlow(value, width);
@@ -260,6 +285,7 @@ class OutputWriter {
   void WaitForWriteBehind();
   void PutSlow(std::string_view text);
   void HexSlow(std::uint32_t value);
+  void DecimalSlow(std::int64_t value);
   void BitsSlow(std::uint32_t value, unsigned width);
 
   ByteSink& sink_;

@@ -24,9 +24,6 @@ constexpr std::array<std::array<char, 2>, 256> kOctetDigits = [] {
   return digits;
 }();
 
-// Room for the most a number member can take: its key, a comma and 20 digits.
-constexpr std::size_t kNumberRoom = 24;
-
 // JSON put together in room claimed beforehand, so that a whole member or
 // object costs one check of the writer's room instead of one a piece. The
 // strings given are their JSON bodies, escaped where they need it.
@@ -184,12 +181,24 @@ class JsonConsumer final : public TraceConsumer {
     room.Put('}');
   }
 
+  // The message type's name as the message file prints it; null for a type
+  // without one (at the detail level, its line shows the octet instead).
+  std::optional<std::string_view> NameOf(const std::optional<Q931Header>& header) const {
+    if (!header) {
+      return frame_.hasMessageType && !frame_.messageName.empty() ? std::optional(frame_.messageName) : std::nullopt;
+    }
+    const MessageWalk* walk = FindMessageWalk(header->messageType);
+    const std::string_view name = detail_ == DetailLevel::Full ? DetailMessageName(header->messageType)
+                                  : walk != nullptr            ? walk->name
+                                                               : std::string_view{};
+    return name.empty() ? std::nullopt : std::optional(name);
+  }
+
   void WriteMessage(OctetSpan message) {
     const std::optional<Q931Header> header = ReadQ931Header(message);
     const OctetSpan reference = header ? header->callReference : OctetSpan{};
     const std::optional<std::uint64_t> value = CallReferenceValue(reference);
-    const std::optional<std::string_view> name = OptionalBody(
-        frame_.hasMessageType && !frame_.messageName.empty() ? std::optional(frame_.messageName) : std::nullopt, 0);
+    const std::optional<std::string_view> name = OptionalBody(NameOf(header), 0);
     Emit(200 + (name ? name->size() : 0), [&](Room& room) {
       room.Put(R"({"protocol_discriminator":)");
       room.Number(message[0]);

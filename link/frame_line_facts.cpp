@@ -152,8 +152,12 @@ void MomentText::Assign(const FrameLineFacts& facts) {
   size_ = 0;
   const std::string_view date = facts.dateText;
   const std::string_view time = facts.timeText;
-  // Side by side ("2026-03-14 09:15:02.306", "2026-03-14T09:15:02"): as written.
-  if (!date.empty() && !time.empty() && time.data() == date.data() + date.size() + 1) {
+  // Side by side ("2026-03-14 09:15:02.306", "2026-03-14T09:15:02"): as
+  // written. Any other character between them (a tab, a control character)
+  // becomes a blank, so that the moment is digits, "-", ":", ".", "T" and
+  // blanks alone, safe in every output.
+  if (!date.empty() && !time.empty() && time.data() == date.data() + date.size() + 1 &&
+      (date.data()[date.size()] == ' ' || date.data()[date.size()] == 'T')) {
     Append({date.data(), date.size() + 1 + time.size()});
     return;
   }

@@ -44,8 +44,8 @@ struct FrameLineFacts {
 FrameLineFacts ReadFrameLineFacts(std::string_view line);
 
 // A moment as the frame line writes it: the date and the time joined as
-// they stand on the line (by a blank when they stand apart), or the one
-// of them the line has. Kept to 31 characters: behind a date, only a
+// they stand on the line by a blank or a T (by a blank when anything else
+// or more stands between them), or the one of them the line has. Kept to 31 characters: behind a date, only a
 // fraction of more than eleven digits is cut.
 class MomentText {
  public:

@@ -116,10 +116,9 @@ std::string_view SideText(FrameRole role, bool commandResponse) {
                          : "command from the user side or response from the network side";
 }
 
-void PutNumber(OutputWriter& out, std::string_view name, unsigned value) {
-  out.Put("  ");
-  out.Put(name);
-  out.Put("=");
+// "  <name>=<value>", the name given with its blanks and "=".
+VELMORA_HOT_PATH void PutNumber(OutputWriter& out, std::string_view blanksNameEquals, unsigned value) {
+  out.Put(blanksNameEquals);
   out.Decimal(value);
 }
 
@@ -134,23 +133,23 @@ void PrintAddressAndControl(OutputWriter& out, OctetSpan frame) {
     out.Put(name->text);
     out.Put(")");
   }
-  PutNumber(out, "TEI", address.tei);
+  PutNumber(out, "  TEI=", address.tei);
   if (address.tei == kBroadcastTei) out.Put(" (broadcast)");
   const Octet control = frame[2];
   const FrameRole role = RoleOf(control);
-  PutNumber(out, "C/R", address.commandResponse ? 1 : 0);
+  PutNumber(out, "  C/R=", address.commandResponse ? 1 : 0);
   out.Put(" (");
   out.Put(SideText(role, address.commandResponse));
   out.Put(")");
   const LapdControlNumbers numbers = ControlNumbersOf(frame);
-  if (numbers.sendSequence) PutNumber(out, "N(S)", *numbers.sendSequence);
-  if (numbers.receiveSequence) PutNumber(out, "N(R)", *numbers.receiveSequence);
+  if (numbers.sendSequence) PutNumber(out, "  N(S)=", *numbers.sendSequence);
+  if (numbers.receiveSequence) PutNumber(out, "  N(R)=", *numbers.receiveSequence);
   // An I frame is always a command (P); an S frame either (P/F); a U frame's
   // role tells which of the two the bit is.
-  const std::string_view pollFinal = (control & 0x01) == 0         ? "P"
-                                     : (control & 0x02) == 0       ? "P/F"
-                                     : role == FrameRole::Response ? "F"
-                                                                   : "P";
+  const std::string_view pollFinal = (control & 0x01) == 0         ? "  P="
+                                     : (control & 0x02) == 0       ? "  P/F="
+                                     : role == FrameRole::Response ? "  F="
+                                                                   : "  P=";
   if (numbers.pollFinal) PutNumber(out, pollFinal, *numbers.pollFinal);
   out.Put('\n');
 }

@@ -11,38 +11,6 @@ std::optional<Q931Header> ReadQ931Header(OctetSpan message) {
   return Q931Header{message.subspan(2, typePosition - 2), message[typePosition], message.subspan(typePosition)};
 }
 
-namespace {
-
-constexpr ValueText kCallReferenceFlag[] = {
-    {0, "from the originating side"},
-    {1, "to the originating side"},
-};
-
-// "\tCall reference=<value>  length <n>, flag <f>  <meaning>".
-void PrintCallReference(OutputWriter& out, OctetSpan reference) {
-  out.Put("\tCall reference");
-  if (reference.empty()) {
-    out.Put(": dummy (length 0)\n");
-    return;
-  }
-  out.Put("=");
-  if (const std::optional<std::uint64_t> value = CallReferenceValue(reference)) {
-    out.Decimal(static_cast<std::int64_t>(*value));
-  } else {
-    for (const Octet octet : reference) out.SpaceHex(octet);
-  }
-  out.Put("  length ");
-  out.Decimal(static_cast<std::int64_t>(reference.size()));
-  const unsigned flag = CallReferenceFlag(reference);
-  out.Put(", flag=");
-  out.Bits(flag, 1);
-  out.Put("  ");
-  if (const ValueText* row = FindRow(kCallReferenceFlag, flag)) out.Put(row->text);
-  out.Put('\n');
-}
-
-}  // namespace
-
 void DecodeQ931Message(OutputWriter& out, OctetSpan message, bool detailed) {
   const std::optional<Q931Header> header = ReadQ931Header(message);
   if (!header) {
@@ -50,21 +18,15 @@ void DecodeQ931Message(OutputWriter& out, OctetSpan message, bool detailed) {
     out.Put("Truncated message\n");
     return;
   }
+  if (detailed) return DecodeQ931InDetail(out, *header);
   // An unknown type prints nothing more, not even a line end: the copy of
   // the next input line continues the open "Message type:" line.
   const MessageWalk* walk = FindMessageWalk(header->messageType);
   if (walk == nullptr) {
     out.Put(kMessageTypePrefix);
-    if (detailed) {
-      out.Put("message type");
-      out.SpaceHex(header->messageType);
-      out.Put(" (no name)\n");
-      PrintCallReference(out, header->callReference);
-    }
     return;
   }
   out.PutPadded(walk->typeLine.Padded());
-  if (detailed) PrintCallReference(out, header->callReference);
   WalkElements(out, *walk, header->fromMessageType);
 }
 

@@ -47,11 +47,19 @@ inline constexpr std::string_view kMessageTypePrefix = "Message type:";
 
 // Prints "Message type:" and the type's name, then walks the elements.
 // `message` starts at the protocol discriminator and ends with the frame.
-// `detailed` (--detail full) adds more of what the octets hold: the call
-// reference's value, length and flag on a line behind "Message type:", and
-// a whole line for a message type without a name (its elements are not
-// walked).
+// `detailed` (--detail full) decodes the message by DecodeQ931InDetail.
 void DecodeQ931Message(OutputWriter& out, OctetSpan message, bool detailed = false);
+
+// The detail level (--detail full): "Message type:" and the type's name,
+// Q.932 names included (a type without one gets a line with its octet),
+// the call reference's value, length and flag on a line of its own, then
+// every element: Facility where Q.932 allows it, the connected number and
+// subaddress in CONNECT, every element a message without a name carries,
+// shifts, elements of codesets 4 to 7 as their octets, and behind numbers
+// and causes their readable form.
+void DecodeQ931InDetail(OutputWriter& out, const Q931Header& header);
+// The name of a message type at the detail level; empty for a type without one.
+std::string_view DetailMessageName(Octet type);
 
 // One accepted element of a walk: the identifier octet matches when
 // (octet & mask) == value. Whole-octet matches use the mask 0xFF.

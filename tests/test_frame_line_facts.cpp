@@ -3,6 +3,7 @@
 
 #include <cstdint>
 #include <string>
+#include <utility>
 
 #include "frame_line_facts.h"
 
@@ -46,6 +47,29 @@ TEST(FrameLineFacts, DirectionDateAndTimeBeforeTheMarker) {
     EXPECT_EQ(facts.timeText, c.time);
     EXPECT_EQ(facts.date.has_value(), !c.date.empty());
     EXPECT_EQ(facts.time.has_value(), !c.time.empty());
+  }
+}
+
+// The moment as text joins the date and the time as written only by a
+// blank or a T; anything else between them (found by the JSON fuzz
+// target: a control character) becomes a blank.
+TEST(FrameLineFacts, MomentTextJoinsDateAndTime) {
+  const std::pair<std::string, std::string> cases[] = {
+      {"2026-03-14 09:15:02.306 **** HDLC", "2026-03-14 09:15:02.306"},
+      {"2026-03-14T09:15:02 **** HDLC", "2026-03-14T09:15:02"},
+      {"2026-03-14\x05"
+       "09:15:02 **** HDLC",
+       "2026-03-14 09:15:02"},
+      {"2026-03-14\t09:15:02 **** HDLC", "2026-03-14 09:15:02"},
+      {"2026-03-14 TX 09:15:02 **** HDLC", "2026-03-14 09:15:02"},
+      {"09:15:02 only **** HDLC", "09:15:02"},
+      {"2026-03-14 only **** HDLC", "2026-03-14"},
+      {"neither **** HDLC", ""},
+  };
+  for (const auto& [line, moment] : cases) {
+    MomentText text;
+    text.Assign(ReadFrameLineFacts(line));
+    EXPECT_EQ(text.View(), moment) << line;
   }
 }
 

@@ -52,4 +52,19 @@ void PrintIa5String(OutputWriter& out, std::string_view name, std::span<const st
   out.Put('\n');
 }
 
+void PrintIa5Text(OutputWriter& out, std::string_view name, std::span<const std::uint8_t> octets, Indent indent) {
+  PrintFieldName(out, name, indent);
+  for (const std::uint8_t octet : octets) {
+    const unsigned character = octet & 0x7FU;
+    if (character >= 0x20 && character < 0x7F) {
+      out.Put(static_cast<char>(character));
+    } else {
+      out.Put('<');
+      out.Hex(character);
+      out.Put('>');
+    }
+  }
+  out.Put('\n');
+}
+
 }  // namespace velmora

@@ -249,4 +249,10 @@ void PrintOctetString(OutputWriter& out, std::string_view name, std::span<const 
 void PrintIa5String(OutputWriter& out, std::string_view name, std::span<const std::uint8_t> octets,
                     Indent indent = Indent::Field);
 
+// "<indent><name>=" then bits 7-1 of each octet as an IA5 character where
+// it is printable (0x20 to 0x7E), as "<0x%x>" where not, then "\n": the
+// readable form beside PrintIa5String's codes.
+void PrintIa5Text(OutputWriter& out, std::string_view name, std::span<const std::uint8_t> octets,
+                  Indent indent = Indent::Field);
+
 }  // namespace velmora

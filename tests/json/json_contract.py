@@ -3,10 +3,11 @@
 
     json_contract.py VELMORA TRACE...
 
-For the traces named and for a trace of random frames: every line is one
-JSON object with the keys in their order, one a frame line; and frame by
-frame, the layer-2 kind, the message name, each element's heading and
-each field's text are exactly the message file's lines for that frame.
+For the traces named and for a trace of random frames, at both detail
+levels: every line is one JSON object with the keys in their order, one a
+frame line; and frame by frame, the layer-2 kind, the message name, each
+element's heading and each field's text are exactly the message file's
+lines for that frame at the same level.
 """
 import json
 import random
@@ -14,13 +15,16 @@ import subprocess
 import sys
 
 TOP_KEYS = ['line', 'time', 'direction', 'octets', 'layer2', 'message']
+FULL_TOP_KEYS = ['line', 'time', 'direction', 'octets', 'layer2', 'tei_management', 'message']
+FULL_LAYER2_KEYS = ['kind', 'sapi', 'cr', 'tei', 'ns', 'nr', 'pf']
 MESSAGE_KEYS = ['protocol_discriminator', 'call_ref', 'call_ref_flag', 'call_ref_length', 'type', 'name', 'elements']
 ELEMENT_KEYS = ['id', 'codeset', 'name', 'octets', 'fields']
 FIELD_KEYS = ['name', 'bits', 'meaning', 'text']
 
 
-def run(velmora, kind, trace):
-    done = subprocess.run([velmora, '-q', '--to', kind, trace, '-'], stdout=subprocess.PIPE, stderr=subprocess.PIPE)
+def run(velmora, kind, trace, detail):
+    done = subprocess.run([velmora, '-q', '--detail', detail, '--to', kind, trace, '-'], stdout=subprocess.PIPE,
+                          stderr=subprocess.PIPE)
     if done.returncode not in (0, 1):
         raise SystemExit(f'{velmora} --to {kind} {trace}: exit {done.returncode}: {done.stderr.decode()}')
     return done.stdout
@@ -32,10 +36,11 @@ def keys_in_order(pairs, wanted, where):
         raise AssertionError(f'{where}: keys {keys}, wanted {wanted}')
 
 
-def check_object(frame, where):
-    keys_in_order(frame, TOP_KEYS, where)
+def check_object(frame, where, detail):
+    full = detail == 'full'
+    keys_in_order(frame, FULL_TOP_KEYS if full else TOP_KEYS, where)
     frame = dict(frame)
-    keys_in_order(frame['layer2'], ['kind'], where)
+    keys_in_order(frame['layer2'], FULL_LAYER2_KEYS if full else ['kind'], where)
     if frame['message'] is not None:
         keys_in_order(frame['message'], MESSAGE_KEYS, where)
         message = dict(frame['message'])
@@ -81,19 +86,19 @@ def decoded_segments(trace_bytes, message_bytes, frame_lines):
     return segments
 
 
-def check_trace(velmora, trace):
+def check_trace(velmora, trace, detail):
     with open(trace, 'rb') as f:
         trace_bytes = f.read()
-    message_bytes = run(velmora, 'message', trace)
+    message_bytes = run(velmora, 'message', trace, detail)
     frames = []
-    for number, text in enumerate(run(velmora, 'json', trace).decode('utf-8').splitlines(), 1):
+    for number, text in enumerate(run(velmora, 'json', trace, detail).decode('utf-8').splitlines(), 1):
         pairs = json.loads(text, object_pairs_hook=lambda pairs: pairs)
-        check_object(pairs, f'{trace}: JSON line {number}')
+        check_object(pairs, f'{trace} at {detail}: JSON line {number}', detail)
         frames.append(to_dicts(pairs))
     segments = decoded_segments(trace_bytes, message_bytes, {frame['line'] for frame in frames})
     fields = 0
     for frame in frames:
-        where = f'{trace}: frame line {frame["line"]}'
+        where = f'{trace} at {detail}: frame line {frame["line"]}'
         wanted = []
         segment = segments[frame['line']]
         expected = 'ISDN Layer 2: ' + frame['layer2']['kind']
@@ -109,7 +114,14 @@ def check_trace(velmora, trace):
                 fields += 1
                 if field['bits'] is not None:
                     assert field['text'] == f'{field["name"]}={field["bits"]}  {field["meaning"]}', where
-        shown = [line for line in segment.split('\n') if line.startswith(('\t', 'Message type:'))]
+        lines = segment.split('\n')
+        if detail == 'full':
+            # The address, call reference and TEI management lines stand
+            # outside the elements; a type without a name shows its octet.
+            first = next((i for i, line in enumerate(lines) if line.startswith('\tInformation element:')), len(lines))
+            lines = [line for line in lines[:first] if line.startswith('Message type:')] + lines[first:]
+            lines = [line for line in lines if not line.endswith(' (no name)')]
+        shown = [line for line in lines if line.startswith(('\t', 'Message type:'))]
         shown = [line for line in shown if line != 'Message type:']
         if shown != wanted:
             raise AssertionError(f'{where}: the message file shows\n{shown}\nthe JSON carries\n{wanted}')
@@ -120,8 +132,10 @@ def random_trace(path, count, seed):
     """Frame lines of random Q.931 messages among other lines."""
     rng = random.Random(seed)
     identifiers = [0x04, 0x08, 0x0C, 0x10, 0x14, 0x18, 0x1C, 0x1E, 0x20, 0x27, 0x28, 0x29, 0x2C, 0x34, 0x40, 0x6C,
-                   0x6D, 0x70, 0x71, 0x74, 0x78, 0x79, 0x7C, 0x7D, 0x7E, 0x96, 0x9E, 0xA0, 0xA1, 0x83, 0x55]
-    types = [0x01, 0x02, 0x03, 0x05, 0x07, 0x0D, 0x0F, 0x45, 0x46, 0x4D, 0x5A, 0x62, 0x6E, 0x75, 0x7B, 0x7D, 0x33]
+                   0x6D, 0x70, 0x71, 0x74, 0x78, 0x79, 0x7C, 0x7D, 0x7E, 0x96, 0x9E, 0xA0, 0xA1, 0x83, 0x55, 0x4C,
+                   0x4D, 0x91, 0x9D]
+    types = [0x01, 0x02, 0x03, 0x05, 0x07, 0x0D, 0x0F, 0x45, 0x46, 0x4D, 0x5A, 0x62, 0x6E, 0x75, 0x7B, 0x7D, 0x33,
+             0x24, 0x30, 0x64, 0x3F]
     lines = []
     for number in range(count):
         if rng.random() < 0.2:
@@ -139,7 +153,13 @@ def random_trace(path, count, seed):
                 continue
             size = rng.randrange(12)
             frame.append(size)
-            frame += [rng.randrange(256) for _ in range(size)]
+            if identifier == 0x1C and size > 0:
+                # A Facility of ROSE-like components, well formed or not.
+                body = [0x91, rng.choice([0xA1, 0xA2, 0xA3, 0xA4]), max(size - 3, 0), 0x02, 0x01, rng.randrange(256),
+                        0x02, 0x01, rng.randrange(50)]
+                frame += (body + [rng.randrange(256) for _ in range(size)])[:size]
+            else:
+                frame += [rng.randrange(256) for _ in range(size)]
         if rng.random() < 0.1:
             frame = frame[:rng.randrange(1, len(frame) + 1)]
         cells = ' '.join(f'0x{octet:02x}' for octet in frame[:300])
@@ -158,13 +178,14 @@ def main():
     frames = fields = 0
     try:
         for trace in traces + [random_path]:
-            got = check_trace(velmora, trace)
-            frames += got[0]
-            fields += got[1]
+            for detail in ('description', 'full'):
+                got = check_trace(velmora, trace, detail)
+                frames += got[0]
+                fields += got[1]
     finally:
         __import__('os').remove(random_path)
     print(f'{frames} frames, {fields} fields: JSON and message file agree')
-    print(f'{len(traces) + 1} passed, 0 failed')
+    print(f'{2 * (len(traces) + 1)} passed, 0 failed')
 
 
 if __name__ == '__main__':

@@ -139,6 +139,7 @@ bench: deps bench-baseline
 	cmake --build $(BENCH_DIR) -j $(JOBS)
 	BENCH_DIR=$(BENCH_DIR)/data BASELINE=$$([ -x $(BASELINE_DIR)/build/velmora ] && echo $(BASELINE_DIR)/build/velmora) \
 	  bash bench/run_bench.sh $(BENCH_DIR) $(BENCH_MB) 1 $(JOBS)
+	BENCH_DIR=$(BENCH_DIR)/data bash bench/views_bench.sh $(BENCH_DIR) $(BENCH_MB)
 	$(BENCH_DIR)/bench/velmora_micro
 
 bench-baseline: deps

@@ -110,8 +110,10 @@ class CallTracker {
  public:
   using CallSink = std::function<void(const CallRecord&)>;
 
-  // Complete calls wait behind a still open earlier call, up to this many.
-  static constexpr std::size_t kDefaultWaitingLimit = 4096;
+  // Complete calls wait behind a still open earlier call, up to this many:
+  // a few MB of records at most, so that the calls views stay within the
+  // memory of the message file plus a little.
+  static constexpr std::size_t kDefaultWaitingLimit = 2048;
 
   // `sink` gets each call once it is complete, in the order of the calls'
   // first messages, with one exception that bounds the memory: when more

@@ -10,6 +10,7 @@
 #include <string>
 #include <string_view>
 
+#include "decimal_text.h"
 #include "field_sink.h"
 #include "io_thread.h"
 #include "octet.h"
@@ -80,22 +81,6 @@ inline constexpr std::array<std::array<char, 8>, 256> kOctetBits = [] {
   std::array<std::array<char, 8>, 256> table{};
   for (unsigned octet = 0; octet < 256; ++octet)
     for (unsigned bit = 0; bit < 8; ++bit) table[octet][bit] = ((octet >> (7 - bit)) & 1U) ? '1' : '0';
-  return table;
-}();
-
-// The decimal digits of 0 to 999, in a slot of four copied whole.
-struct SmallDecimal {
-  std::array<char, 4> digits{};
-  std::uint8_t size = 0;
-};
-inline constexpr std::array<SmallDecimal, 1000> kSmallDecimals = [] {
-  std::array<SmallDecimal, 1000> table{};
-  for (unsigned value = 0; value < 1000; ++value) {
-    SmallDecimal& text = table[value];
-    if (value >= 100) text.digits[text.size++] = static_cast<char>('0' + value / 100);
-    if (value >= 10) text.digits[text.size++] = static_cast<char>('0' + value / 10 % 10);
-    text.digits[text.size++] = static_cast<char>('0' + value % 10);
-  }
   return table;
 }();
 
@@ -217,7 +202,7 @@ class OutputWriter {
   // "%d". Values below 1000, most of what a trace counts, take a table.
   VELMORA_HOT_PATH void Decimal(std::int64_t value) {
     if (static_cast<std::uint64_t>(value) < 1000) {
-      const writer_tables::SmallDecimal& text = writer_tables::kSmallDecimals[static_cast<std::size_t>(value)];
+      const SmallDecimal& text = kSmallDecimals[static_cast<std::size_t>(value)];
       Reserve(4);
       std::memcpy(buffer_.get() + used_, text.digits.data(), 4);
       used_ += text.size;

@@ -3,6 +3,8 @@
 #include <cstddef>
 #include <functional>
 #include <memory>
+#include <optional>
+#include <string>
 #include <string_view>
 #include <unordered_map>
 #include <utility>
@@ -75,6 +77,32 @@ class Numbering {
   std::uint32_t next_ = 0;
 };
 
+// The text number of the Q.931 frames decoded so far. Such a frame's text
+// depends on its kind (I or UI) and its message's octets alone: not on its
+// address, its sequence numbers or the link memory, which words only UA
+// frames. So a message seen before in the same kind of frame needs no
+// decode. As many are remembered as texts.
+class FrameTexts {
+ public:
+  std::optional<std::uint32_t> Find(const Q931InFrame& q931) {
+    const auto found = numbers_.find(Key(q931));
+    return found != numbers_.end() ? std::optional(found->second) : std::nullopt;
+  }
+  void Remember(const Q931InFrame& q931, std::uint32_t number) {
+    if (numbers_.size() >= kRememberedTexts) numbers_.clear();
+    numbers_.emplace(std::string(Key(q931)), number);
+  }
+
+ private:
+  std::string_view Key(const Q931InFrame& q931) {
+    key_.assign(1, q931.unnumbered ? 'U' : 'I');
+    key_.append(reinterpret_cast<const char*>(q931.message.data()), q931.message.size());
+    return key_;
+  }
+  std::unordered_map<std::string, std::uint32_t, TextHash, std::equal_to<>> numbers_;
+  std::string key_;
+};
+
 std::size_t SharedPrefix(std::string_view a, std::string_view b) {
   std::size_t shared = 0;
   while (shared < a.size() && shared < b.size() && a[shared] == b[shared]) ++shared;
@@ -100,15 +128,22 @@ class ReportConsumer final : public TraceConsumer {
     bytesRead_ += piece.text.size();
     if (!piece.isFrameLine) return;
     ++frames_;
-    // The real line handler, whose text behind the copied line is what the
-    // message file has for the frame. Every frame line goes through it, for
-    // the link memory behind the UA wording.
-    const std::string_view decoded = decoder_.Translate(piece.text);
     const OctetSpan frame = piece.frame;
     // Q.931 in I and UI frames, as the call tracker reads it.
-    if (FindQ931(frame)) {
-      const std::string_view text = decoded.substr(piece.text.size());
-      tracker_.Frame(frame, piece.lineNumber, piece.text, NumberFrameText(text));
+    if (const std::optional<Q931InFrame> q931 = FindQ931(frame)) {
+      std::optional<std::uint32_t> number = frameTexts_.Find(*q931);
+      if (!number) {
+        // The real line handler, whose text behind the copied line is what
+        // the message file has for the frame.
+        const std::string_view decoded = decoder_.Translate(piece.text);
+        number = NumberFrameText(decoded.substr(piece.text.size()));
+        frameTexts_.Remember(*q931, *number);
+      }
+      tracker_.Frame(frame, piece.lineNumber, piece.text, *number);
+    } else {
+      // Every other frame line goes through the line handler, for the link
+      // memory behind the UA wording.
+      decoder_.Translate(piece.text);
     }
     if (newStrings_.size() + newTexts_.size() + calls_.size() >= kChunkBytes) WriteChunk({});
   }
@@ -292,6 +327,7 @@ class ReportConsumer final : public TraceConsumer {
   CallTotals totals_;
   Numbering strings_{kRememberedStrings};
   Numbering texts_{kRememberedTexts};
+  FrameTexts frameTexts_;
   std::string newStrings_, newTexts_, calls_;  // the chunk under way
   std::string lines_;                          // the frame text under way
   std::uint64_t bytesRead_ = 0;

@@ -82,5 +82,24 @@ TEST_F(Report, MessageTypesWithoutANameStandAsTheirOctet) {
   EXPECT_NE(page.find("\"RELEASE COMPLETE\""), std::string::npos);
 }
 
+TEST_F(Report, ASeenMessageKeepsItsFrameKindsText) {
+  // The same SETUP broadcast in a UI frame (whose text at this level is the
+  // layer-2 line alone), then in I frames of other sequence numbers: the
+  // I frames' text is decoded, the UI frame's not taken for it.
+  Write("kinds.txt", FrameLine("0x02 0xff 0x03 0x08 0x01 0x05 0x05 0xa1") +
+                         FrameLine("0x00 0x81 0x02 0x00 0x08 0x01 0x85 0x07") +
+                         FrameLine("0x02 0x81 0x04 0x02 0x08 0x01 0x05 0x05 0xa1") +
+                         FrameLine("0x02 0x81 0x06 0x04 0x08 0x01 0x05 0x05 0xa1"));
+  LinkMemory link;
+  TranslationOptions options;
+  options.makeConsumer = CallReport({"kinds.txt", std::nullopt});
+  EXPECT_EQ(TranslateTraceFile(Path("kinds.txt"), Path("report.html"), link, options),
+            TranslationOutcome::TranslationDone);
+  const std::string page = Read("report.html");
+  EXPECT_EQ(Occurrences(page, "\"ISDN Layer 2: UI(unnumbered information)\""), 1U);
+  EXPECT_EQ(Occurrences(page, "\"Message type:SETUP\""), 1U);
+  EXPECT_EQ(Occurrences(page, "\"\\tInformation element:Sending complete\""), 1U) << page;
+}
+
 }  // namespace
 }  // namespace velmora::testing

@@ -126,7 +126,7 @@ struct CallTracker::Call {
   }
 
   void Add(const Q931Header& header, const Q931InFrame& frame, CallSide sender, std::uint64_t line,
-           std::string_view lineText, std::uint32_t tag);
+           const FrameLineFacts& facts, std::uint32_t tag);
   struct FirstCause {
     std::optional<unsigned> location;
     std::optional<unsigned> value;
@@ -136,8 +136,7 @@ struct CallTracker::Call {
 };
 
 void CallTracker::Call::Add(const Q931Header& header, const Q931InFrame& frame, CallSide sender, std::uint64_t line,
-                            std::string_view lineText, std::uint32_t tag) {
-  const FrameLineFacts facts = ReadFrameLineFacts(lineText);
+                            const FrameLineFacts& facts, std::uint32_t tag) {
   CallMessage message;
   message.line = line;
   message.time.Assign(facts);
@@ -242,8 +241,21 @@ CallTracker::~CallTracker() = default;
 
 void CallTracker::Frame(OctetSpan frame, std::uint64_t line, std::string_view lineText, std::uint32_t tag) {
   const std::optional<Q931InFrame> q931 = FindQ931(frame);
-  if (!q931) return;
-  const std::optional<Q931Header> header = ReadQ931Header(q931->message);
+  if (q931) Message(*q931, line, ReadFrameLineFacts(lineText), tag);
+}
+
+void CallTracker::DumpMessage(OctetSpan octets, bool wholeFrame, std::uint64_t line, std::string_view moment,
+                              FrameDirection direction, std::uint32_t tag) {
+  const std::optional<Q931InFrame> q931 =
+      wholeFrame ? FindQ931(octets) : std::optional(Q931InFrame{LapdAddress{0, false, 0}, false, octets});
+  if (!q931 || q931->message.empty() || !IsQ931Discriminator(q931->message[0])) return;
+  FrameLineFacts facts = ReadFrameLineFacts(moment);
+  facts.direction = direction;
+  Message(*q931, line, facts, tag);
+}
+
+void CallTracker::Message(const Q931InFrame& q931, std::uint64_t line, const FrameLineFacts& facts, std::uint32_t tag) {
+  const std::optional<Q931Header> header = ReadQ931Header(q931.message);
   if (!header) return;
   const OctetSpan reference = header->callReference;
   const std::optional<std::uint64_t> value = CallReferenceValue(reference);
@@ -251,7 +263,7 @@ void CallTracker::Frame(OctetSpan frame, std::uint64_t line, std::string_view li
     ++outsideCalls_;
     return;
   }
-  CallKey key{*value, reference.size(), q931->address.tei};
+  CallKey key{*value, reference.size(), q931.address.tei};
   const CallSide sender = CallReferenceFlag(reference) != 0 ? CallSide::Callee : CallSide::Caller;
 
   const auto found = open_.find(key);
@@ -273,7 +285,7 @@ void CallTracker::Frame(OctetSpan frame, std::uint64_t line, std::string_view li
     call = nullptr;
   }
   if (call == nullptr) call = &Start(key, line);
-  call->Add(*header, *q931, sender, line, lineText, tag);
+  call->Add(*header, q931, sender, line, facts, tag);
   // A broadcast SETUP's call ends with the RELEASE COMPLETE of the
   // terminal that answered it, not with those of the others.
   if (header->messageType == kReleaseComplete &&

@@ -21,6 +21,7 @@
 #include <vector>
 
 #include "frame_line_facts.h"
+#include "lapd.h"
 #include "octet.h"
 
 namespace velmora {
@@ -131,6 +132,13 @@ class CallTracker {
   // the message, for the user to find what it knows of the frame.
   void Frame(OctetSpan frame, std::uint64_t line, std::string_view lineText, std::uint32_t tag = 0);
 
+  // A message of a debug dump, with its first line's number, moment and
+  // direction: a whole frame read as Frame reads it; a Q.931 message alone
+  // taken as one in an I frame of TEI 0 from the user side, its address
+  // being unknown (a PRI's TEI is 0).
+  void DumpMessage(OctetSpan octets, bool wholeFrame, std::uint64_t line, std::string_view moment,
+                   FrameDirection direction, std::uint32_t tag = 0);
+
   // The end of the trace: every open call is complete.
   void Finish();
 
@@ -154,6 +162,7 @@ class CallTracker {
     }
   };
 
+  void Message(const Q931InFrame& q931, std::uint64_t line, const FrameLineFacts& facts, std::uint32_t tag);
   Call& Start(const CallKey& key, std::uint64_t line);
   void Close(Call& call);
   void Deliver();

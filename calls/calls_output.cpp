@@ -254,7 +254,12 @@ class CallsConsumer final : public TraceConsumer {
   }
 
   void Consume(const TracePiece& piece) override {
-    if (piece.isFrameLine) tracker_.Frame(piece.frame, piece.lineNumber, piece.text);
+    if (piece.dump != nullptr) {
+      const velmora::DumpMessage& message = *piece.dump;
+      tracker_.DumpMessage(message.octets, message.wholeFrame, message.firstLine, message.moment, message.direction);
+    } else if (piece.isFrameLine) {
+      tracker_.Frame(piece.frame, piece.lineNumber, piece.text);
+    }
   }
 
   void Finish() override {

@@ -113,18 +113,22 @@ constexpr OutputKind kOutputKinds[] = {
 };
 
 constexpr std::string_view kUsageHead =
-    "Usage: velmora [-q] [-j N] [--to KIND] [--] INPUT OUTPUT [INPUT OUTPUT ...]\n"
+    "Usage: velmora [-q] [-j N] [--to KIND] [--from FORMAT] [--] INPUT OUTPUT [INPUT OUTPUT ...]\n"
     "Translate an ISDN D-channel trace log into a message file: every input line\n"
     "copied, and behind each frame line its Q.921 frame kind and Q.931 message.\n"
     "\n"
-    "  INPUT    the trace log, or a pcap or pcapng capture of LAPD frames;\n"
-    "           - reads standard input\n"
+    "  INPUT    the trace log, a pcap or pcapng capture of LAPD frames, or a\n"
+    "           PBX's PRI-stack debug; - reads standard input\n"
     "  OUTPUT   the message file to write; - writes standard output\n"
     "  -q       say nothing when a translation is done\n"
     "  -j N, --jobs N  threads for a large input file, 1 to 256 (default: the\n"
     "           number of cores); the output is the same for every N\n"
     "  --to KIND  what to write instead of the message file (one thread):\n";
 constexpr std::string_view kUsageTail =
+    "  --from FORMAT  read INPUT as trace (a trace log), pcap (a capture) or\n"
+    "           pbx (a PRI-stack debug: lines marked > and < carrying\n"
+    "           \"Protocol Discriminator: Q.931\" headers and [hex] elements);\n"
+    "           without it the input's first 2 KB tell\n"
     "  --detail LEVEL  description (the default): the message file as\n"
     "           described; full: also each frame's address and control\n"
     "           fields, TEI management, Q.931 in UI frames, the call\n"
@@ -159,6 +163,17 @@ void PrintUsage(std::ostream& out) {
   out << kUsageTail;
 }
 
+// "trace, pcap or pbx".
+std::string FormatNames() {
+  std::string names;
+  const auto entries = velmora::InputFormatEntries();
+  for (std::size_t e = 0; e < entries.size(); ++e) {
+    if (e > 0) names += e + 1 == entries.size() ? " or " : ", ";
+    names += entries[e].name;
+  }
+  return names;
+}
+
 const OutputKind* FindOutputKind(std::string_view name) {
   for (const OutputKind& kind : kOutputKinds)
     if (kind.name == name) return &kind;
@@ -171,8 +186,18 @@ struct PairSettings {
   velmora::DetailLevel detail = velmora::DetailLevel::Description;
   unsigned jobs = 1;
   const OutputKind* kind = &kOutputKinds[0];
-  Selection* selection = nullptr;  // null: everything
+  Selection* selection = nullptr;                   // null: everything
+  const velmora::InputFormatEntry* from = nullptr;  // null: the input's start tells
 };
+
+// The formats a run tries, or the one --from names.
+void SetInputFormat(velmora::TranslationOptions& options, const velmora::InputFormatEntry* from) {
+  if (from == nullptr) {
+    options.inputFormats = velmora::RecognisedInputFormats();
+  } else {
+    options.forcedFormat = from->format;  // null for a trace log: no format tried
+  }
+}
 
 int ExitStatus(velmora::TranslationOutcome outcome) {
   using velmora::TranslationOutcome;
@@ -226,7 +251,8 @@ void WarnAboutScannedLines(const velmora::ScanNotes& notes, const std::string& i
 
 // The lines of the messages of the calls a selection keeps, for the frames
 // of those calls: a first reading of the input, which a pipe cannot give.
-int ReadSelectedCallLines(const std::string& input, const velmora::LinkMemory& link, Selection& selection) {
+int ReadSelectedCallLines(const std::string& input, const velmora::LinkMemory& link, Selection& selection,
+                          const velmora::InputFormatEntry* from) {
   if (input == "-") {
     std::cerr << "velmora: --cause and --failed keep the frames of calls, which takes reading the input twice: "
                  "name a file, not standard input\nTry 'velmora --help'.\n";
@@ -234,7 +260,7 @@ int ReadSelectedCallLines(const std::string& input, const velmora::LinkMemory& l
   }
   auto lines = std::make_shared<std::vector<std::uint64_t>>();
   velmora::TranslationOptions options;
-  options.inputFormats = velmora::RecognisedInputFormats();
+  SetInputFormat(options, from);
   options.makeConsumer = [&selection, lines](velmora::OutputWriter&, velmora::LinkMemory&) {
     return velmora::MakeSelectedCallLinesConsumer(selection.filter, *lines);
   };
@@ -255,9 +281,10 @@ int TranslatePair(const std::string& input, const std::string& output, velmora::
   options.stopOnWriteError = true;
   options.jobs = settings.jobs;
   options.report = &report;
-  options.inputFormats = velmora::RecognisedInputFormats();
+  SetInputFormat(options, settings.from);
   if (settings.selection != nullptr && settings.kind->framesOut && settings.selection->filter.NeedsCalls()) {
-    if (const int status = ReadSelectedCallLines(input, link, *settings.selection); status != kExitOk) return status;
+    if (const int status = ReadSelectedCallLines(input, link, *settings.selection, settings.from); status != kExitOk)
+      return status;
   }
   options.makeConsumer = settings.kind->make(input, settings.selection, settings.detail);
   options.detail = settings.detail;
@@ -269,6 +296,12 @@ int TranslatePair(const std::string& input, const std::string& output, velmora::
   const std::string inputName = StreamName(input, "standard input");
   const std::string outputName = StreamName(output, "standard output");
   if (!settings.quiet) WarnAboutScannedLines(report.scanNotes, inputName);
+  if (!settings.quiet && report.cutOffMessages > 0)
+    std::cerr << "velmora: warning: " << inputName << ": "
+              << Count(report.cutOffMessages, "message has", "messages have")
+              << " fewer octets than the dump's length says (cut off, or a wrapped line missing); decoded as far as "
+              << (report.cutOffMessages == 1 ? "it goes" : "they go") << " (first: line " << report.firstCutOffLine
+              << ")\n";
   if (!settings.quiet && settings.selection != nullptr && settings.kind->framesOut &&
       outcome == velmora::TranslationOutcome::TranslationDone)
     std::cerr << "velmora: " << StreamName(output, "standard output")
@@ -398,6 +431,11 @@ int main(int argc, char** argv) {
       if (missing) return UsageError("--to needs an output kind");
       settings.kind = FindOutputKind(*name);
       if (settings.kind == nullptr) return UsageError("--to: unknown output kind '" + std::string(*name) + "'");
+    } else if (const auto format = OptionValue(arg, "", "--from", i, argc, argv, missing)) {
+      if (missing) return UsageError("--from needs an input format");
+      settings.from = velmora::FindInputFormat(*format);
+      if (settings.from == nullptr)
+        return UsageError("--from: unknown input format '" + std::string(*format) + "' (" + FormatNames() + ")");
     } else if (const auto level = OptionValue(arg, "", "--detail", i, argc, argv, missing)) {
       if (missing) return UsageError("--detail needs a level");
       if (*level != "description" && *level != "full")

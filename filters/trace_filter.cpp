@@ -150,6 +150,12 @@ class SelectedFramesConsumer final : public TraceConsumer {
       : out_(out), link_(link), select_(std::move(select)), decoder_(link, detail) {}
 
   void Consume(const TracePiece& piece) override {
+    if (piece.dump != nullptr) {
+      // A dump's message: its decode, as the message file has it.
+      const std::string_view text = decoder_.TranslateDumpMessage(*piece.dump);
+      if (select_(FrameForSelection(*piece.dump, room_), piece.dump->firstLine)) out_.Put(text);
+      return;
+    }
     if (!piece.isFrameLine) return;
     const std::string_view text = decoder_.Translate(piece.text);
     if (select_(piece.frame, piece.lineNumber)) out_.Put(text);
@@ -161,6 +167,7 @@ class SelectedFramesConsumer final : public TraceConsumer {
   LinkMemory& link_;
   FrameSelection select_;
   ScratchDecoder decoder_;
+  std::vector<Octet> room_;
 };
 
 class FrameFilteredConsumer final : public TraceConsumer {
@@ -186,7 +193,12 @@ class SelectedCallLinesConsumer final : public TraceConsumer {
         }) {}
 
   void Consume(const TracePiece& piece) override {
-    if (piece.isFrameLine) tracker_.Frame(piece.frame, piece.lineNumber, piece.text);
+    if (piece.dump != nullptr) {
+      const DumpMessage& message = *piece.dump;
+      tracker_.DumpMessage(message.octets, message.wholeFrame, message.firstLine, message.moment, message.direction);
+    } else if (piece.isFrameLine) {
+      tracker_.Frame(piece.frame, piece.lineNumber, piece.text);
+    }
   }
   // Calls complete out of order past the tracker's waiting limit.
   void Finish() override {

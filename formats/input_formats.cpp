@@ -1,13 +1,15 @@
 #include "input_formats.h"
 
 #include "capture_input.h"
+#include "pbx_dump.h"
 
 namespace velmora {
 
 std::span<const InputFormatEntry> InputFormatEntries() {
   static const InputFormatEntry kEntries[] = {
-      {"Trace logs", "*.txt;*.log", nullptr},
-      {"Captures", "*.pcap;*.pcapng", &CaptureFormat()},
+      {"trace", "Trace logs", "*.txt;*.log", nullptr},
+      {"pcap", "Captures", "*.pcap;*.pcapng", &CaptureFormat()},
+      {"pbx", "PBX PRI debug", "*.txt;*.log", &PbxDumpFormat()},
   };
   return kEntries;
 }
@@ -17,6 +19,12 @@ std::vector<const InputFormat*> RecognisedInputFormats() {
   for (const InputFormatEntry& entry : InputFormatEntries())
     if (entry.format != nullptr) formats.push_back(entry.format);
   return formats;
+}
+
+const InputFormatEntry* FindInputFormat(std::string_view name) {
+  for (const InputFormatEntry& entry : InputFormatEntries())
+    if (entry.name == name) return &entry;
+  return nullptr;
 }
 
 }  // namespace velmora

@@ -11,6 +11,7 @@
 namespace velmora {
 
 struct InputFormatEntry {
+  std::string_view name;         // for --from: "trace", "pcap", "pbx"
   std::string_view description;  // for a file chooser: "Captures"
   std::string_view patterns;     // file name patterns, ";" between: "*.pcap;*.pcapng"
   const InputFormat* format;     // null: the trace log itself
@@ -22,5 +23,8 @@ std::span<const InputFormatEntry> InputFormatEntries();
 // The formats a run tries before it reads an input as a trace log
 // (TranslationOptions::inputFormats).
 std::vector<const InputFormat*> RecognisedInputFormats();
+
+// The entry of a --from name; null for a name no entry has.
+const InputFormatEntry* FindInputFormat(std::string_view name);
 
 }  // namespace velmora

@@ -72,17 +72,25 @@ class JsonConsumer final : public TraceConsumer {
   }
 
   void Consume(const TracePiece& piece) override {
+    if (piece.dump != nullptr) return ConsumeDumpMessage(piece);
     if (!piece.isFrameLine) return;
     // The line handler copies the line first: the frame's text follows it.
     frame_.Begin(decoder_.Offset() + piece.text.size());
     const std::string_view text = decoder_.Translate(piece.text);
     if (select_ && !select_(piece.frame, piece.lineNumber)) return;
-    const std::string_view frameText = text.substr(piece.text.size());
-    frame_.Split(frameText);
-    // Decoded text is plain ASCII as a rule: checked once for the frame, its
-    // parts then go out as they are.
-    plain_ = PlainJsonLines(frameText);
-    Write(piece);
+    const FrameLineFacts facts = ReadFrameLineFacts(piece.text);
+    moment_.Assign(facts);
+    Write({piece.lineNumber, moment_.View(), facts.direction, piece.frame, true}, text.substr(piece.text.size()));
+  }
+
+  // A debug dump's message: its own line, moment and direction, and a
+  // layer-2 object only where the dump gave the whole frame.
+  void ConsumeDumpMessage(const TracePiece& piece) {
+    const DumpMessage& message = *piece.dump;
+    frame_.Begin(decoder_.Offset());
+    const std::string_view text = decoder_.TranslateDumpMessage(message);
+    if (select_ && !select_(FrameForSelection(message, selectionRoom_), message.firstLine)) return;
+    Write({message.firstLine, message.moment, message.direction, message.octets, message.wholeFrame}, text);
   }
 
   void Finish() override { decoder_.SaveLink(link_); }
@@ -117,34 +125,54 @@ class JsonConsumer final : public TraceConsumer {
     return text ? std::optional(Body(*text, slot)) : std::nullopt;
   }
 
-  void Write(const TracePiece& piece) {
-    const FrameLineFacts facts = ReadFrameLineFacts(piece.text);
-    moment_.Assign(facts);
-    const std::string_view direction = DirectionWord(facts.direction);
+  // What one JSON object tells besides the decoded text.
+  struct Subject {
+    std::uint64_t line;
+    std::string_view moment;  // digits, "-", ":", ".", "T" and blanks: no escape needed
+    FrameDirection direction;
+    OctetSpan octets;
+    bool wholeFrame;  // from the LAPD address on; else a Q.931 message alone
+  };
+
+  void Write(const Subject& subject, std::string_view decoded) {
+    frame_.Split(decoded);
+    // Decoded text is plain ASCII as a rule: checked once for the frame, its
+    // parts then go out as they are.
+    plain_ = PlainJsonLines(decoded);
+    const OctetSpan frame = subject.wholeFrame ? subject.octets : OctetSpan{};
+    const std::string_view direction = DirectionWord(subject.direction);
     const std::string_view kind = Body(frame_.layer2Kind, 0);
     const bool detailed = detail_ == DetailLevel::Full;
-    const std::size_t most = 200 + moment_.View().size() + 2 * piece.frame.size() + kind.size() + (detailed ? 200 : 0);
+    const std::size_t most =
+        200 + subject.moment.size() + 2 * subject.octets.size() + kind.size() + (detailed ? 200 : 0);
     Emit(most, [&](Room& room) {
       room.Put(R"({"line":)");
-      room.Number(piece.lineNumber);
+      room.Number(subject.line);
       room.Put(R"(,"time":)");
-      room.QuotedOrNull(moment_.Empty() ? std::nullopt : std::optional(moment_.View()));
+      room.QuotedOrNull(subject.moment.empty() ? std::nullopt : std::optional(subject.moment));
       room.Put(R"(,"direction":)");
       room.QuotedOrNull(direction.empty() ? std::nullopt : std::optional(direction));
       room.Put(R"(,"octets":)");
-      room.Hex(piece.frame);
-      room.Put(R"(,"layer2":{"kind":)");
-      room.Quoted(kind);
-      if (detailed) WriteLayer2Numbers(room, piece.frame);
-      room.Put('}');
-      if (detailed) WriteTeiManagement(room, piece.frame);
+      room.Hex(subject.octets);
+      room.Put(R"(,"layer2":)");
+      if (subject.wholeFrame) {
+        room.Put(R"({"kind":)");
+        room.Quoted(kind);
+        if (detailed) WriteLayer2Numbers(room, frame);
+        room.Put('}');
+      } else {
+        room.Put("null");
+      }
+      if (detailed) WriteTeiManagement(room, frame);
       room.Put(R"(,"message":)");
     });
-    if (!CarriesQ931(piece.frame) && !(detailed && FindQ931(piece.frame))) {
+    const std::optional<Q931InFrame> q931 = FindQ931(frame);
+    const bool decoded931 = q931 && (!q931->unnumbered || detailed);
+    if (subject.wholeFrame && !decoded931) {
       Emit(8, [](Room& room) { room.Put("null}\n"); });
       return;
     }
-    WriteMessage(FindQ931(piece.frame)->message);
+    WriteMessage(subject.wholeFrame ? q931->message : subject.octets);
     Emit(8, [](Room& room) { room.Put("}\n"); });
   }
 
@@ -266,6 +294,7 @@ class JsonConsumer final : public TraceConsumer {
   MomentText moment_;
   std::array<std::string, 4> escaped_;  // a field's four strings, where they need escapes
   std::string overflow_;
+  std::vector<Octet> selectionRoom_;
   bool plain_ = false;  // the frame's decoded text needs no escape
 };
 

@@ -279,11 +279,18 @@ std::string_view TeiManagementName(Octet type) {
   return row != nullptr ? row->text : std::string_view{};
 }
 
-void DecodeLapdFrame(DecodeContext& context, OctetSpan frame) {
-  // One call of the message decoder for both levels, so that it stays
-  // inlined into the frame-line handler.
+void DecodeLapdFrame(DecodeContext& context, OctetSpan frame) { DecodeDumpMessage(context, frame, true); }
+
+// One call of each of the layer-2 decoders and of the message decoder for
+// frame lines and dumps alike, so that they stay inlined here.
+void DecodeDumpMessage(DecodeContext& context, OctetSpan octets, bool wholeFrame) {
   const bool detailed = context.detail == DetailLevel::Full;
-  const OctetSpan message = detailed ? DecodeLayer2InDetail(context, frame) : DecodeLayer2(context, frame);
+  OctetSpan message = octets;
+  if (!wholeFrame) {
+    context.out.Put("ISDN Layer 3: Q.931 protocol message\n");
+  } else {
+    message = detailed ? DecodeLayer2InDetail(context, octets) : DecodeLayer2(context, octets);
+  }
   if (!message.empty()) DecodeQ931Message(context.out, message, detailed);
 }
 

@@ -89,6 +89,11 @@ std::string_view TeiManagementName(Octet type);
 // SABME and DISC change the context's link memory, UA reads it.
 void DecodeLapdFrame(DecodeContext& context, OctetSpan frame);
 
+// A message of a debug dump: a whole frame as DecodeLapdFrame decodes it;
+// a Q.931 message alone (from the protocol discriminator on) behind the
+// "ISDN Layer 3: " line, with no layer-2 line, its address being unknown.
+void DecodeDumpMessage(DecodeContext& context, OctetSpan octets, bool wholeFrame);
+
 // The two wordings of the UA line. They are of equal length, so a parallel
 // run can decode a chunk before it knows the link memory at the chunk's start
 // and put the right wording in place afterwards.

@@ -126,6 +126,7 @@ class ReportConsumer final : public TraceConsumer {
 
   void Consume(const TracePiece& piece) override {
     bytesRead_ += piece.text.size();
+    if (piece.dump != nullptr) return ConsumeDumpMessage(*piece.dump);
     if (!piece.isFrameLine) return;
     ++frames_;
     const OctetSpan frame = piece.frame;
@@ -145,6 +146,15 @@ class ReportConsumer final : public TraceConsumer {
       // memory behind the UA wording.
       decoder_.Translate(piece.text);
     }
+    if (newStrings_.size() + newTexts_.size() + calls_.size() >= kChunkBytes) WriteChunk({});
+  }
+
+  // A debug dump's message, with the text the message file has behind it.
+  void ConsumeDumpMessage(const DumpMessage& message) {
+    ++frames_;
+    const std::uint32_t number = NumberFrameText(decoder_.TranslateDumpMessage(message));
+    tracker_.DumpMessage(message.octets, message.wholeFrame, message.firstLine, message.moment, message.direction,
+                         number);
     if (newStrings_.size() + newTexts_.size() + calls_.size() >= kChunkBytes) WriteChunk({});
   }
 

@@ -14,6 +14,7 @@
 #include <string_view>
 
 #include "pieces.h"
+#include "trace_consumer.h"
 #include "translation.h"
 
 namespace velmora {
@@ -58,6 +59,19 @@ struct OpenedInput {
   std::string refusal;  // when `source` is null
 };
 
+// The reader of a debug dump: text whose lines carry messages, each over
+// several lines. The run copies every line as for a trace log and decodes
+// each message behind its last line.
+class MessageDump {
+ public:
+  virtual ~MessageDump() = default;
+  // Each line of the input, without its line end, in order, before it is
+  // copied: the message that the lines before it completed, or null.
+  virtual const DumpMessage* Before(std::string_view line, std::uint64_t lineNumber) = 0;
+  // At the input's end: the message still open, or null.
+  virtual const DumpMessage* Finish() = 0;
+};
+
 class InputFormat {
  public:
   virtual ~InputFormat() = default;
@@ -70,6 +84,9 @@ class InputFormat {
   // bytes already read from a descriptor that cannot be read twice (a pipe);
   // they come first. The descriptor stays open and the caller's.
   virtual OpenedInput Open(int fd, std::string_view consumed) const = 0;
+  // For a debug dump, its reader; the run then reads the input as lines and
+  // Open is not called. Null for a format that Open reads.
+  virtual std::unique_ptr<MessageDump> Dump() const { return nullptr; }
 };
 
 }  // namespace velmora

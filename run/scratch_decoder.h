@@ -9,8 +9,10 @@
 #include <string_view>
 
 #include "decode_context.h"
+#include "lapd.h"
 #include "line_scanner.h"
 #include "output_writer.h"
+#include "trace_consumer.h"
 #include "translation.h"
 
 namespace velmora {
@@ -38,6 +40,17 @@ class ScratchDecoder {
     spilled_.clear();
     TranslateTraceLine(context_, line);
     // Only a text longer than the buffer has gone on to the string, in part.
+    if (spilled_.empty()) return writer_.Buffered();
+    writer_.Flush();
+    return spilled_;
+  }
+
+  // A debug dump's message decoded as the message file has it behind its
+  // last line; valid until the next call.
+  std::string_view TranslateDumpMessage(const DumpMessage& message) {
+    writer_.DropBuffered();
+    spilled_.clear();
+    DecodeDumpMessage(context_, message.octets, message.wholeFrame);
     if (spilled_.empty()) return writer_.Buffered();
     writer_.Flush();
     return spilled_;

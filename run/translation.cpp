@@ -11,6 +11,7 @@
 
 #include "decode_context.h"
 #include "input_format.h"
+#include "lapd.h"
 #include "line_reader.h"
 #include "line_scanner.h"
 #if !defined(VELMORA_NO_THREADS)
@@ -125,11 +126,63 @@ bool ConsumeTrace(Source& source, TraceConsumer& consumer, ScanNotes& notes, Sto
   return frameFound;
 }
 
+// The lines of a debug dump, each copied, and each message the dump's
+// reader completes decoded in front of the line that tells it ended (or
+// handed to the consumer there). Returns whether a message was seen.
+template <typename Stopped>
+bool TranslateDump(PieceSource& source, OutputWriter& writer, LinkMemory& link, const TranslationOptions& options,
+                   MessageDump& dump, TranslationReport& report, Stopped stopped) {
+  const std::unique_ptr<TraceConsumer> consumer = options.makeConsumer ? options.makeConsumer(writer, link) : nullptr;
+  DecodeContext context{writer, link.setupPending ? LinkSetup::Pending : LinkSetup::NotPending};
+  context.detail = options.detail;
+  bool messageFound = false;
+  std::uint64_t lineNumber = 1;
+  const auto deliver = [&](const DumpMessage* message) {
+    if (message == nullptr) return;
+    messageFound = true;
+    if (message->cutOff && report.cutOffMessages++ == 0) report.firstCutOffLine = message->firstLine;
+    if (consumer) {
+      consumer->Consume(
+          {{}, message->firstLine, message->wholeFrame, message->wholeFrame ? message->octets : OctetSpan{}, message});
+    } else {
+      DecodeDumpMessage(context, message->octets, message->wholeFrame);
+    }
+  };
+  bool lineStarts = true;
+  while (const auto pieces = source.NextPieces()) {
+    ForEachPiece(*pieces, [&](std::string_view piece) {
+      if (lineStarts) {
+        std::string_view line = piece;
+        if (line.ends_with('\n')) line.remove_suffix(1);
+        if (line.ends_with('\r')) line.remove_suffix(1);
+        deliver(dump.Before(line, lineNumber));
+      }
+      if (consumer) {
+        consumer->Consume({piece, lineNumber, false, {}});
+      } else {
+        writer.Put(piece);
+      }
+      lineStarts = piece.back() == '\n';
+      if (lineStarts) ++lineNumber;
+    });
+    if (stopped()) break;
+  }
+  deliver(dump.Finish());
+  if (consumer) {
+    consumer->Finish();
+  } else {
+    link.setupPending = context.linkSetup == LinkSetup::Pending;
+  }
+  return messageFound;
+}
+
 // Every piece of a source (the line reader, a recognised format's source,
-// text in memory) into the message file or the consumer, on this thread.
-// Returns whether a frame line was seen; fills in the report's reading side.
+// text in memory) into the message file or the consumer, on this thread;
+// through `dump`, when given, as a debug dump's lines. Returns whether a
+// frame line (a dump's message) was seen; fills in the report's reading side.
 bool TranslatePieces(PieceSource& source, OutputWriter& writer, LinkMemory& link, const TranslationOptions& options,
-                     bool readMayWait, std::uint64_t inputSize, TranslationReport& report) {
+                     bool readMayWait, std::uint64_t inputSize, TranslationReport& report,
+                     MessageDump* dump = nullptr) {
   // Output produced so far reaches its reader before the run may wait
   // for more input: `velmora - -` works as a filter.
   source.SetBeforeRead([&] {
@@ -138,7 +191,9 @@ bool TranslatePieces(PieceSource& source, OutputWriter& writer, LinkMemory& link
   });
   const auto stopped = [&] { return options.stopOnWriteError && writer.Failed(); };
   bool frameFound = false;
-  if (options.makeConsumer) {
+  if (dump != nullptr) {
+    frameFound = TranslateDump(source, writer, link, options, *dump, report, stopped);
+  } else if (options.makeConsumer) {
     frameFound = ConsumeTrace(source, *options.makeConsumer(writer, link), report.scanNotes, stopped);
   } else {
     DecodeContext context{writer, link.setupPending ? LinkSetup::Pending : LinkSetup::NotPending};
@@ -251,7 +306,8 @@ TranslationOutcome TranslateTrace(PieceSource& source, ByteSink& output, LinkMem
   TranslationReport unusedReport;
   TranslationReport& report = ReportOf(options, unusedReport);
   OutputWriter writer(output);
-  const bool frameFound = TranslatePieces(source, writer, link, options, false, 0, report);
+  const std::unique_ptr<MessageDump> dump = options.forcedFormat != nullptr ? options.forcedFormat->Dump() : nullptr;
+  const bool frameFound = TranslatePieces(source, writer, link, options, false, 0, report, dump.get());
   writer.Flush();
   ReportWrites(writer, 0, report);
   return frameFound ? TranslationOutcome::TranslationDone : TranslationOutcome::NoFrameFound;
@@ -296,10 +352,15 @@ TranslationOutcome TranslateTraceFile(std::string_view inputPath, std::string_vi
   // checked, before the output is opened: a refused input leaves no output.
   InputHead head;
   std::unique_ptr<PieceSource> formatted;
-  if (!options.inputFormats.empty()) {
-    head = ReadInputHead(inputFd, S_ISREG(inputInfo.st_mode), options.inputFormats);
-    const InputFormat* format = head.error == 0 ? RecognisedFormat(options.inputFormats, head.View()) : nullptr;
-    if (format != nullptr) {
+  std::unique_ptr<MessageDump> dump;
+  if (!options.inputFormats.empty() || options.forcedFormat != nullptr) {
+    if (options.forcedFormat == nullptr)
+      head = ReadInputHead(inputFd, S_ISREG(inputInfo.st_mode), options.inputFormats);
+    const InputFormat* format = options.forcedFormat != nullptr ? options.forcedFormat
+                                : head.error == 0               ? RecognisedFormat(options.inputFormats, head.View())
+                                                                : nullptr;
+    if (format != nullptr) dump = format->Dump();
+    if (format != nullptr && !dump) {
       OpenedInput opened = format->Open(inputFd, head.consumed ? head.View() : std::string_view());
       if (!opened.source) {
         report.inputFault = InputFault::Refused;
@@ -322,7 +383,7 @@ TranslationOutcome TranslateTraceFile(std::string_view inputPath, std::string_vi
   FdSink sink(outputFd);
   const std::optional<std::uint64_t> regularInputSize = RegularFileSize(inputInfo);
   const std::uint64_t inputSize = regularInputSize.value_or(0);
-  const bool parallel = head.error == 0 && !formatted && options.jobs > 1 && !options.makeConsumer &&
+  const bool parallel = head.error == 0 && !formatted && !dump && options.jobs > 1 && !options.makeConsumer &&
                         !inputIsStandard && inputSize >= kParallelMinimum;
   // One decoding thread leaves the writes to a thread of their own where a
   // write costs (a file, a pipe; not /dev/null or another device); a
@@ -355,7 +416,7 @@ TranslationOutcome TranslateTraceFile(std::string_view inputPath, std::string_vi
     LineReader reader(inputFd, LineReader::kDefaultBlock, regularInputSize ? SourceReads::Ahead : SourceReads::Inline);
     if (head.consumed) reader.Preload(head.View());
     LineReaderSource source(reader);
-    frameFound = TranslatePieces(source, writer, link, options, readMayWait, inputSize, report);
+    frameFound = TranslatePieces(source, writer, link, options, readMayWait, inputSize, report, dump.get());
   }
   writer.Flush();
   int closeError = 0;

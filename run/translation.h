@@ -72,6 +72,10 @@ struct TranslationReport {
   std::string inputFaultText;  // what is wrong and where, in words; empty with None
   // Lines the scanner read by its rules that the user should hear about.
   ScanNotes scanNotes = {};
+  // A debug dump's messages with fewer octets than their header announced,
+  // and the first line of the first of them.
+  std::uint64_t cutOffMessages = 0;
+  std::uint64_t firstCutOffLine = 0;
 };
 
 // Makes what a run writes instead of the message file (trace_consumer.h),
@@ -110,6 +114,9 @@ struct TranslationOptions {
   // before the input is read as a trace log; such an input is translated on
   // one thread. Empty: every input is a trace log.
   std::vector<const InputFormat*> inputFormats;
+  // A format to read the input as whatever its start (--from); null: the
+  // start tells, among `inputFormats`, or the input is a trace log.
+  const InputFormat* forcedFormat = nullptr;
 };
 
 // The in-memory core: copies and decodes every piece that `source` hands

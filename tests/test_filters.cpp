@@ -31,13 +31,6 @@ class Filters : public ScratchDirectoryTest {
     EXPECT_EQ(run.status, 0) << args << ": " << run.err;
     return Numbers(run.out, R"((?:^|\n)(\d{5}) 2026)");
   }
-  static std::vector<int> Numbers(const std::string& text, const char* pattern) {
-    std::vector<int> numbers;
-    const std::regex re(pattern);
-    for (auto it = std::sregex_iterator(text.begin(), text.end(), re); it != std::sregex_iterator(); ++it)
-      numbers.push_back(std::stoi((*it)[1]));
-    return numbers;
-  }
 };
 
 using Lines = std::vector<int>;

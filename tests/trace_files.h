@@ -9,6 +9,7 @@
 #include <cstdlib>
 #include <filesystem>
 #include <fstream>
+#include <regex>
 #include <sstream>
 #include <string>
 #include <string_view>
@@ -85,5 +86,14 @@ class ScratchDirectoryTest : public ::testing::Test {
 
   std::filesystem::path dir_;
 };
+
+// The numbers that the first group of `pattern` matches in `text`, in order.
+inline std::vector<int> Numbers(const std::string& text, const char* pattern) {
+  std::vector<int> numbers;
+  const std::regex re(pattern);
+  for (auto it = std::sregex_iterator(text.begin(), text.end(), re); it != std::sregex_iterator(); ++it)
+    numbers.push_back(std::stoi((*it)[1]));
+  return numbers;
+}
 
 }  // namespace velmora::testing

@@ -28,7 +28,8 @@ expect() {
 [[ $(complete -p velmora) == *"-F _velmora"* ]] || { echo "no completion registered for velmora"; failures=1; }
 expect "--j" "--jobs"
 expect "--v" "--version"
-expect "-" "--call --cause --detail --failed --help --jobs --message --tei --to --version -j -q"
+expect "-" "--call --cause --detail --failed --from --help --jobs --message --tei --to --version -j -q"
+expect "--from p" "pbx pcap"
 expect "--detail " "description full"
 expect "--tei " ""
 expect "-j 1" "1"

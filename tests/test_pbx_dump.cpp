@@ -1,0 +1,177 @@
+// A PBX's PRI-stack debug as input, on a dump written here by hand in the
+// stack's layout (tests/data/dumps/pbx.txt): the messages its lines carry,
+// where their decode stands, and every output kind on it. The expected
+// octets are worked out by hand from the dump's lines.
+#include <gtest/gtest.h>
+
+#include <string>
+#include <vector>
+
+#include "input_formats.h"
+#include "pbx_dump.h"
+#include "trace_files.h"
+
+namespace velmora::testing {
+namespace {
+
+const std::string kDump = std::string(VELMORA_TEST_DATA) + "/dumps/pbx.txt";
+
+std::vector<std::string> Lines(const std::string& text) {
+  std::vector<std::string> lines;
+  for (std::size_t at = 0; at < text.size();) {
+    const std::size_t end = text.find('\n', at);
+    lines.push_back(text.substr(at, end == std::string::npos ? std::string::npos : end - at));
+    at = end == std::string::npos ? text.size() : end + 1;
+  }
+  return lines;
+}
+
+std::string Hex(OctetSpan octets) {
+  std::string hex;
+  for (const Octet octet : octets) {
+    hex += "0123456789abcdef"[octet >> 4];
+    hex += "0123456789abcdef"[octet & 0xF];
+  }
+  return hex;
+}
+
+struct Expected {
+  std::uint64_t firstLine;
+  std::uint64_t endsBefore;  // the line in front of which it is handed on; 0: at the end
+  std::string octets;
+  bool wholeFrame;
+  FrameDirection direction;
+  std::string moment;
+  bool cutOff;
+};
+
+TEST(PbxDump, MessagesFromHeaderAndElementLinesOrFromTheRawFrame) {
+  const Expected expected[] = {
+      // SETUP: 08, call reference 2 octets 00 05 (from the originator), type 5, three elements.
+      {2, 13, "0802000505040380 90a31803a983817003813132", false, FrameDirection::Sent, "09:15:02", false},
+      // CALL PROCEEDING behind "PRI Span: 1 < TEI=0": to the originator (flag set), "Message Type:".
+      {14, 19, "0802800502 1803a98381", false, FrameDirection::Received, "", false},
+      // A raw I frame: its octets, whatever the decode lines behind it say.
+      {19, 31, "0201020408028005450802 8090", true, FrameDirection::Received, "", false},
+      // An RR frame alone; the unmarked line behind ends it.
+      {31, 34, "00010105", true, FrameDirection::Sent, "", false},
+      // RELEASE whose Cause line is cut: its header's octets, shorter than len=9.
+      {35, 0, "080200054d", false, FrameDirection::Sent, "", true},
+  };
+  PbxDumpReader reader;
+  std::size_t next = 0;
+  const auto check = [&](const DumpMessage* message, std::uint64_t before) {
+    if (message == nullptr) return;
+    ASSERT_LT(next, std::size(expected)) << "a message more than expected, before line " << before;
+    const Expected& want = expected[next++];
+    std::string octets = want.octets;
+    std::erase(octets, ' ');
+    EXPECT_EQ(message->firstLine, want.firstLine);
+    EXPECT_EQ(before, want.endsBefore) << "message of line " << want.firstLine;
+    EXPECT_EQ(Hex(message->octets), octets) << "message of line " << want.firstLine;
+    EXPECT_EQ(message->wholeFrame, want.wholeFrame);
+    EXPECT_EQ(message->direction, want.direction);
+    EXPECT_EQ(message->moment, want.moment);
+    EXPECT_EQ(message->cutOff, want.cutOff);
+  };
+  std::uint64_t number = 0;
+  for (const std::string& line : Lines(ReadAll(kDump))) {
+    ++number;
+    check(reader.Before(line, number), number);
+  }
+  check(reader.Finish(), 0);
+  EXPECT_EQ(next, std::size(expected));
+}
+
+TEST(PbxDump, NewerStacksWordingAndOtherPrefixes) {
+  PbxDumpReader reader;
+  // "Sent from originator", a span prefix, a one-octet call reference.
+  const std::vector<std::string> lines = {
+      "PRI Span: 2 > Protocol Discriminator: Q.931 (8)  len=4",
+      "PRI Span: 2 > Call Ref: len= 1 (reference 65/0x41) (Sent from originator)",
+      "PRI Span: 2 > Message Type: CONNECT ACKNOWLEDGE (15)",
+      "PRI Span: 2 < Protocol Discriminator: Q.931 (8)  len=3",
+      "PRI Span: 2 < Call Ref: len= 0 (reference 0/0x0) (Sent to originator)",
+      "PRI Span: 2 < Message Type: STATUS ENQUIRY (117)",
+      "a line after them",
+  };
+  std::vector<std::string> found;
+  std::uint64_t number = 0;
+  for (const std::string& line : lines)
+    if (const DumpMessage* message = reader.Before(line, ++number)) found.push_back(Hex(message->octets));
+  EXPECT_EQ(found, (std::vector<std::string>{"0801410f", "080075"}));
+  EXPECT_EQ(reader.Finish(), nullptr);
+}
+
+TEST(PbxDump, TheInputsStartTellsTheFormat) {
+  const InputFormat& format = PbxDumpFormat();
+  EXPECT_EQ(format.Recognise("-- noise\n[Mar 14] VERBOSE[1] x.c: > Protocol Discriminator: Q.931 (8)  len=3\n"),
+            Recognition::Yes);
+  EXPECT_EQ(format.Recognise("< [ 00 01 01 05 ]\n"), Recognition::Yes);
+  EXPECT_EQ(format.Recognise("00001 2026-03-14 09:15:02.306 **** D-CH TX HDLC:3  | 0x00 0x01 0x01\n"), Recognition::No);
+  EXPECT_EQ(format.Recognise("> Protocol Discrim"), Recognition::NeedMore);
+}
+
+class PbxDumpRun : public ScratchDirectoryTest {};
+
+TEST_F(PbxDumpRun, EveryLineCopiedAndEachDecodeBehindItsMessagesLastLine) {
+  const Finished run = Velmora(kDump + " -");
+  EXPECT_EQ(run.status, 0) << run.err;
+  EXPECT_NE(run.err.find("1 message has fewer octets than the dump's length says"), std::string::npos) << run.err;
+  const std::vector<std::string> input = Lines(ReadAll(kDump));
+  const std::vector<std::string> output = Lines(run.out);
+  // The input lines in order, and what stands in front of lines 13, 19, 31,
+  // 34 and behind the last: a decode whose lines are not the input's.
+  std::vector<std::string> decodedBefore[40];
+  std::size_t at = 0;
+  for (std::size_t line = 0; line < input.size(); ++line) {
+    while (at < output.size() && output[at] != input[line]) decodedBefore[line + 1].push_back(output[at++]);
+    ASSERT_LT(at, output.size()) << "input line " << line + 1 << " not copied in order";
+    ++at;
+  }
+  const std::vector<std::string> tail(output.begin() + static_cast<std::ptrdiff_t>(at), output.end());
+  for (std::size_t line = 1; line < 40; ++line) {
+    const bool decodedHere = line == 13 || line == 19 || line == 31 || line == 34;
+    EXPECT_EQ(!decodedBefore[line].empty(), decodedHere) << "in front of line " << line;
+  }
+  EXPECT_EQ(decodedBefore[13].front(), "ISDN Layer 3: Q.931 protocol message");  // no layer 2 known
+  EXPECT_EQ(decodedBefore[13][1], "Message type:SETUP");
+  EXPECT_EQ(decodedBefore[19][1], "Message type:CALL PROCEEDING");
+  EXPECT_EQ(decodedBefore[31].front(), "ISDN Layer 2: Information transfer");  // the raw frame's
+  EXPECT_EQ(decodedBefore[31][2], "Message type:DISCONNECT");
+  EXPECT_EQ(decodedBefore[34], std::vector<std::string>{"ISDN Layer 2: Supervisory  RR(receive ready)"});
+  EXPECT_EQ(tail, (std::vector<std::string>{"ISDN Layer 3: Q.931 protocol message", "Message type:RELEASE"}));
+}
+
+TEST_F(PbxDumpRun, JsonCallsAndTheFormatForced) {
+  const Finished json = Velmora("-q --to json " + kDump + " -");
+  EXPECT_EQ(json.status, 0) << json.err;
+  EXPECT_EQ(Numbers(json.out, R"("line":(\d+))"), (std::vector<int>{2, 14, 19, 31, 35}));
+  EXPECT_NE(json.out.find(R"({"line":2,"time":"09:15:02","direction":"TX","octets":"0802000505040380)"),
+            std::string::npos);
+  EXPECT_NE(json.out.find(R"("layer2":null,"message":{"protocol_discriminator":8,"call_ref":5,"call_ref_flag":1,)"),
+            std::string::npos);
+  EXPECT_NE(json.out.find(R"j("layer2":{"kind":"Supervisory  RR(receive ready)"},"message":null})j"),
+            std::string::npos);
+  // One call from SETUP to RELEASE, outgoing (">" sent its SETUP), cleared by the callee with cause 16.
+  const Finished calls = Velmora("-q --to calls-json " + kDump + " -");
+  EXPECT_EQ(Numbers(calls.out, R"("first_line":(\d+))"), (std::vector<int>{2}));
+  EXPECT_NE(calls.out.find(R"("direction":"outgoing")"), std::string::npos) << calls.out;
+  EXPECT_NE(calls.out.find(R"("cause_value":16,)"), std::string::npos) << calls.out;
+  // Filters select a dump's messages; the message file then holds their decodes.
+  const Finished disconnect = Velmora("-q --message DISCONNECT " + kDump + " -");
+  EXPECT_EQ(disconnect.out.rfind("ISDN Layer 2: Information transfer\n", 0), 0U) << disconnect.out;
+  EXPECT_NE(disconnect.out.find("Message type:DISCONNECT\n"), std::string::npos);
+  EXPECT_EQ(disconnect.out.find("SETUP"), std::string::npos);
+  EXPECT_EQ(Numbers(Velmora("-q --to json --message setup,release " + kDump + " -").out, R"("line":(\d+))"),
+            (std::vector<int>{2, 35}));
+  // Read as a trace log it has no frame line; an unknown format is a usage error.
+  EXPECT_EQ(Velmora("-q --from trace " + kDump + " -").status, 1);
+  EXPECT_EQ(Velmora("-q --from pbx " + kDump + " -").out, Velmora("-q " + kDump + " -").out);
+  const Finished unknown = Velmora("--from router " + kDump + " -");
+  EXPECT_EQ(unknown.status, 64);
+  EXPECT_NE(unknown.err.find("--from: unknown input format 'router' (trace, pcap or pbx)"), std::string::npos);
+}
+
+}  // namespace
+}  // namespace velmora::testing

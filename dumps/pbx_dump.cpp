@@ -1,19 +1,17 @@
 #include "pbx_dump.h"
 
 #include <array>
-#include <bit>
-#include <charconv>
 
-#if defined(__SSE2__)
-#include <emmintrin.h>
-#endif
+#include "dump_text.h"
 
 namespace velmora {
 namespace {
 
+using dump_text::HexValue;
+using dump_text::kLongestMessage;
+using dump_text::NumberAfter;
+
 constexpr std::string_view kDiscriminatorLine = "Protocol Discriminator: Q.931";
-// Messages, frames included, hold at most what a frame line can.
-constexpr std::size_t kLongestMessage = 300;
 
 // A line's direction mark (">" sent, "<" received, standing alone behind an
 // optional prefix) and what stands before and behind it.
@@ -35,29 +33,11 @@ MarkedLine Marked(std::string_view line, std::size_t at) {
   return {line[at] == '>' ? FrameDirection::Sent : FrameDirection::Received, line.substr(0, at), content};
 }
 
-// Sixteen characters at a time: most of a line is neither mark.
 std::optional<MarkedLine> FindMark(std::string_view line) {
-  std::size_t at = 0;
-#if defined(__SSE2__)
-  for (; at + 16 <= line.size(); at += 16) {
-    const __m128i block = _mm_loadu_si128(reinterpret_cast<const __m128i*>(line.data() + at));
-    unsigned mask = static_cast<unsigned>(_mm_movemask_epi8(
-        _mm_or_si128(_mm_cmpeq_epi8(block, _mm_set1_epi8('>')), _mm_cmpeq_epi8(block, _mm_set1_epi8('<')))));
-    for (; mask != 0; mask &= mask - 1) {
-      const std::size_t mark = at + static_cast<std::size_t>(std::countr_zero(mask));
-      if (Alone(line, mark)) return Marked(line, mark);
-    }
-  }
-#endif
-  for (; at < line.size(); ++at)
-    if ((line[at] == '>' || line[at] == '<') && Alone(line, at)) return Marked(line, at);
+  for (std::size_t at = dump_text::NextOf(line, 0, '>', '<'); at < line.size();
+       at = dump_text::NextOf(line, at + 1, '>', '<'))
+    if (Alone(line, at)) return Marked(line, at);
   return std::nullopt;
-}
-
-int HexValue(char c) {
-  if (c >= '0' && c <= '9') return c - '0';
-  if ((c | 0x20) >= 'a' && (c | 0x20) <= 'f') return (c | 0x20) - 'a' + 10;
-  return -1;
 }
 
 // Octets read from one hex line, at most as many as a message holds.
@@ -89,18 +69,6 @@ bool HexList(std::string_view content, HexOctets& hex) {
     at += pair ? 2 : 1;
   }
   return hex.size > 0;
-}
-
-// The decimal number behind `key` (and blanks) in `text`.
-std::optional<std::uint64_t> NumberAfter(std::string_view text, std::string_view key) {
-  std::size_t at = text.find(key);
-  if (at == std::string_view::npos) return std::nullopt;
-  at += key.size();
-  while (at < text.size() && text[at] == ' ') ++at;
-  std::uint64_t value = 0;
-  const auto [end, error] = std::from_chars(text.data() + at, text.data() + text.size(), value);
-  if (error != std::errc() || end == text.data() + at) return std::nullopt;
-  return value;
 }
 
 // "Message type: SETUP (5)": the number in the line's last parentheses.

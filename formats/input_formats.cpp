@@ -2,6 +2,7 @@
 
 #include "capture_input.h"
 #include "pbx_dump.h"
+#include "router_dump.h"
 
 namespace velmora {
 
@@ -10,6 +11,7 @@ std::span<const InputFormatEntry> InputFormatEntries() {
       {"trace", "Trace logs", "*.txt;*.log", nullptr},
       {"pcap", "Captures", "*.pcap;*.pcapng", &CaptureFormat()},
       {"pbx", "PBX PRI debug", "*.txt;*.log", &PbxDumpFormat()},
+      {"router", "Router ISDN debug", "*.txt;*.log", &RouterDumpFormat()},
   };
   return kEntries;
 }

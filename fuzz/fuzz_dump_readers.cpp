@@ -1,12 +1,14 @@
-// Random text read as a PBX's PRI-stack debug, into the message file at
-// --detail full (every decoded line closed) and into JSON and the calls.
+// Random text read as a debug dump, a PBX's PRI-stack debug or a router's
+// ISDN debug, into the message file at --detail full (every decoded line
+// closed) and into JSON and the calls.
 //
 // Invariants: every input line stands in the message file, in order, and
 // what stands between two of them is decoded lines only ("ISDN Layer ",
 // "Message type:" or a tab first; behind a last line without its line end,
 // on that line); the other outputs finish.
 //
-// Input: the dump's text.
+// Input: byte 0 picks the reader (even: the PBX's, odd: the router's), the
+// rest is the dump's text.
 #include <cstddef>
 #include <cstdint>
 #include <string>
@@ -17,6 +19,7 @@
 #include "frame_json.h"
 #include "fuzz_support.h"
 #include "pbx_dump.h"
+#include "router_dump.h"
 #include "translation.h"
 
 namespace {
@@ -38,11 +41,11 @@ bool Decoded(std::string_view line) {
   return line.starts_with("ISDN Layer ") || line.starts_with("Message type:") || line.starts_with('\t');
 }
 
-std::string Run(std::string_view dump, velmora::TranslationOptions options) {
+std::string Run(std::string_view dump, const velmora::InputFormat& format, velmora::TranslationOptions options) {
   std::string output;
   velmora::StringSink sink(output);
   velmora::LinkMemory link;
-  options.forcedFormat = &velmora::PbxDumpFormat();
+  options.forcedFormat = &format;
   velmora::TranslateTraceText(dump, sink, link, options);
   return output;
 }
@@ -50,10 +53,12 @@ std::string Run(std::string_view dump, velmora::TranslationOptions options) {
 }  // namespace
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
-  const std::string_view dump(reinterpret_cast<const char*>(data), size);
+  if (size == 0) return 0;
+  const velmora::InputFormat& format = data[0] % 2 == 0 ? velmora::PbxDumpFormat() : velmora::RouterDumpFormat();
+  const std::string_view dump(reinterpret_cast<const char*>(data + 1), size - 1);
   velmora::TranslationOptions full;
   full.detail = velmora::DetailLevel::Full;
-  const std::string message = Run(dump, full);
+  const std::string message = Run(dump, format, full);
   const std::vector<std::string_view> input = LinesOf(dump);
   const std::vector<std::string_view> output = LinesOf(message);
   // A last line without its line end has the decode of the message it
@@ -82,11 +87,11 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
   json.makeConsumer = [](velmora::OutputWriter& out, velmora::LinkMemory& memory) {
     return velmora::MakeJsonConsumer(out, memory, velmora::DetailLevel::Full);
   };
-  Run(dump, json);
+  Run(dump, format, json);
   velmora::TranslationOptions calls;
   calls.makeConsumer = [](velmora::OutputWriter& out, velmora::LinkMemory&) {
     return velmora::MakeCallsConsumer(out, velmora::CallsForm::JsonLines);
   };
-  Run(dump, calls);
+  Run(dump, format, calls);
   return 0;
 }

@@ -1,20 +1,24 @@
-// A PBX's PRI-stack debug as input, on a dump written here by hand in the
-// stack's layout (tests/data/dumps/pbx.txt): the messages its lines carry,
-// where their decode stands, and every output kind on it. The expected
-// octets are worked out by hand from the dump's lines.
+// Debug dumps as input, on dumps written here by hand in the layouts of a
+// PBX's PRI stack (tests/data/dumps/pbx.txt) and of a router's ISDN debug
+// (router.txt): the messages their lines carry, where their decode stands,
+// and every output kind on them. The expected octets are worked out by hand
+// from the dumps' lines.
 #include <gtest/gtest.h>
 
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "input_formats.h"
 #include "pbx_dump.h"
+#include "router_dump.h"
 #include "trace_files.h"
 
 namespace velmora::testing {
 namespace {
 
 const std::string kDump = std::string(VELMORA_TEST_DATA) + "/dumps/pbx.txt";
+const std::string kRouterDump = std::string(VELMORA_TEST_DATA) + "/dumps/router.txt";
 
 std::vector<std::string> Lines(const std::string& text) {
   std::vector<std::string> lines;
@@ -112,9 +116,71 @@ TEST(PbxDump, TheInputsStartTellsTheFormat) {
   EXPECT_EQ(format.Recognise("> Protocol Discrim"), Recognition::NeedMore);
 }
 
-class PbxDumpRun : public ScratchDirectoryTest {};
+// The messages a reader hands on for `lines`, as hex, with the line in
+// front of which each comes (0: at the end).
+std::vector<std::pair<std::string, std::uint64_t>> MessagesOf(MessageDump& reader,
+                                                              const std::vector<std::string>& lines) {
+  std::vector<std::pair<std::string, std::uint64_t>> found;
+  std::uint64_t number = 0;
+  for (const std::string& line : lines)
+    if (const DumpMessage* message = reader.Before(line, ++number)) found.emplace_back(Hex(message->octets), number);
+  if (const DumpMessage* message = reader.Finish()) found.emplace_back(Hex(message->octets), 0);
+  return found;
+}
 
-TEST_F(PbxDumpRun, EveryLineCopiedAndEachDecodeBehindItsMessagesLastLine) {
+TEST(RouterDump, MessagesFromNamesAndHexOrFromAnInformationFrame) {
+  RouterDumpReader reader;
+  using Found = std::vector<std::pair<std::string, std::uint64_t>>;
+  // SETUP: 08, the reference 00 05 (two octets, as its hex has four digits),
+  // type 5; Bearer capability 04 03 80 90 a3, Channel identification 18 03
+  // a9 83 81, Called party number 70 03 81 and the digits "12" given as text.
+  // CALL_PROC and DISCONNECT to the originator (80 05); then the q921
+  // information frame's own message, a RELEASE; the RR frame adds none.
+  EXPECT_EQ(MessagesOf(reader, Lines(ReadAll(kRouterDump))), (Found{{"080200050504038090a31803a98381700381"
+                                                                     "3132",
+                                                                     11},
+                                                                    {"0802800502"
+                                                                     "1803a98381",
+                                                                     13},
+                                                                    {"0802800545"
+                                                                     "08028290",
+                                                                     15},
+                                                                    {"080200054d", 16}}));
+}
+
+TEST(RouterDump, TheInputsStartTellsTheFormat) {
+  const InputFormat& format = RouterDumpFormat();
+  EXPECT_EQ(format.Recognise("Router#debug isdn q931\n*Mar 14 09:15:02.381: ISDN Se0/0:23 Q931: TX -> SETUP pd = 8  "
+                             "callref = 0x0005\n"),
+            Recognition::Yes);
+  EXPECT_EQ(format.Recognise("ISDN BR0: RX <- INFOc sapi = 0 tei = 89 ns = 0 nr = 0  i = 0x08018502\n"),
+            Recognition::Yes);
+  EXPECT_EQ(format.Recognise("> Protocol Discriminator: Q.931 (8)  len=3\n"), Recognition::No);
+  EXPECT_EQ(PbxDumpFormat().Recognise("ISDN BR0: RX <- INFOc sapi = 0 tei = 89 i = 0x08\n"), Recognition::No);
+}
+
+class DumpRun : public ScratchDirectoryTest {};
+
+TEST_F(DumpRun, RouterDumpIntoEveryOutput) {
+  const Finished run = Velmora(kRouterDump + " -");
+  EXPECT_EQ(run.status, 0) << run.err;
+  // Behind the SETUP's last element line (line 10), before line 11.
+  const std::string setupEnd =
+      "                Plan:ISDN, Type:Unknown\nISDN Layer 3: Q.931 protocol message\nMessage type:SETUP\n";
+  EXPECT_NE(run.out.find(setupEnd), std::string::npos) << run.out;
+  EXPECT_NE(run.out.find("\t\tNumber digits (IA5)= 0x31 0x32\nMar 14 09:15:02.500"), std::string::npos);
+  EXPECT_NE(run.out.find("nr = 4  i = 0x080200054D\nISDN Layer 3: Q.931 protocol message\nMessage type:RELEASE\n"),
+            std::string::npos);
+  const Finished json = Velmora("-q --to json " + kRouterDump + " -");
+  EXPECT_EQ(Numbers(json.out, R"("line":(\d+))"), (std::vector<int>{3, 11, 13, 15}));
+  EXPECT_NE(json.out.find(R"({"line":3,"time":"09:15:02.381","direction":"TX",)"), std::string::npos) << json.out;
+  const Finished calls = Velmora("-q --to calls-json " + kRouterDump + " -");
+  EXPECT_NE(calls.out.find(R"("first_line":3,"last_line":15,"direction":"outgoing")"), std::string::npos) << calls.out;
+  EXPECT_NE(calls.out.find(R"("called":"12")"), std::string::npos);
+  EXPECT_EQ(Velmora("-q --from router " + kRouterDump + " -").out, run.out);
+}
+
+TEST_F(DumpRun, EveryLineCopiedAndEachDecodeBehindItsMessagesLastLine) {
   const Finished run = Velmora(kDump + " -");
   EXPECT_EQ(run.status, 0) << run.err;
   EXPECT_NE(run.err.find("1 message has fewer octets than the dump's length says"), std::string::npos) << run.err;
@@ -143,7 +209,7 @@ TEST_F(PbxDumpRun, EveryLineCopiedAndEachDecodeBehindItsMessagesLastLine) {
   EXPECT_EQ(tail, (std::vector<std::string>{"ISDN Layer 3: Q.931 protocol message", "Message type:RELEASE"}));
 }
 
-TEST_F(PbxDumpRun, JsonCallsAndTheFormatForced) {
+TEST_F(DumpRun, JsonCallsAndTheFormatForced) {
   const Finished json = Velmora("-q --to json " + kDump + " -");
   EXPECT_EQ(json.status, 0) << json.err;
   EXPECT_EQ(Numbers(json.out, R"("line":(\d+))"), (std::vector<int>{2, 14, 19, 31, 35}));
@@ -168,9 +234,9 @@ TEST_F(PbxDumpRun, JsonCallsAndTheFormatForced) {
   // Read as a trace log it has no frame line; an unknown format is a usage error.
   EXPECT_EQ(Velmora("-q --from trace " + kDump + " -").status, 1);
   EXPECT_EQ(Velmora("-q --from pbx " + kDump + " -").out, Velmora("-q " + kDump + " -").out);
-  const Finished unknown = Velmora("--from router " + kDump + " -");
+  const Finished unknown = Velmora("--from hex " + kDump + " -");
   EXPECT_EQ(unknown.status, 64);
-  EXPECT_NE(unknown.err.find("--from: unknown input format 'router' (trace, pcap or pbx)"), std::string::npos);
+  EXPECT_NE(unknown.err.find("--from: unknown input format 'hex' (trace, pcap, pbx or router)"), std::string::npos);
 }
 
 }  // namespace

@@ -1,0 +1,54 @@
+#pragma once
+// What the dump readers share: reading hexadecimal digits and decimal
+// numbers out of a debug line, and the most octets a message holds.
+#include <bit>
+#include <charconv>
+#include <cstddef>
+#include <cstdint>
+#include <optional>
+#include <string_view>
+
+#if defined(__SSE2__)
+#include <emmintrin.h>
+#endif
+
+namespace velmora::dump_text {
+
+// Messages, frames included, hold at most what a frame line can.
+inline constexpr std::size_t kLongestMessage = 300;
+
+// A hexadecimal digit's value, either case; -1 for any other character.
+inline int HexValue(char c) {
+  if (c >= '0' && c <= '9') return c - '0';
+  if ((c | 0x20) >= 'a' && (c | 0x20) <= 'f') return (c | 0x20) - 'a' + 10;
+  return -1;
+}
+
+// The first place at or after `from` that holds `a` or `b`; the text's size
+// when none does. Sixteen characters at a time: a debug line holds few.
+inline std::size_t NextOf(std::string_view text, std::size_t from, char a, char b) {
+#if defined(__SSE2__)
+  for (; from + 16 <= text.size(); from += 16) {
+    const __m128i block = _mm_loadu_si128(reinterpret_cast<const __m128i*>(text.data() + from));
+    const int mask = _mm_movemask_epi8(
+        _mm_or_si128(_mm_cmpeq_epi8(block, _mm_set1_epi8(a)), _mm_cmpeq_epi8(block, _mm_set1_epi8(b))));
+    if (mask != 0) return from + static_cast<std::size_t>(std::countr_zero(static_cast<unsigned>(mask)));
+  }
+#endif
+  while (from < text.size() && text[from] != a && text[from] != b) ++from;
+  return from;
+}
+
+// The decimal number behind `key` (and blanks) in `text`.
+inline std::optional<std::uint64_t> NumberAfter(std::string_view text, std::string_view key) {
+  std::size_t at = text.find(key);
+  if (at == std::string_view::npos) return std::nullopt;
+  at += key.size();
+  while (at < text.size() && text[at] == ' ') ++at;
+  std::uint64_t value = 0;
+  const auto [end, error] = std::from_chars(text.data() + at, text.data() + text.size(), value);
+  if (error != std::errc() || end == text.data() + at) return std::nullopt;
+  return value;
+}
+
+}  // namespace velmora::dump_text

@@ -1,0 +1,248 @@
+#include "router_dump.h"
+
+#include <algorithm>
+#include <array>
+#include <string>
+#include <unordered_map>
+
+#include "dump_text.h"
+#include "q931_message.h"
+
+namespace velmora {
+namespace {
+
+using dump_text::HexValue;
+using dump_text::kLongestMessage;
+using dump_text::NumberAfter;
+
+// The router's names of message types where they are not the Q.931 name
+// with blanks for underscores.
+struct NamedOctet {
+  std::string_view name;
+  Octet value;
+};
+constexpr NamedOctet kMessageAbbreviations[] = {
+    {"CALL_PROC", 0x02},   {"SETUP_ACK", 0x0D}, {"CONNECT_ACK", 0x0F}, {"RELEASE_COMP", 0x5A}, {"STATUS_ENQ", 0x75},
+    {"RESTART_ACK", 0x4E}, {"INFO", 0x7B},      {"USER_INFO", 0x20},   {"SUSPEND_ACK", 0x2D},  {"RESUME_ACK", 0x2E},
+};
+
+// The router's names of information elements.
+constexpr NamedOctet kElementNames[] = {
+    {"Bearer Capability", 0x04},
+    {"Cause", 0x08},
+    {"Call Identity", 0x10},
+    {"Call State", 0x14},
+    {"Channel ID", 0x18},
+    {"Facility", 0x1C},
+    {"Progress Ind", 0x1E},
+    {"Network-Specific Facilities", 0x20},
+    {"Notification Ind", 0x27},
+    {"Display", 0x28},
+    {"Date/Time", 0x29},
+    {"Keypad Facility", 0x2C},
+    {"Signal", 0x34},
+    {"Connected Number", 0x4C},
+    {"Connected SubAddr", 0x4D},
+    {"Calling Party Number", 0x6C},
+    {"Calling Party SubAddr", 0x6D},
+    {"Called Party Number", 0x70},
+    {"Called Party SubAddr", 0x71},
+    {"Redirecting Number", 0x74},
+    {"Transit Network Select", 0x78},
+    {"Restart Indicator", 0x79},
+    {"Low Layer Compat", 0x7C},
+    {"High Layer Compat", 0x7D},
+    {"User-User", 0x7E},
+};
+
+bool SameLetters(std::string_view a, std::string_view b) {
+  return a.size() == b.size() &&
+         std::equal(a.begin(), a.end(), b.begin(), [](char x, char y) { return (x | 0x20) == (y | 0x20); });
+}
+
+// A message type by the router's name for it: an abbreviation, or the
+// Q.931 (or Q.932) name with underscores for blanks, in any case.
+std::optional<Octet> MessageTypeNamed(std::string_view name) {
+  static const std::unordered_map<std::string, Octet> kTypes = [] {
+    std::unordered_map<std::string, Octet> types;
+    for (unsigned type = 0; type < 256; ++type) {
+      std::string key(DetailMessageName(static_cast<Octet>(type)));
+      if (key.empty()) continue;
+      std::replace(key.begin(), key.end(), ' ', '_');
+      types.emplace(std::move(key), static_cast<Octet>(type));
+    }
+    for (const NamedOctet& row : kMessageAbbreviations) types.emplace(std::string(row.name), row.value);
+    return types;
+  }();
+  std::array<char, 32> upper{};
+  if (name.size() > upper.size()) return std::nullopt;
+  std::transform(name.begin(), name.end(), upper.begin(),
+                 [](char c) { return c >= 'a' && c <= 'z' ? static_cast<char>(c - 'a' + 'A') : c; });
+  const auto found = kTypes.find(std::string(upper.data(), name.size()));
+  return found != kTypes.end() ? std::optional(found->second) : std::nullopt;
+}
+
+std::optional<Octet> ElementNamed(std::string_view name) {
+  for (const NamedOctet& row : kElementNames)
+    if (SameLetters(row.name, name)) return row.value;
+  return std::nullopt;
+}
+
+// The octets of the hexadecimal digits at the start of `text` (an odd
+// count takes a leading 0), into `to` at most up to a message's size.
+// Returns the number of digits read.
+std::size_t AppendHex(std::string_view text, std::vector<Octet>& to) {
+  std::size_t digits = 0;
+  while (digits < text.size() && HexValue(text[digits]) >= 0) ++digits;
+  std::size_t at = digits % 2;
+  if (at == 1 && to.size() < kLongestMessage) to.push_back(static_cast<Octet>(HexValue(text[0])));
+  for (; at + 1 < digits; at += 2)
+    if (to.size() < kLongestMessage) to.push_back(static_cast<Octet>(HexValue(text[at]) * 16 + HexValue(text[at + 1])));
+  return digits;
+}
+
+// The direction arrow of a message line and what stands behind it.
+struct Arrow {
+  FrameDirection direction;
+  std::size_t at;  // where the arrow begins
+  std::string_view rest;
+};
+// Found by their '>' or '<', which few other characters of a line are.
+std::optional<Arrow> FindArrow(std::string_view line) {
+  for (std::size_t at = dump_text::NextOf(line, 0, '>', '<'); at < line.size();
+       at = dump_text::NextOf(line, at + 1, '>', '<')) {
+    if (line[at] == '>' && at >= 4 && line.substr(at - 4, 6) == "TX -> ")
+      return Arrow{FrameDirection::Sent, at - 4, line.substr(at + 2)};
+    if (line[at] == '<' && at >= 3 && line.substr(at - 3, 6) == "RX <- ")
+      return Arrow{FrameDirection::Received, at - 3, line.substr(at + 3)};
+  }
+  return std::nullopt;
+}
+
+// Where " i = 0x" stands in a line, found by its "=".
+std::size_t ElementValueAt(std::string_view line) {
+  for (std::size_t at = line.find('='); at != std::string_view::npos; at = line.find('=', at + 1))
+    if (at >= 3 && line.substr(at - 3).starts_with(" i = 0x")) return at - 3;
+  return std::string_view::npos;
+}
+
+}  // namespace
+
+const DumpMessage* RouterDumpReader::Close() {
+  closed_ = std::move(*open_);
+  open_.reset();
+  message_.octets = closed_.octets;
+  message_.wholeFrame = false;
+  message_.direction = closed_.direction;
+  message_.firstLine = closed_.firstLine;
+  message_.moment = closed_.moment;
+  message_.cutOff = false;
+  return &message_;
+}
+
+const DumpMessage* RouterDumpReader::Before(std::string_view line, std::uint64_t lineNumber) {
+  const bool indented = !line.empty() && (line[0] == ' ' || line[0] == '\t');
+  // An element line of the open q931 message: "Channel ID i = 0xA98381",
+  // "Called Party Number i = 0x81, '12'".
+  if (indented && open_ && open_->takesElements) {
+    const std::size_t equals = ElementValueAt(line);
+    if (equals != std::string_view::npos) {
+      std::string_view name = line.substr(0, equals);
+      name.remove_prefix(std::min(name.find_first_not_of(" \t"), name.size()));
+      if (const std::optional<Octet> identifier = ElementNamed(name)) {
+        std::vector<Octet>& contents = contents_;
+        contents.clear();
+        const std::string_view hex = line.substr(equals + 7);
+        const std::size_t digits = AppendHex(hex, contents);
+        // Digits given as text behind the hex: ", '1700'".
+        std::string_view behind = hex.substr(digits);
+        if (behind.starts_with(", '")) {
+          behind.remove_prefix(3);
+          for (const char c : behind.substr(0, behind.find('\''))) contents.push_back(static_cast<Octet>(c));
+        }
+        if (open_->octets.size() + contents.size() + 2 <= kLongestMessage) {
+          open_->octets.push_back(*identifier);
+          open_->octets.push_back(static_cast<Octet>(std::min<std::size_t>(contents.size(), 255)));
+          open_->octets.insert(open_->octets.end(), contents.begin(), contents.end());
+        }
+      }
+    }
+    return nullptr;
+  }
+  if (indented) return nullptr;  // the router's own decode lines
+  const DumpMessage* ended = open_ ? Close() : nullptr;
+  const std::optional<Arrow> arrow = FindArrow(line);
+  if (!arrow) return ended;
+  RouterDumpMessage message;
+  message.direction = arrow->direction;
+  message.firstLine = lineNumber;
+  // The time stamp stands before the interface, with a colon behind it
+  // ("*Mar 14 09:15:02.381: ISDN BR0: ..."), which a time read alone lacks.
+  std::string_view stamp = line.substr(0, std::min(line.find(" ISDN"), arrow->at));
+  if (stamp.ends_with(':')) stamp.remove_suffix(1);
+  MomentText moment;
+  moment.Assign(ReadFrameLineFacts(stamp));
+  message.moment = moment.View();
+  const std::string_view rest = arrow->rest;
+  if (rest.starts_with("INFO")) {
+    // A q921 information frame: its layer-3 message in hex behind "i = 0x".
+    const std::size_t at = rest.find(" i = 0x");
+    if (at == std::string_view::npos || AppendHex(rest.substr(at + 7), message.octets) == 0) return ended;
+    open_ = std::move(message);
+    return ended;
+  }
+  // A q931 message line: "SETUP pd = 8  callref = 0x0005".
+  const std::size_t pd = rest.find(" pd = ");
+  const std::size_t callref = rest.find("callref = ");
+  if (pd == std::string_view::npos || callref == std::string_view::npos) return ended;
+  const std::optional<Octet> type = MessageTypeNamed(rest.substr(0, pd));
+  const std::optional<std::uint64_t> discriminator = NumberAfter(rest, " pd = ");
+  if (!type || !discriminator || *discriminator > 255) return ended;
+  message.octets.push_back(static_cast<Octet>(*discriminator));
+  std::vector<Octet> reference;
+  const std::string_view value = rest.substr(callref + 10);
+  if (value.starts_with("0x")) AppendHex(value.substr(2), reference);
+  message.octets.push_back(static_cast<Octet>(reference.size()));
+  message.octets.insert(message.octets.end(), reference.begin(), reference.end());
+  message.octets.push_back(*type);
+  message.takesElements = true;
+  open_ = std::move(message);
+  return ended;
+}
+
+const DumpMessage* RouterDumpReader::Finish() { return open_ ? Close() : nullptr; }
+
+namespace {
+
+class RouterDumpInputFormat final : public InputFormat {
+ public:
+  // A q931 message line or a q921 information frame among the first lines.
+  Recognition Recognise(std::string_view head) const override {
+    bool wholeLine = false;
+    for (std::size_t at = 0; at < head.size();) {
+      const std::size_t end = head.find('\n', at);
+      if (end == std::string_view::npos) break;
+      wholeLine = true;
+      const std::string_view line = head.substr(at, end - at);
+      if (const std::optional<Arrow> arrow = FindArrow(line); arrow && line.find("ISDN") != std::string_view::npos) {
+        const std::string_view rest = arrow->rest;
+        if ((rest.find(" pd = ") != std::string_view::npos && rest.find("callref = ") != std::string_view::npos) ||
+            (rest.starts_with("INFO") && rest.find(" i = 0x") != std::string_view::npos))
+          return Recognition::Yes;
+      }
+      at = end + 1;
+    }
+    return !wholeLine && head.size() < kRecognitionBytes ? Recognition::NeedMore : Recognition::No;
+  }
+  OpenedInput Open(int, std::string_view) const override { return {nullptr, "a router dump is read as lines"}; }
+  std::unique_ptr<MessageDump> Dump() const override { return std::make_unique<RouterDumpReader>(); }
+};
+
+}  // namespace
+
+const InputFormat& RouterDumpFormat() {
+  static const RouterDumpInputFormat format;
+  return format;
+}
+
+}  // namespace velmora

@@ -8,6 +8,8 @@
 #include <optional>
 #include <string_view>
 
+#include "input_format.h"
+
 #if defined(__SSE2__)
 #include <emmintrin.h>
 #endif
@@ -49,6 +51,22 @@ inline std::optional<std::uint64_t> NumberAfter(std::string_view text, std::stri
   const auto [end, error] = std::from_chars(text.data() + at, text.data() + text.size(), value);
   if (error != std::errc() || end == text.data() + at) return std::nullopt;
   return value;
+}
+
+// How a dump format tells itself by the first whole lines of an input:
+// Yes as soon as `tells` holds for one; NeedMore while not even the first
+// line is whole; No otherwise.
+template <typename Tells>
+Recognition RecogniseByLines(std::string_view head, Tells tells) {
+  bool wholeLine = false;
+  for (std::size_t at = 0; at < head.size();) {
+    const std::size_t end = head.find('\n', at);
+    if (end == std::string_view::npos) break;
+    wholeLine = true;
+    if (tells(head.substr(at, end - at))) return Recognition::Yes;
+    at = end + 1;
+  }
+  return !wholeLine && head.size() < kRecognitionBytes ? Recognition::NeedMore : Recognition::No;
 }
 
 }  // namespace velmora::dump_text

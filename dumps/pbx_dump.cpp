@@ -193,20 +193,14 @@ class PbxDumpInputFormat final : public InputFormat {
   // A marked "Protocol Discriminator: Q.931" line, or a marked raw frame,
   // among the first lines.
   Recognition Recognise(std::string_view head) const override {
-    bool wholeLine = false;
-    for (std::size_t at = 0; at < head.size();) {
-      const std::size_t end = head.find('\n', at);
-      if (end == std::string_view::npos) break;
-      wholeLine = true;
-      if (const std::optional<MarkedLine> marked = FindMark(head.substr(at, end - at))) {
-        if (marked->content.starts_with(kDiscriminatorLine)) return Recognition::Yes;
-        HexOctets hex;
-        if (marked->content.starts_with("[ ") && HexList(marked->content, hex)) return Recognition::Yes;
-      }
-      at = end + 1;
-    }
-    return !wholeLine && head.size() < kRecognitionBytes ? Recognition::NeedMore : Recognition::No;
+    return dump_text::RecogniseByLines(head, [](std::string_view line) {
+      const std::optional<MarkedLine> marked = FindMark(line);
+      HexOctets hex;
+      return marked && (marked->content.starts_with(kDiscriminatorLine) ||
+                        (marked->content.starts_with("[ ") && HexList(marked->content, hex)));
+    });
   }
+
   OpenedInput Open(int, std::string_view) const override { return {nullptr, "a PBX dump is read as lines"}; }
   std::unique_ptr<MessageDump> Dump() const override { return std::make_unique<PbxDumpReader>(); }
 };

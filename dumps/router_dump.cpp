@@ -218,22 +218,15 @@ class RouterDumpInputFormat final : public InputFormat {
  public:
   // A q931 message line or a q921 information frame among the first lines.
   Recognition Recognise(std::string_view head) const override {
-    bool wholeLine = false;
-    for (std::size_t at = 0; at < head.size();) {
-      const std::size_t end = head.find('\n', at);
-      if (end == std::string_view::npos) break;
-      wholeLine = true;
-      const std::string_view line = head.substr(at, end - at);
-      if (const std::optional<Arrow> arrow = FindArrow(line); arrow && line.find("ISDN") != std::string_view::npos) {
-        const std::string_view rest = arrow->rest;
-        if ((rest.find(" pd = ") != std::string_view::npos && rest.find("callref = ") != std::string_view::npos) ||
-            (rest.starts_with("INFO") && rest.find(" i = 0x") != std::string_view::npos))
-          return Recognition::Yes;
-      }
-      at = end + 1;
-    }
-    return !wholeLine && head.size() < kRecognitionBytes ? Recognition::NeedMore : Recognition::No;
+    return dump_text::RecogniseByLines(head, [](std::string_view line) {
+      const std::optional<Arrow> arrow = FindArrow(line);
+      if (!arrow || line.find("ISDN") == std::string_view::npos) return false;
+      const std::string_view rest = arrow->rest;
+      return (rest.find(" pd = ") != std::string_view::npos && rest.find("callref = ") != std::string_view::npos) ||
+             (rest.starts_with("INFO") && rest.find(" i = 0x") != std::string_view::npos);
+    });
   }
+
   OpenedInput Open(int, std::string_view) const override { return {nullptr, "a router dump is read as lines"}; }
   std::unique_ptr<MessageDump> Dump() const override { return std::make_unique<RouterDumpReader>(); }
 };

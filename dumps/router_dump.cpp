@@ -63,8 +63,12 @@ bool SameLetters(std::string_view a, std::string_view b) {
 // A message type by the router's name for it: an abbreviation, or the
 // Q.931 (or Q.932) name with underscores for blanks, in any case.
 std::optional<Octet> MessageTypeNamed(std::string_view name) {
-  static const std::unordered_map<std::string, Octet> kTypes = [] {
-    std::unordered_map<std::string, Octet> types;
+  struct Hash {
+    using is_transparent = void;
+    std::size_t operator()(std::string_view text) const { return std::hash<std::string_view>()(text); }
+  };
+  static const std::unordered_map<std::string, Octet, Hash, std::equal_to<>> kTypes = [] {
+    std::unordered_map<std::string, Octet, Hash, std::equal_to<>> types;
     for (unsigned type = 0; type < 256; ++type) {
       std::string key(DetailMessageName(static_cast<Octet>(type)));
       if (key.empty()) continue;
@@ -78,7 +82,7 @@ std::optional<Octet> MessageTypeNamed(std::string_view name) {
   if (name.size() > upper.size()) return std::nullopt;
   std::transform(name.begin(), name.end(), upper.begin(),
                  [](char c) { return c >= 'a' && c <= 'z' ? static_cast<char>(c - 'a' + 'A') : c; });
-  const auto found = kTypes.find(std::string(upper.data(), name.size()));
+  const auto found = kTypes.find(std::string_view(upper.data(), name.size()));
   return found != kTypes.end() ? std::optional(found->second) : std::nullopt;
 }
 
@@ -129,8 +133,8 @@ std::size_t ElementValueAt(std::string_view line) {
 }  // namespace
 
 const DumpMessage* RouterDumpReader::Close() {
-  closed_ = std::move(*open_);
-  open_.reset();
+  std::swap(closed_, open_);  // the storage of both is kept for the messages to come
+  isOpen_ = false;
   message_.octets = closed_.octets;
   message_.wholeFrame = false;
   message_.direction = closed_.direction;
@@ -144,7 +148,7 @@ const DumpMessage* RouterDumpReader::Before(std::string_view line, std::uint64_t
   const bool indented = !line.empty() && (line[0] == ' ' || line[0] == '\t');
   // An element line of the open q931 message: "Channel ID i = 0xA98381",
   // "Called Party Number i = 0x81, '12'".
-  if (indented && open_ && open_->takesElements) {
+  if (indented && isOpen_ && open_.takesElements) {
     const std::size_t equals = ElementValueAt(line);
     if (equals != std::string_view::npos) {
       std::string_view name = line.substr(0, equals);
@@ -160,35 +164,36 @@ const DumpMessage* RouterDumpReader::Before(std::string_view line, std::uint64_t
           behind.remove_prefix(3);
           for (const char c : behind.substr(0, behind.find('\''))) contents.push_back(static_cast<Octet>(c));
         }
-        if (open_->octets.size() + contents.size() + 2 <= kLongestMessage) {
-          open_->octets.push_back(*identifier);
-          open_->octets.push_back(static_cast<Octet>(std::min<std::size_t>(contents.size(), 255)));
-          open_->octets.insert(open_->octets.end(), contents.begin(), contents.end());
+        if (open_.octets.size() + contents.size() + 2 <= kLongestMessage) {
+          open_.octets.push_back(*identifier);
+          open_.octets.push_back(static_cast<Octet>(std::min<std::size_t>(contents.size(), 255)));
+          open_.octets.insert(open_.octets.end(), contents.begin(), contents.end());
         }
       }
     }
     return nullptr;
   }
   if (indented) return nullptr;  // the router's own decode lines
-  const DumpMessage* ended = open_ ? Close() : nullptr;
+  const DumpMessage* ended = isOpen_ ? Close() : nullptr;
   const std::optional<Arrow> arrow = FindArrow(line);
   if (!arrow) return ended;
-  RouterDumpMessage message;
+  RouterDumpMessage& message = open_;
+  message.octets.clear();
   message.direction = arrow->direction;
   message.firstLine = lineNumber;
+  message.takesElements = false;
   // The time stamp stands before the interface, with a colon behind it
   // ("*Mar 14 09:15:02.381: ISDN BR0: ..."), which a time read alone lacks.
   std::string_view stamp = line.substr(0, std::min(line.find(" ISDN"), arrow->at));
   if (stamp.ends_with(':')) stamp.remove_suffix(1);
   MomentText moment;
   moment.Assign(ReadFrameLineFacts(stamp));
-  message.moment = moment.View();
+  message.moment.assign(moment.View());
   const std::string_view rest = arrow->rest;
   if (rest.starts_with("INFO")) {
     // A q921 information frame: its layer-3 message in hex behind "i = 0x".
     const std::size_t at = rest.find(" i = 0x");
-    if (at == std::string_view::npos || AppendHex(rest.substr(at + 7), message.octets) == 0) return ended;
-    open_ = std::move(message);
+    isOpen_ = at != std::string_view::npos && AppendHex(rest.substr(at + 7), message.octets) > 0;
     return ended;
   }
   // A q931 message line: "SETUP pd = 8  callref = 0x0005".
@@ -199,18 +204,19 @@ const DumpMessage* RouterDumpReader::Before(std::string_view line, std::uint64_t
   const std::optional<std::uint64_t> discriminator = NumberAfter(rest, " pd = ");
   if (!type || !discriminator || *discriminator > 255) return ended;
   message.octets.push_back(static_cast<Octet>(*discriminator));
-  std::vector<Octet> reference;
+  std::vector<Octet>& reference = contents_;
+  reference.clear();
   const std::string_view value = rest.substr(callref + 10);
   if (value.starts_with("0x")) AppendHex(value.substr(2), reference);
   message.octets.push_back(static_cast<Octet>(reference.size()));
   message.octets.insert(message.octets.end(), reference.begin(), reference.end());
   message.octets.push_back(*type);
   message.takesElements = true;
-  open_ = std::move(message);
+  isOpen_ = true;
   return ended;
 }
 
-const DumpMessage* RouterDumpReader::Finish() { return open_ ? Close() : nullptr; }
+const DumpMessage* RouterDumpReader::Finish() { return isOpen_ ? Close() : nullptr; }
 
 namespace {
 

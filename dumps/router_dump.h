@@ -42,10 +42,11 @@ class RouterDumpReader final : public MessageDump {
  private:
   const DumpMessage* Close();
 
-  std::optional<RouterDumpMessage> open_;
+  RouterDumpMessage open_;
+  bool isOpen_ = false;
   RouterDumpMessage closed_;
   DumpMessage message_;
-  std::vector<Octet> contents_;  // of the element line read last
+  std::vector<Octet> contents_;  // of the element or call reference read last
 };
 
 }  // namespace velmora

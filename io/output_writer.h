@@ -125,11 +125,23 @@ class PaddedView {
 template <std::size_t Capacity>
 class PaddedText {
  public:
+  constexpr PaddedText() = default;
   constexpr PaddedText(std::initializer_list<std::string_view> pieces) {
-    for (const std::string_view piece : pieces) {
-      if (size_ + piece.size() > Capacity) throw "text too long for its PaddedText";
-      for (const char c : piece) text_[size_++] = c;
-    }
+    for (const std::string_view piece : pieces) Put(piece);
+  }
+  // For tables of texts with numbers in them, built at compile time.
+  constexpr void Put(std::string_view piece) {
+    if (size_ + piece.size() > Capacity) throw "text too long for its PaddedText";
+    for (const char c : piece) text_[size_++] = c;
+  }
+  constexpr void Decimal(unsigned value) {
+    char digits[10] = {};
+    std::size_t count = 0;
+    do {
+      digits[count++] = static_cast<char>('0' + value % 10);
+      value /= 10;
+    } while (value != 0);
+    while (count > 0) Put(std::string_view(&digits[--count], 1));
   }
   constexpr std::string_view View() const { return {text_.data(), size_}; }
   constexpr PaddedView Padded() const { return PaddedView::Within(text_, 0, size_); }

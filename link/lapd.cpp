@@ -1,5 +1,6 @@
 #include "lapd.h"
 
+#include <array>
 #include <string_view>
 
 #include "field_text.h"
@@ -84,7 +85,7 @@ constexpr ValueText kSapiNames[] = {
 // then tells the sending side only together with it).
 enum class FrameRole : std::uint8_t { Command, Response, Either };
 
-FrameRole RoleOf(Octet control) {
+constexpr FrameRole RoleOf(Octet control) {
   if ((control & 0x01) == 0) return FrameRole::Command;  // I
   if ((control & 0x02) == 0) return FrameRole::Either;   // RR, RNR, REJ
   switch (UnnumberedKind(control)) {
@@ -103,7 +104,7 @@ FrameRole RoleOf(Octet control) {
 
 // Commands from the network side and responses from the user side carry
 // C/R 1; commands from the user side and responses from the network side 0.
-std::string_view SideText(FrameRole role, bool commandResponse) {
+constexpr std::string_view SideText(FrameRole role, bool commandResponse) {
   switch (role) {
     case FrameRole::Command:
       return commandResponse ? "command from the network side" : "command from the user side";
@@ -122,25 +123,53 @@ VELMORA_HOT_PATH void PutNumber(OutputWriter& out, std::string_view blanksNameEq
   out.Decimal(value);
 }
 
+using LinePart = PaddedText<80>;
+
+// The address line's parts, by SAPI, by TEI and by C/R and frame role.
+constexpr std::array<LinePart, 64> kSapiParts = [] {
+  std::array<LinePart, 64> parts{};
+  for (unsigned sapi = 0; sapi < parts.size(); ++sapi) {
+    parts[sapi].Put("\tSAPI=");
+    parts[sapi].Decimal(sapi);
+    if (const ValueText* name = FindRow(kSapiNames, sapi)) {
+      parts[sapi].Put(" (");
+      parts[sapi].Put(name->text);
+      parts[sapi].Put(")");
+    }
+  }
+  return parts;
+}();
+constexpr std::array<LinePart, 128> kTeiParts = [] {
+  std::array<LinePart, 128> parts{};
+  for (unsigned tei = 0; tei < parts.size(); ++tei) {
+    parts[tei].Put("  TEI=");
+    parts[tei].Decimal(tei);
+    if (tei == kBroadcastTei) parts[tei].Put(" (broadcast)");
+  }
+  return parts;
+}();
+constexpr std::array<std::array<LinePart, 2>, 3> kSideParts = [] {
+  std::array<std::array<LinePart, 2>, 3> parts{};
+  for (const FrameRole role : {FrameRole::Command, FrameRole::Response, FrameRole::Either}) {
+    for (const bool commandResponse : {false, true}) {
+      LinePart& part = parts[static_cast<std::size_t>(role)][commandResponse ? 1 : 0];
+      part.Put(commandResponse ? "  C/R=1 (" : "  C/R=0 (");
+      part.Put(SideText(role, commandResponse));
+      part.Put(")");
+    }
+  }
+  return parts;
+}();
+
 // "\tSAPI=s (name)  TEI=t  C/R=c (side)  N(S)=..  N(R)=..  P=.." as far as
 // the frame holds them.
 void PrintAddressAndControl(OutputWriter& out, OctetSpan frame) {
   const LapdAddress address = AddressOf(frame[0], frame[1]);
-  out.Put("\tSAPI=");
-  out.Decimal(address.sapi);
-  if (const ValueText* name = FindRow(kSapiNames, address.sapi)) {
-    out.Put(" (");
-    out.Put(name->text);
-    out.Put(")");
-  }
-  PutNumber(out, "  TEI=", address.tei);
-  if (address.tei == kBroadcastTei) out.Put(" (broadcast)");
   const Octet control = frame[2];
   const FrameRole role = RoleOf(control);
-  PutNumber(out, "  C/R=", address.commandResponse ? 1 : 0);
-  out.Put(" (");
-  out.Put(SideText(role, address.commandResponse));
-  out.Put(")");
+  out.PutPadded(kSapiParts[address.sapi].Padded());
+  out.PutPadded(kTeiParts[address.tei].Padded());
+  out.PutPadded(kSideParts[static_cast<std::size_t>(role)][address.commandResponse ? 1 : 0].Padded());
   const LapdControlNumbers numbers = ControlNumbersOf(frame);
   if (numbers.sendSequence) PutNumber(out, "  N(S)=", *numbers.sendSequence);
   if (numbers.receiveSequence) PutNumber(out, "  N(R)=", *numbers.receiveSequence);

@@ -102,26 +102,41 @@ constexpr ValueText kCallReferenceFlag[] = {
     {1, "to the originating side"},
 };
 
+// "  length <n>, flag=<f>  <meaning>\n", by length (1 to 15) and flag.
+constexpr std::size_t kTabledLengths = 16;
+constexpr std::array<std::array<PaddedText<48>, 2>, kTabledLengths> kCallReferenceTails = [] {
+  std::array<std::array<PaddedText<48>, 2>, kTabledLengths> tails{};
+  for (unsigned length = 1; length < kTabledLengths; ++length) {
+    for (unsigned flag = 0; flag < 2; ++flag) {
+      PaddedText<48>& tail = tails[length][flag];
+      tail.Put("  length ");
+      tail.Decimal(length);
+      tail.Put(flag != 0 ? ", flag=1  " : ", flag=0  ");
+      tail.Put(FindRow(kCallReferenceFlag, flag)->text);
+      tail.Put("\n");
+    }
+  }
+  return tails;
+}();
+
 // "\tCall reference=<value>  length <n>, flag=<f>  <meaning>".
 void PrintCallReference(OutputWriter& out, OctetSpan reference) {
-  out.Put("\tCall reference");
   if (reference.empty()) {
-    out.Put(": dummy (length 0)\n");
+    out.Put("\tCall reference: dummy (length 0)\n");
     return;
   }
-  out.Put("=");
+  out.Put("\tCall reference=");
   if (const std::optional<std::uint64_t> value = CallReferenceValue(reference)) {
     out.Decimal(static_cast<std::int64_t>(*value));
   } else {
     for (const Octet octet : reference) out.SpaceHex(octet);
   }
+  const unsigned flag = CallReferenceFlag(reference);
+  if (reference.size() < kTabledLengths) return out.PutPadded(kCallReferenceTails[reference.size()][flag].Padded());
   out.Put("  length ");
   out.Decimal(static_cast<std::int64_t>(reference.size()));
-  const unsigned flag = CallReferenceFlag(reference);
-  out.Put(", flag=");
-  out.Put(flag != 0 ? '1' : '0');
-  out.Put("  ");
-  if (const ValueText* row = FindRow(kCallReferenceFlag, flag)) out.Put(row->text);
+  out.Put(flag != 0 ? ", flag=1  " : ", flag=0  ");
+  out.Put(FindRow(kCallReferenceFlag, flag)->text);
   out.Put('\n');
 }
 

@@ -240,8 +240,11 @@ CallTracker::CallTracker(CallSink sink, std::size_t waitingLimit)
 CallTracker::~CallTracker() = default;
 
 void CallTracker::Frame(OctetSpan frame, std::uint64_t line, std::string_view lineText, std::uint32_t tag) {
-  const std::optional<Q931InFrame> q931 = FindQ931(frame);
-  if (q931) Message(*q931, line, ReadFrameLineFacts(lineText), tag);
+  if (const std::optional<Q931InFrame> q931 = FindQ931(frame)) Frame(*q931, line, lineText, tag);
+}
+
+void CallTracker::Frame(const Q931InFrame& q931, std::uint64_t line, std::string_view lineText, std::uint32_t tag) {
+  Message(q931, line, ReadFrameLineFacts(lineText), tag);
 }
 
 void CallTracker::DumpMessage(OctetSpan octets, bool wholeFrame, std::uint64_t line, std::string_view moment,

@@ -131,6 +131,8 @@ class CallTracker {
   // an I or UI frame counts; every other frame is passed over. `tag` is kept with
   // the message, for the user to find what it knows of the frame.
   void Frame(OctetSpan frame, std::uint64_t line, std::string_view lineText, std::uint32_t tag = 0);
+  // The same for a frame whose Q.931 message the caller has found already.
+  void Frame(const Q931InFrame& q931, std::uint64_t line, std::string_view lineText, std::uint32_t tag = 0);
 
   // A message of a debug dump, with its first line's number, moment and
   // direction: a whole frame read as Frame reads it; a Q.931 message alone

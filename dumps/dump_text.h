@@ -5,6 +5,7 @@
 #include <charconv>
 #include <cstddef>
 #include <cstdint>
+#include <memory>
 #include <optional>
 #include <string_view>
 
@@ -53,20 +54,31 @@ inline std::optional<std::uint64_t> NumberAfter(std::string_view text, std::stri
   return value;
 }
 
-// How a dump format tells itself by the first whole lines of an input:
-// Yes as soon as `tells` holds for one; NeedMore while not even the first
-// line is whole; No otherwise.
-template <typename Tells>
-Recognition RecogniseByLines(std::string_view head, Tells tells) {
-  bool wholeLine = false;
-  for (std::size_t at = 0; at < head.size();) {
-    const std::size_t end = head.find('\n', at);
-    if (end == std::string_view::npos) break;
-    wholeLine = true;
-    if (tells(head.substr(at, end - at))) return Recognition::Yes;
-    at = end + 1;
+// A debug dump's format: told by one of the input's first whole lines
+// (`tells`), and read line by line by a Reader. While not even the first
+// line is whole, it asks for more.
+template <typename Reader>
+class LineDumpFormat final : public InputFormat {
+ public:
+  using Tells = bool (*)(std::string_view line);
+  explicit LineDumpFormat(Tells tells) : tells_(tells) {}
+
+  Recognition Recognise(std::string_view head) const override {
+    bool wholeLine = false;
+    for (std::size_t at = 0; at < head.size();) {
+      const std::size_t end = head.find('\n', at);
+      if (end == std::string_view::npos) break;
+      wholeLine = true;
+      if (tells_(head.substr(at, end - at))) return Recognition::Yes;
+      at = end + 1;
+    }
+    return !wholeLine && head.size() < kRecognitionBytes ? Recognition::NeedMore : Recognition::No;
   }
-  return !wholeLine && head.size() < kRecognitionBytes ? Recognition::NeedMore : Recognition::No;
-}
+  OpenedInput Open(int, std::string_view) const override { return {nullptr, "a debug dump is read as lines"}; }
+  std::unique_ptr<MessageDump> Dump() const override { return std::make_unique<Reader>(); }
+
+ private:
+  Tells tells_;
+};
 
 }  // namespace velmora::dump_text

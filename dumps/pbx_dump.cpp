@@ -107,13 +107,13 @@ void Append(std::vector<Octet>& to, OctetSpan octets) {
 }  // namespace
 
 bool PbxDumpReader::Complete() const {
-  if (open_->wholeFrame) return true;
-  return open_->announced && open_->octets.size() >= *open_->announced;
+  if (open_.wholeFrame) return true;
+  return open_.announced && open_.octets.size() >= *open_.announced;
 }
 
 const DumpMessage* PbxDumpReader::Close() {
-  closed_ = std::move(*open_);
-  open_.reset();
+  std::swap(closed_, open_);  // the storage of both is kept for the messages to come
+  isOpen_ = false;
   message_.octets = closed_.octets;
   message_.wholeFrame = closed_.wholeFrame;
   message_.direction = closed_.direction;
@@ -133,82 +133,76 @@ const DumpMessage* PbxDumpReader::Before(std::string_view line, std::uint64_t li
   if (!marked) {
     // A line between messages (or inside one that is still short of its
     // octets) ends a message that is complete.
-    if (open_ && Complete()) ended = Close();
+    if (isOpen_ && Complete()) ended = Close();
     return ended;
   }
   const std::string_view content = marked->content;
-  const bool sameDirection = open_ && open_->direction == marked->direction;
+  const bool sameDirection = isOpen_ && open_.direction == marked->direction;
   HexOctets hex;
   const bool isHex = HexList(content, hex);
   const bool rawFrame = isHex && content.starts_with("[ ");
   const bool header = content.starts_with(kDiscriminatorLine);
   // The header of the raw frame just read: its decode by the stack.
-  const bool frameHeader = header && sameDirection && open_->wholeFrame && !open_->headerSeen;
+  const bool frameHeader = header && sameDirection && open_.wholeFrame && !open_.headerSeen;
   const bool starts = rawFrame || (header && !frameHeader);
-  if (open_ && (starts || !sameDirection)) {
+  if (isOpen_ && (starts || !sameDirection)) {
     if (starts || Complete()) ended = Close();
   }
   if (starts) {
-    open_.emplace();
-    open_->direction = marked->direction;
-    open_->firstLine = lineNumber;
+    isOpen_ = true;
+    open_.octets.clear();
+    open_.headerSeen = false;
+    open_.announced.reset();
+    open_.direction = marked->direction;
+    open_.firstLine = lineNumber;
     MomentText moment;
     moment.Assign(ReadFrameLineFacts(marked->prefix));
-    open_->moment = moment.View();
-    open_->wholeFrame = rawFrame;
+    open_.moment = moment.View();
+    open_.wholeFrame = rawFrame;
     if (rawFrame) {
-      Append(open_->octets, hex.View());
+      Append(open_.octets, hex.View());
     } else {
-      open_->headerSeen = true;
-      open_->announced = NumberAfter(content, "len=");
-      open_->octets.push_back(0x08);
+      open_.headerSeen = true;
+      open_.announced = NumberAfter(content, "len=");
+      open_.octets.push_back(0x08);
     }
     return ended;
   }
-  if (!open_ || open_->direction != marked->direction) return ended;
+  if (!isOpen_ || open_.direction != marked->direction) return ended;
   if (frameHeader) {
-    open_->headerSeen = true;
-    open_->announced = NumberAfter(content, "len=");
+    open_.headerSeen = true;
+    open_.announced = NumberAfter(content, "len=");
     return ended;
   }
-  if (open_->wholeFrame) return ended;  // the frame has every octet already
+  if (open_.wholeFrame) return ended;  // the frame has every octet already
   if (const std::optional<std::vector<Octet>> reference = CallReferenceOf(content);
-      reference && open_->octets.size() == 1) {
-    open_->octets.push_back(static_cast<Octet>(reference->size()));
-    Append(open_->octets, *reference);
+      reference && open_.octets.size() == 1) {
+    open_.octets.push_back(static_cast<Octet>(reference->size()));
+    Append(open_.octets, *reference);
   } else if (const std::optional<std::uint64_t> type = MessageTypeOf(content); type && *type < 256) {
-    open_->octets.push_back(static_cast<Octet>(*type));
+    open_.octets.push_back(static_cast<Octet>(*type));
   } else if (isHex) {
-    Append(open_->octets, hex.View());
+    Append(open_.octets, hex.View());
   }
   return ended;
 }
 
-const DumpMessage* PbxDumpReader::Finish() { return open_ ? Close() : nullptr; }
+const DumpMessage* PbxDumpReader::Finish() { return isOpen_ ? Close() : nullptr; }
 
 namespace {
 
-class PbxDumpInputFormat final : public InputFormat {
- public:
-  // A marked "Protocol Discriminator: Q.931" line, or a marked raw frame,
-  // among the first lines.
-  Recognition Recognise(std::string_view head) const override {
-    return dump_text::RecogniseByLines(head, [](std::string_view line) {
-      const std::optional<MarkedLine> marked = FindMark(line);
-      HexOctets hex;
-      return marked && (marked->content.starts_with(kDiscriminatorLine) ||
-                        (marked->content.starts_with("[ ") && HexList(marked->content, hex)));
-    });
-  }
-
-  OpenedInput Open(int, std::string_view) const override { return {nullptr, "a PBX dump is read as lines"}; }
-  std::unique_ptr<MessageDump> Dump() const override { return std::make_unique<PbxDumpReader>(); }
-};
+// A marked "Protocol Discriminator: Q.931" line, or a marked raw frame.
+bool TellsPbxDump(std::string_view line) {
+  const std::optional<MarkedLine> marked = FindMark(line);
+  HexOctets hex;
+  return marked && (marked->content.starts_with(kDiscriminatorLine) ||
+                    (marked->content.starts_with("[ ") && HexList(marked->content, hex)));
+}
 
 }  // namespace
 
 const InputFormat& PbxDumpFormat() {
-  static const PbxDumpInputFormat format;
+  static const dump_text::LineDumpFormat<PbxDumpReader> format(TellsPbxDump);
   return format;
 }
 

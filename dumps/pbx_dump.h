@@ -48,12 +48,12 @@ class PbxDumpReader final : public MessageDump {
   const DumpMessage* Finish() override;
 
  private:
-  using Open = PbxDumpMessage;
   bool Complete() const;
   const DumpMessage* Close();
 
-  std::optional<Open> open_;
-  Open closed_;
+  PbxDumpMessage open_;
+  bool isOpen_ = false;
+  PbxDumpMessage closed_;
   DumpMessage message_;
 };
 

@@ -220,27 +220,19 @@ const DumpMessage* RouterDumpReader::Finish() { return isOpen_ ? Close() : nullp
 
 namespace {
 
-class RouterDumpInputFormat final : public InputFormat {
- public:
-  // A q931 message line or a q921 information frame among the first lines.
-  Recognition Recognise(std::string_view head) const override {
-    return dump_text::RecogniseByLines(head, [](std::string_view line) {
-      const std::optional<Arrow> arrow = FindArrow(line);
-      if (!arrow || line.find("ISDN") == std::string_view::npos) return false;
-      const std::string_view rest = arrow->rest;
-      return (rest.find(" pd = ") != std::string_view::npos && rest.find("callref = ") != std::string_view::npos) ||
-             (rest.starts_with("INFO") && rest.find(" i = 0x") != std::string_view::npos);
-    });
-  }
-
-  OpenedInput Open(int, std::string_view) const override { return {nullptr, "a router dump is read as lines"}; }
-  std::unique_ptr<MessageDump> Dump() const override { return std::make_unique<RouterDumpReader>(); }
-};
+// A q931 message line or a q921 information frame.
+bool TellsRouterDump(std::string_view line) {
+  const std::optional<Arrow> arrow = FindArrow(line);
+  if (!arrow || line.find("ISDN") == std::string_view::npos) return false;
+  const std::string_view rest = arrow->rest;
+  return (rest.find(" pd = ") != std::string_view::npos && rest.find("callref = ") != std::string_view::npos) ||
+         (rest.starts_with("INFO") && rest.find(" i = 0x") != std::string_view::npos);
+}
 
 }  // namespace
 
 const InputFormat& RouterDumpFormat() {
-  static const RouterDumpInputFormat format;
+  static const dump_text::LineDumpFormat<RouterDumpReader> format(TellsRouterDump);
   return format;
 }
 

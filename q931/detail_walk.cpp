@@ -102,20 +102,24 @@ constexpr ValueText kCallReferenceFlag[] = {
     {1, "to the originating side"},
 };
 
-// "  length <n>, flag=<f>  <meaning>\n", by length (1 to 15) and flag.
+// "  length <n>, flag=<f>  <meaning>\n".
+constexpr PaddedText<48> CallReferenceTail(unsigned length, unsigned flag) {
+  PaddedText<48> tail;
+  tail.Put("  length ");
+  tail.Decimal(length);
+  tail.Put(flag != 0 ? ", flag=1  " : ", flag=0  ");
+  tail.Put(FindRow(kCallReferenceFlag, flag)->text);
+  tail.Put("\n");
+  return tail;
+}
+
+// The tails of the call references a message has as a rule, by length (1 to
+// 15) and flag, built at compile time.
 constexpr std::size_t kTabledLengths = 16;
 constexpr std::array<std::array<PaddedText<48>, 2>, kTabledLengths> kCallReferenceTails = [] {
   std::array<std::array<PaddedText<48>, 2>, kTabledLengths> tails{};
-  for (unsigned length = 1; length < kTabledLengths; ++length) {
-    for (unsigned flag = 0; flag < 2; ++flag) {
-      PaddedText<48>& tail = tails[length][flag];
-      tail.Put("  length ");
-      tail.Decimal(length);
-      tail.Put(flag != 0 ? ", flag=1  " : ", flag=0  ");
-      tail.Put(FindRow(kCallReferenceFlag, flag)->text);
-      tail.Put("\n");
-    }
-  }
+  for (unsigned length = 1; length < kTabledLengths; ++length)
+    for (unsigned flag = 0; flag < 2; ++flag) tails[length][flag] = CallReferenceTail(length, flag);
   return tails;
 }();
 
@@ -133,11 +137,8 @@ void PrintCallReference(OutputWriter& out, OctetSpan reference) {
   }
   const unsigned flag = CallReferenceFlag(reference);
   if (reference.size() < kTabledLengths) return out.PutPadded(kCallReferenceTails[reference.size()][flag].Padded());
-  out.Put("  length ");
-  out.Decimal(static_cast<std::int64_t>(reference.size()));
-  out.Put(flag != 0 ? ", flag=1  " : ", flag=0  ");
-  out.Put(FindRow(kCallReferenceFlag, flag)->text);
-  out.Put('\n');
+  const PaddedText<48> tail = CallReferenceTail(static_cast<unsigned>(reference.size()), flag);
+  out.PutPadded(tail.Padded());
 }
 
 // An element of codeset 4 to 7, which Q.931 does not define: its codeset,

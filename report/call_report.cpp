@@ -140,7 +140,7 @@ class ReportConsumer final : public TraceConsumer {
         number = NumberFrameText(decoded.substr(piece.text.size()));
         frameTexts_.Remember(*q931, *number);
       }
-      tracker_.Frame(frame, piece.lineNumber, piece.text, *number);
+      tracker_.Frame(*q931, piece.lineNumber, piece.text, *number);
     } else {
       // Every other frame line goes through the line handler, for the link
       // memory behind the UA wording.

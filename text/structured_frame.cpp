@@ -30,7 +30,7 @@ FieldPart PartsOf(std::string_view line) {
   // "=bits  meaning": a run of 0 and 1 right behind the "=", then two blanks.
   std::size_t end = equals + 1;
   while (end < line.size() && (line[end] == '0' || line[end] == '1')) ++end;
-  if (end > equals + 1 && end + 1 < line.size() + 1 && line.substr(end).starts_with("  ")) {
+  if (end > equals + 1 && line.substr(end).starts_with("  ")) {
     part.bits = line.substr(equals + 1, end - equals - 1);
     part.meaning = line.substr(end + 2);
     part.coded = true;

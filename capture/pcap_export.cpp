@@ -28,7 +28,10 @@ class PcapWriter final : public TraceConsumer {
 
   void Consume(const TracePiece& piece) override {
     if (!piece.isFrameLine) return;
-    const FrameLineFacts facts = ReadFrameLineFacts(piece.text);
+    // A frame without its C/R bit would be written with one made up.
+    if (piece.dump != nullptr && !piece.dump->commandResponseKnown) return;
+    FrameLineFacts facts = ReadFrameLineFacts(piece.dump != nullptr ? piece.dump->moment : piece.text);
+    if (piece.dump != nullptr) facts.direction = piece.dump->direction;
     if (dumper_ == nullptr) Open(facts.direction != FrameDirection::Unknown ? kLinkTypeLinuxLapd : kLinkTypeLapd);
     packet_.clear();
     if (linkType_ == kLinkTypeLinuxLapd) AppendPseudoHeader(PacketTypeOfDirection(facts.direction));

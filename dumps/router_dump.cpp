@@ -130,13 +130,117 @@ std::size_t ElementValueAt(std::string_view line) {
   return std::string_view::npos;
 }
 
+// ---- q921 frames: "INFOc sapi = 0 tei = 89 ns = 0 nr = 0  i = 0x0801...",
+// "RRr sapi = 0 tei = 89 nr = 1", "SABMEp sapi = 0 tei = 89",
+// "IDREQ ri = 86 ai = 127". The frame's address and control field are put
+// together from the words: the kind names the control field's format, its
+// last letter the command (c, p) or response (r, f) and the poll/final bit
+// (p, f). The C/R bit is not among the words (it depends on which side the
+// router is), so it stays 0 and the message says it is unknown.
+
+enum class ControlFormat : std::uint8_t { Information, Supervisory, Unnumbered };
+struct LinkFrameWord {
+  std::string_view name;
+  Octet control;  // with N(S), N(R) and the P/F bit 0
+  ControlFormat format;
+};
+constexpr LinkFrameWord kLinkFrameWords[] = {
+    {"INFO", 0x00, ControlFormat::Information}, {"RR", 0x01, ControlFormat::Supervisory},
+    {"RNR", 0x05, ControlFormat::Supervisory},  {"REJ", 0x09, ControlFormat::Supervisory},
+    {"SABME", 0x6F, ControlFormat::Unnumbered}, {"UA", 0x63, ControlFormat::Unnumbered},
+    {"DM", 0x0F, ControlFormat::Unnumbered},    {"DISC", 0x43, ControlFormat::Unnumbered},
+    {"FRMR", 0x87, ControlFormat::Unnumbered},  {"XID", 0xAF, ControlFormat::Unnumbered},
+    {"UI", 0x03, ControlFormat::Unnumbered},
+};
+// TEI management messages by the router's words, with their message type.
+constexpr NamedOctet kTeiManagementWords[] = {
+    {"IDREQ", 1}, {"IDASSN", 2}, {"IDDENY", 3}, {"IDCKRQ", 4}, {"IDCKRP", 5}, {"IDREM", 6}, {"IDVER", 7},
+};
+
+constexpr Octet kPollFinalBit = 0x10;
+
+// Whether `word` is `name` with no more than a command/response letter
+// behind it; sets `pollFinal` from that letter.
+bool IsFrameWord(std::string_view word, std::string_view name, bool& pollFinal) {
+  if (!word.starts_with(name) || word.size() > name.size() + 1) return false;
+  const char letter = word.size() > name.size() ? word.back() : 'c';
+  pollFinal = letter == 'p' || letter == 'f';
+  return letter == 'c' || letter == 'r' || pollFinal;
+}
+
+// A number behind `key` below `limit`.
+std::optional<unsigned> FieldBelow(std::string_view words, std::string_view key, unsigned limit) {
+  const std::optional<std::uint64_t> value = NumberAfter(words, key);
+  return value && *value < limit ? std::optional(static_cast<unsigned>(*value)) : std::nullopt;
+}
+
+// The frame a q921 line tells, into `message`; false when the line is none.
+bool ReadLinkFrame(std::string_view rest, RouterDumpMessage& message) {
+  const std::string_view word = rest.substr(0, rest.find(' '));
+  message.wholeFrame = true;
+  message.hexRunsOn = false;
+  for (const NamedOctet& row : kTeiManagementWords) {
+    if (word != row.name) continue;
+    const std::optional<unsigned> reference = FieldBelow(rest, "ri = ", 65536);
+    const std::optional<unsigned> action = FieldBelow(rest, "ai = ", 128);
+    if (!reference || !action) return false;
+    // SAPI 63, TEI 127, UI, management entity 0x0F; Ri, the type, Ai with its extension bit.
+    message.octets.assign({0xFC, 0xFF, 0x03, 0x0F, static_cast<Octet>(*reference >> 8),
+                           static_cast<Octet>(*reference & 0xFF), row.value, static_cast<Octet>(*action << 1 | 1)});
+    return true;
+  }
+  bool pollFinal = false;
+  const LinkFrameWord* kind = nullptr;
+  for (const LinkFrameWord& row : kLinkFrameWords)
+    if (IsFrameWord(word, row.name, pollFinal)) kind = &row;
+  const std::optional<unsigned> sapi = FieldBelow(rest, "sapi = ", 64);
+  const std::optional<unsigned> tei = FieldBelow(rest, "tei = ", 128);
+  if (kind == nullptr || !sapi || !tei) return false;
+  message.octets.assign({static_cast<Octet>(*sapi << 2), static_cast<Octet>(*tei << 1 | 1)});
+  const std::optional<unsigned> sent = FieldBelow(rest, "ns = ", 128);
+  const std::optional<unsigned> received = FieldBelow(rest, "nr = ", 128);
+  switch (kind->format) {
+    case ControlFormat::Information: {
+      if (!sent || !received) return false;
+      message.octets.push_back(static_cast<Octet>(*sent << 1));
+      message.octets.push_back(static_cast<Octet>(*received << 1 | (pollFinal ? 1 : 0)));
+      const std::size_t at = rest.find(" i = 0x");
+      if (at == std::string_view::npos) return true;
+      const std::string_view hex = rest.substr(at + 7);
+      // Hex that runs to the line's end may go on in the lines below.
+      message.hexRunsOn = AppendHex(hex, message.octets) == hex.size();
+      return true;
+    }
+    case ControlFormat::Supervisory:
+      if (!received) return false;
+      message.octets.push_back(kind->control);
+      message.octets.push_back(static_cast<Octet>(*received << 1 | (pollFinal ? 1 : 0)));
+      return true;
+    case ControlFormat::Unnumbered:
+      message.octets.push_back(static_cast<Octet>(kind->control | (pollFinal ? kPollFinalBit : 0)));
+      return true;
+  }
+  return false;
+}
+
+// A line that holds hexadecimal digits alone, after blanks: the rest of a
+// wrapped "i = 0x" value.
+std::optional<std::string_view> HexGoingOn(std::string_view line) {
+  line.remove_prefix(std::min(line.find_first_not_of(" \t"), line.size()));
+  while (line.ends_with(' ')) line.remove_suffix(1);
+  if (line.empty() || !std::all_of(line.begin(), line.end(), [](char c) { return HexValue(c) >= 0; }))
+    return std::nullopt;
+  return line;
+}
+
 }  // namespace
 
 const DumpMessage* RouterDumpReader::Close() {
   std::swap(closed_, open_);  // the storage of both is kept for the messages to come
   isOpen_ = false;
   message_.octets = closed_.octets;
-  message_.wholeFrame = false;
+  message_.wholeFrame = closed_.wholeFrame;
+  message_.commandResponseKnown = !closed_.wholeFrame;
   message_.direction = closed_.direction;
   message_.firstLine = closed_.firstLine;
   message_.moment = closed_.moment;
@@ -173,6 +277,13 @@ const DumpMessage* RouterDumpReader::Before(std::string_view line, std::uint64_t
     }
     return nullptr;
   }
+  if (isOpen_ && open_.hexRunsOn) {
+    if (const std::optional<std::string_view> hex = HexGoingOn(line)) {
+      AppendHex(*hex, open_.octets);
+      return nullptr;
+    }
+    open_.hexRunsOn = false;
+  }
   if (indented) return nullptr;  // the router's own decode lines
   const DumpMessage* ended = isOpen_ ? Close() : nullptr;
   const std::optional<Arrow> arrow = FindArrow(line);
@@ -182,6 +293,7 @@ const DumpMessage* RouterDumpReader::Before(std::string_view line, std::uint64_t
   message.direction = arrow->direction;
   message.firstLine = lineNumber;
   message.takesElements = false;
+  message.hexRunsOn = false;
   // The time stamp stands before the interface, with a colon behind it
   // ("*Mar 14 09:15:02.381: ISDN BR0: ..."), which a time read alone lacks.
   std::string_view stamp = line.substr(0, std::min(line.find(" ISDN"), arrow->at));
@@ -190,19 +302,18 @@ const DumpMessage* RouterDumpReader::Before(std::string_view line, std::uint64_t
   moment.Assign(ReadFrameLineFacts(stamp));
   message.moment.assign(moment.View());
   const std::string_view rest = arrow->rest;
-  if (rest.starts_with("INFO")) {
-    // A q921 information frame: its layer-3 message in hex behind "i = 0x".
-    const std::size_t at = rest.find(" i = 0x");
-    isOpen_ = at != std::string_view::npos && AppendHex(rest.substr(at + 7), message.octets) > 0;
-    return ended;
-  }
-  // A q931 message line: "SETUP pd = 8  callref = 0x0005".
+  // A q931 message line: "SETUP pd = 8  callref = 0x0005" (checked first:
+  // Q.931's INFORMATION is "INFO" there).
   const std::size_t pd = rest.find(" pd = ");
   const std::size_t callref = rest.find("callref = ");
-  if (pd == std::string_view::npos || callref == std::string_view::npos) return ended;
+  if (pd == std::string_view::npos || callref == std::string_view::npos) {
+    isOpen_ = ReadLinkFrame(rest, message);
+    return ended;
+  }
   const std::optional<Octet> type = MessageTypeNamed(rest.substr(0, pd));
   const std::optional<std::uint64_t> discriminator = NumberAfter(rest, " pd = ");
   if (!type || !discriminator || *discriminator > 255) return ended;
+  message.wholeFrame = false;
   message.octets.push_back(static_cast<Octet>(*discriminator));
   std::vector<Octet>& reference = contents_;
   reference.clear();
@@ -226,7 +337,7 @@ bool TellsRouterDump(std::string_view line) {
   if (!arrow || line.find("ISDN") == std::string_view::npos) return false;
   const std::string_view rest = arrow->rest;
   return (rest.find(" pd = ") != std::string_view::npos && rest.find("callref = ") != std::string_view::npos) ||
-         (rest.starts_with("INFO") && rest.find(" i = 0x") != std::string_view::npos);
+         (rest.find("sapi = ") != std::string_view::npos && rest.find(" tei = ") != std::string_view::npos);
 }
 
 }  // namespace

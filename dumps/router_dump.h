@@ -30,7 +30,9 @@ struct RouterDumpMessage {
   FrameDirection direction = FrameDirection::Unknown;
   std::uint64_t firstLine = 0;
   std::string moment;
+  bool wholeFrame = false;     // a q921 line's frame; else a q931 message line's message
   bool takesElements = false;  // a q931 message line's: indented element lines follow
+  bool hexRunsOn = false;      // a q921 information frame's hex may go on in the next line
 };
 
 // The reader itself, for tests and fuzzing.

@@ -80,7 +80,7 @@ class JsonConsumer final : public TraceConsumer {
     if (select_ && !select_(piece.frame, piece.lineNumber)) return;
     const FrameLineFacts facts = ReadFrameLineFacts(piece.text);
     moment_.Assign(facts);
-    Write({piece.lineNumber, moment_.View(), facts.direction, piece.frame, true}, text.substr(piece.text.size()));
+    Write({piece.lineNumber, moment_.View(), facts.direction, piece.frame, true, true}, text.substr(piece.text.size()));
   }
 
   // A debug dump's message: its own line, moment and direction, and a
@@ -90,7 +90,9 @@ class JsonConsumer final : public TraceConsumer {
     frame_.Begin(decoder_.Offset());
     const std::string_view text = decoder_.TranslateDumpMessage(message);
     if (select_ && !select_(FrameForSelection(message, selectionRoom_), message.firstLine)) return;
-    Write({message.firstLine, message.moment, message.direction, message.octets, message.wholeFrame}, text);
+    Write({message.firstLine, message.moment, message.direction, message.octets, message.wholeFrame,
+           message.commandResponseKnown},
+          text);
   }
 
   void Finish() override { decoder_.SaveLink(link_); }
@@ -131,7 +133,8 @@ class JsonConsumer final : public TraceConsumer {
     std::string_view moment;  // digits, "-", ":", ".", "T" and blanks: no escape needed
     FrameDirection direction;
     OctetSpan octets;
-    bool wholeFrame;  // from the LAPD address on; else a Q.931 message alone
+    bool wholeFrame;            // from the LAPD address on; else a Q.931 message alone
+    bool commandResponseKnown;  // false: the frame's C/R bit is not in the dump
   };
 
   void Write(const Subject& subject, std::string_view decoded) {
@@ -158,7 +161,7 @@ class JsonConsumer final : public TraceConsumer {
       if (subject.wholeFrame) {
         room.Put(R"({"kind":)");
         room.Quoted(kind);
-        if (detailed) WriteLayer2Numbers(room, frame);
+        if (detailed) WriteLayer2Numbers(room, frame, subject.commandResponseKnown);
         room.Put('}');
       } else {
         room.Put("null");
@@ -177,14 +180,15 @@ class JsonConsumer final : public TraceConsumer {
   }
 
   // The address and control fields, at the detail level.
-  static void WriteLayer2Numbers(Room& room, OctetSpan frame) {
+  static void WriteLayer2Numbers(Room& room, OctetSpan frame, bool commandResponseKnown) {
     const bool hasAddress = frame.size() >= 2;
     const LapdAddress address = hasAddress ? AddressOf(frame[0], frame[1]) : LapdAddress{};
     const LapdControlNumbers numbers = ControlNumbersOf(frame);
     room.Put(R"(,"sapi":)");
     room.Number(hasAddress ? std::optional<std::uint64_t>(address.sapi) : std::nullopt);
     room.Put(R"(,"cr":)");
-    room.Number(hasAddress ? std::optional<std::uint64_t>(address.commandResponse ? 1 : 0) : std::nullopt);
+    room.Number(hasAddress && commandResponseKnown ? std::optional<std::uint64_t>(address.commandResponse ? 1 : 0)
+                                                   : std::nullopt);
     room.Put(R"(,"tei":)");
     room.Number(hasAddress ? std::optional<std::uint64_t>(address.tei) : std::nullopt);
     room.Put(R"(,"ns":)");

@@ -163,13 +163,17 @@ constexpr std::array<std::array<LinePart, 2>, 3> kSideParts = [] {
 
 // "\tSAPI=s (name)  TEI=t  C/R=c (side)  N(S)=..  N(R)=..  P=.." as far as
 // the frame holds them.
-void PrintAddressAndControl(OutputWriter& out, OctetSpan frame) {
+void PrintAddressAndControl(OutputWriter& out, OctetSpan frame, bool commandResponseKnown) {
   const LapdAddress address = AddressOf(frame[0], frame[1]);
   const Octet control = frame[2];
   const FrameRole role = RoleOf(control);
   out.PutPadded(kSapiParts[address.sapi].Padded());
   out.PutPadded(kTeiParts[address.tei].Padded());
-  out.PutPadded(kSideParts[static_cast<std::size_t>(role)][address.commandResponse ? 1 : 0].Padded());
+  if (commandResponseKnown) {
+    out.PutPadded(kSideParts[static_cast<std::size_t>(role)][address.commandResponse ? 1 : 0].Padded());
+  } else {
+    out.Put("  C/R unknown");
+  }
   const LapdControlNumbers numbers = ControlNumbersOf(frame);
   if (numbers.sendSequence) PutNumber(out, "  N(S)=", *numbers.sendSequence);
   if (numbers.receiveSequence) PutNumber(out, "  N(R)=", *numbers.receiveSequence);
@@ -223,7 +227,7 @@ void DecodeTeiManagement(OutputWriter& out, OctetSpan frame) {
 // each closed, with the address and control line under the layer-2 line;
 // TEI management. Returns the Q.931 message of an I or a UI frame, after
 // its "ISDN Layer 3: " line, for the caller to decode; empty when none.
-OctetSpan DecodeLayer2InDetail(DecodeContext& context, OctetSpan frame) {
+OctetSpan DecodeLayer2InDetail(DecodeContext& context, OctetSpan frame, bool commandResponseKnown) {
   OutputWriter& out = context.out;
   out.Put(kLayer2);
   if (frame.size() < 3) {
@@ -243,7 +247,7 @@ OctetSpan DecodeLayer2InDetail(DecodeContext& context, OctetSpan frame) {
     // A kind that no row names leaves the line open; at this level it is closed.
     if (out.BytesWritten() == before) out.Put("(control octet names no frame)\n");
   }
-  PrintAddressAndControl(out, frame);
+  PrintAddressAndControl(out, frame, commandResponseKnown);
   // Q.931 in an I frame or, at this level, in a UI frame, as the call view reads it.
   if (const std::optional<Q931InFrame> q931 = FindQ931(frame)) {
     out.Put("ISDN Layer 3: Q.931 protocol message\n");
@@ -312,13 +316,13 @@ void DecodeLapdFrame(DecodeContext& context, OctetSpan frame) { DecodeDumpMessag
 
 // One call of each of the layer-2 decoders and of the message decoder for
 // frame lines and dumps alike, so that they stay inlined here.
-void DecodeDumpMessage(DecodeContext& context, OctetSpan octets, bool wholeFrame) {
+void DecodeDumpMessage(DecodeContext& context, OctetSpan octets, bool wholeFrame, bool commandResponseKnown) {
   const bool detailed = context.detail == DetailLevel::Full;
   OctetSpan message = octets;
   if (!wholeFrame) {
     context.out.Put("ISDN Layer 3: Q.931 protocol message\n");
   } else {
-    message = detailed ? DecodeLayer2InDetail(context, octets) : DecodeLayer2(context, octets);
+    message = detailed ? DecodeLayer2InDetail(context, octets, commandResponseKnown) : DecodeLayer2(context, octets);
   }
   if (!message.empty()) DecodeQ931Message(context.out, message, detailed);
 }

@@ -92,7 +92,9 @@ void DecodeLapdFrame(DecodeContext& context, OctetSpan frame);
 // A message of a debug dump: a whole frame as DecodeLapdFrame decodes it;
 // a Q.931 message alone (from the protocol discriminator on) behind the
 // "ISDN Layer 3: " line, with no layer-2 line, its address being unknown.
-void DecodeDumpMessage(DecodeContext& context, OctetSpan octets, bool wholeFrame);
+// A frame whose C/R bit the dump does not tell reads 0 there; the detail
+// level then says so instead of reading the bit.
+void DecodeDumpMessage(DecodeContext& context, OctetSpan octets, bool wholeFrame, bool commandResponseKnown = true);
 
 // The two wordings of the UA line. They are of equal length, so a parallel
 // run can decode a chunk before it knows the link memory at the chunk's start

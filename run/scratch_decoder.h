@@ -50,7 +50,7 @@ class ScratchDecoder {
   std::string_view TranslateDumpMessage(const DumpMessage& message) {
     writer_.DropBuffered();
     spilled_.clear();
-    DecodeDumpMessage(context_, message.octets, message.wholeFrame);
+    DecodeDumpMessage(context_, message.octets, message.wholeFrame, message.commandResponseKnown);
     if (spilled_.empty()) return writer_.Buffered();
     writer_.Flush();
     return spilled_;

@@ -22,6 +22,9 @@ struct DumpMessage {
   std::uint64_t firstLine = 0;  // its first input line, from 1
   std::string_view moment;      // the date and time its first line writes; may be empty
   bool cutOff = false;          // fewer octets than its header announced
+  // False for a whole frame put together from a dump's words without its
+  // C/R bit (which then reads 0): the detail level and JSON say it is unknown.
+  bool commandResponseKnown = true;
 };
 
 // One piece of the input as the run read it: a line, or a part of at most

@@ -145,7 +145,7 @@ bool TranslateDump(PieceSource& source, OutputWriter& writer, LinkMemory& link, 
       consumer->Consume(
           {{}, message->firstLine, message->wholeFrame, message->wholeFrame ? message->octets : OctetSpan{}, message});
     } else {
-      DecodeDumpMessage(context, message->octets, message->wholeFrame);
+      DecodeDumpMessage(context, message->octets, message->wholeFrame, message->commandResponseKnown);
     }
   };
   bool lineStarts = true;

@@ -128,14 +128,19 @@ std::vector<std::pair<std::string, std::uint64_t>> MessagesOf(MessageDump& reade
   return found;
 }
 
-TEST(RouterDump, MessagesFromNamesAndHexOrFromAnInformationFrame) {
+TEST(RouterDump, MessagesFromNamesAndHexOrFramesFromTheirWords) {
   RouterDumpReader reader;
   using Found = std::vector<std::pair<std::string, std::uint64_t>>;
   // SETUP: 08, the reference 00 05 (two octets, as its hex has four digits),
   // type 5; Bearer capability 04 03 80 90 a3, Channel identification 18 03
   // a9 83 81, Called party number 70 03 81 and the digits "12" given as text.
-  // CALL_PROC and DISCONNECT to the originator (80 05); then the q921
-  // information frame's own message, a RELEASE; the RR frame adds none.
+  // CALL_PROC and DISCONNECT to the originator (80 05). Then q921 frames,
+  // their address SAPI 0, TEI 89 (00 b3) with the C/R bit 0: an I frame,
+  // N(S) 3 (06) N(R) 4 (08), around its own RELEASE; RR with N(R) 4; TEI
+  // management on SAPI 63, TEI 127 (fc ff) in a UI frame (03) of management
+  // entity 0f with Ri 86 (00 56), the type and Ai 127 (ff) or 89 (b3);
+  // SABME with P (7f) and UA with F (73); an I frame whose hex goes on in
+  // the line below it.
   EXPECT_EQ(MessagesOf(reader, Lines(ReadAll(kRouterDump))), (Found{{"080200050504038090a31803a98381700381"
                                                                      "3132",
                                                                      11},
@@ -145,7 +150,28 @@ TEST(RouterDump, MessagesFromNamesAndHexOrFromAnInformationFrame) {
                                                                     {"0802800545"
                                                                      "08028290",
                                                                      15},
-                                                                    {"080200054d", 16}}));
+                                                                    {"00b30608080200054d", 16},
+                                                                    {"00b30108", 17},
+                                                                    {"fcff030f005601ff", 18},
+                                                                    {"fcff030f005602b3", 19},
+                                                                    {"00b37f", 20},
+                                                                    {"00b373", 21},
+                                                                    {"00b30808"
+                                                                     "080182021801891e028188",
+                                                                     23}}));
+}
+
+TEST(RouterDump, WordsThatTellNoFrameAreOnlyCopied) {
+  RouterDumpReader reader;
+  // A kind with a letter behind it that is no command/response mark, a TEI
+  // past 127, an I frame without N(S): no frame. INFO with pd and callref
+  // is Q.931's INFORMATION (7b), not a q921 information frame.
+  EXPECT_EQ(
+      MessagesOf(reader,
+                 {"ISDN BR0: TX -> RRx sapi = 0 tei = 89 nr = 1", "ISDN BR0: TX -> RR sapi = 0 tei = 128 nr = 1",
+                  "ISDN BR0: TX -> INFOc sapi = 0 tei = 1 nr = 1  i = 0x0801",
+                  "ISDN BR0: TX -> INFO pd = 8  callref = 0x01", "ISDN BR0: RX <- RRp sapi = 1 tei = 0 nr = 127"}),
+      (std::vector<std::pair<std::string, std::uint64_t>>{{"0801017b", 5}, {"040101ff", 0}}));
 }
 
 TEST(RouterDump, TheInputsStartTellsTheFormat) {
@@ -155,6 +181,7 @@ TEST(RouterDump, TheInputsStartTellsTheFormat) {
             Recognition::Yes);
   EXPECT_EQ(format.Recognise("ISDN BR0: RX <- INFOc sapi = 0 tei = 89 ns = 0 nr = 0  i = 0x08018502\n"),
             Recognition::Yes);
+  EXPECT_EQ(format.Recognise("ISDN BR0: RX <- RRr sapi = 0 tei = 89 nr = 4\n"), Recognition::Yes);
   EXPECT_EQ(format.Recognise("> Protocol Discriminator: Q.931 (8)  len=3\n"), Recognition::No);
   EXPECT_EQ(PbxDumpFormat().Recognise("ISDN BR0: RX <- INFOc sapi = 0 tei = 89 i = 0x08\n"), Recognition::No);
 }
@@ -169,13 +196,43 @@ TEST_F(DumpRun, RouterDumpIntoEveryOutput) {
       "                Plan:ISDN, Type:Unknown\nISDN Layer 3: Q.931 protocol message\nMessage type:SETUP\n";
   EXPECT_NE(run.out.find(setupEnd), std::string::npos) << run.out;
   EXPECT_NE(run.out.find("\t\tNumber digits (IA5)= 0x31 0x32\nMar 14 09:15:02.500"), std::string::npos);
-  EXPECT_NE(run.out.find("nr = 4  i = 0x080200054D\nISDN Layer 3: Q.931 protocol message\nMessage type:RELEASE\n"),
+  // The q921 frames' layer 2 from their words.
+  EXPECT_NE(run.out.find("nr = 4  i = 0x080200054D\nISDN Layer 2: Information transfer\nISDN Layer 3: Q.931 protocol "
+                         "message\nMessage type:RELEASE\n"),
             std::string::npos);
+  EXPECT_NE(run.out.find("sapi = 0 tei = 89 nr = 4\nISDN Layer 2: Supervisory  RR(receive ready)\nMar 14"),
+            std::string::npos);
+  EXPECT_NE(run.out.find("SABMEp sapi = 0 tei = 89\nISDN Layer 2: SABME(set asynchronous balanced mode extended), "
+                         "Request to establish link\nMar 14"),
+            std::string::npos);
+  EXPECT_NE(run.out.find("    1E028188\nISDN Layer 2: Information transfer\nISDN Layer 3: Q.931 protocol message\n"
+                         "Message type:CALL PROCEEDING\n"),
+            std::string::npos);
+  // Their C/R bit is not in the dump: the detail level and JSON say so, and
+  // a capture leaves them out rather than make one up.
+  const Finished detail = Velmora("-q --detail full " + kRouterDump + " -");
+  EXPECT_NE(detail.out.find("ISDN Layer 2: Supervisory  RR(receive ready)\n\tSAPI=0 (call control procedures)  TEI=89"
+                            "  C/R unknown  N(R)=4  P/F=0\n"),
+            std::string::npos)
+      << detail.out;
+  EXPECT_NE(detail.out.find("ISDN Layer 3: TEI management\n\tMessage type=00000010  Identity assigned\n"),
+            std::string::npos);
+  const Finished detailJson = Velmora("-q --detail full --to json " + kRouterDump + " -");
+  EXPECT_NE(detailJson.out.find(R"j("layer2":{"kind":"Supervisory  RR(receive ready)","sapi":0,"cr":null,"tei":89,)j"),
+            std::string::npos)
+      << detailJson.out;
+  EXPECT_EQ(Velmora("-q --to pcap " + kRouterDump + " " + Path("r.pcap")).status, 0);
+  EXPECT_EQ(ReadAll(Path("r.pcap")).size(), 24U);  // the file header alone
   const Finished json = Velmora("-q --to json " + kRouterDump + " -");
-  EXPECT_EQ(Numbers(json.out, R"("line":(\d+))"), (std::vector<int>{3, 11, 13, 15}));
+  EXPECT_EQ(Numbers(json.out, R"("line":(\d+))"), (std::vector<int>{3, 11, 13, 15, 16, 17, 18, 19, 20, 21}));
   EXPECT_NE(json.out.find(R"({"line":3,"time":"09:15:02.381","direction":"TX",)"), std::string::npos) << json.out;
   const Finished calls = Velmora("-q --to calls-json " + kRouterDump + " -");
-  EXPECT_NE(calls.out.find(R"("first_line":3,"last_line":15,"direction":"outgoing")"), std::string::npos) << calls.out;
+  // The PRI's call (TEI 0) ends at its DISCONNECT; the RELEASE on the BRI
+  // (TEI 89, from the q921 frame's words) is a call of its own.
+  EXPECT_NE(calls.out.find(R"("call_ref":5,"tei":0,"first_line":3,"last_line":13,"direction":"outgoing")"),
+            std::string::npos)
+      << calls.out;
+  EXPECT_NE(calls.out.find(R"("call_ref":5,"tei":89,"first_line":15,"last_line":15,)"), std::string::npos);
   EXPECT_NE(calls.out.find(R"("called":"12")"), std::string::npos);
   EXPECT_EQ(Velmora("-q --from router " + kRouterDump + " -").out, run.out);
 }

@@ -63,7 +63,7 @@ echo "input $((size)) MB, one thread, each view to a file; medians of $runs runs
 # Each debug dump reader on a dump of the same size, the hand-written test
 # dump over and over (the PBX dump's one cut-off message made whole), read
 # into the message file.
-for reader in pbx router; do
+for reader in pbx router hex; do
   dump="$work/${reader}-${size}MB.txt"
   if [ ! -s "$dump" ]; then
     sed 's/^> \[08 02 80$/> [08 02 80 90]/' "$(dirname "$0")/../tests/data/dumps/$reader.txt" >"$dump.one"

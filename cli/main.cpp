@@ -118,8 +118,8 @@ constexpr std::string_view kUsageHead =
     "copied, and behind each frame line its Q.921 frame kind and Q.931 message.\n"
     "\n"
     "  INPUT    the trace log, a pcap or pcapng capture of LAPD frames, a\n"
-    "           PBX's PRI-stack debug or a router's ISDN debug; - reads\n"
-    "           standard input\n"
+    "           PBX's PRI-stack debug, a router's ISDN debug or a hex dump;\n"
+    "           - reads standard input\n"
     "  OUTPUT   the message file to write; - writes standard output\n"
     "  -q       say nothing when a translation is done\n"
     "  -j N, --jobs N  threads for a large input file, 1 to 256 (default: the\n"
@@ -130,7 +130,9 @@ constexpr std::string_view kUsageTail =
     "           pbx (a PRI-stack debug: lines marked > and < carrying\n"
     "           \"Protocol Discriminator: Q.931\" headers and [hex] elements) or\n"
     "           router (debug isdn q931/q921: \"TX -> SETUP pd = 8 callref =\",\n"
-    "           \"i = 0x...\" elements); without it the input's first 2 KB tell\n"
+    "           \"i = 0x...\" elements, \"RRr sapi = 0 tei = 89 nr = 1\") or hex (a\n"
+    "           TX or RX line with a time, the frame's hex in the lines below);\n"
+    "           without it the input's first 2 KB tell\n"
     "  --detail LEVEL  description (the default): the message file as\n"
     "           described; full: also each frame's address and control\n"
     "           fields, TEI management, Q.931 in UI frames, the call\n"
@@ -165,7 +167,7 @@ void PrintUsage(std::ostream& out) {
   out << kUsageTail;
 }
 
-// "trace, pcap or pbx".
+// "trace, pcap, pbx, router or hex".
 std::string FormatNames() {
   std::string names;
   const auto entries = velmora::InputFormatEntries();

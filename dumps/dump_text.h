@@ -1,6 +1,7 @@
 #pragma once
 // What the dump readers share: reading hexadecimal digits and decimal
 // numbers out of a debug line, and the most octets a message holds.
+#include <array>
 #include <bit>
 #include <charconv>
 #include <cstddef>
@@ -21,11 +22,17 @@ namespace velmora::dump_text {
 inline constexpr std::size_t kLongestMessage = 300;
 
 // A hexadecimal digit's value, either case; -1 for any other character.
-inline int HexValue(char c) {
-  if (c >= '0' && c <= '9') return c - '0';
-  if ((c | 0x20) >= 'a' && (c | 0x20) <= 'f') return (c | 0x20) - 'a' + 10;
-  return -1;
-}
+// Looked up: dumps are mostly hex digits.
+inline constexpr std::array<std::int8_t, 256> kHexValues = [] {
+  std::array<std::int8_t, 256> values{};
+  for (int c = 0; c < 256; ++c)
+    values[static_cast<std::size_t>(c)] = static_cast<std::int8_t>(c >= '0' && c <= '9'   ? c - '0'
+                                                                   : c >= 'a' && c <= 'f' ? c - 'a' + 10
+                                                                   : c >= 'A' && c <= 'F' ? c - 'A' + 10
+                                                                                          : -1);
+  return values;
+}();
+inline int HexValue(char c) { return kHexValues[static_cast<unsigned char>(c)]; }
 
 // The first place at or after `from` that holds `a` or `b`; the text's size
 // when none does. Sixteen characters at a time: a debug line holds few.
@@ -55,12 +62,13 @@ inline std::optional<std::uint64_t> NumberAfter(std::string_view text, std::stri
 }
 
 // A debug dump's format: told by one of the input's first whole lines
-// (`tells`), and read line by line by a Reader. While not even the first
-// line is whole, it asks for more.
+// (`tells`, given the whole line behind it too, or nothing), and read line
+// by line by a Reader. While not even the first line is whole, it asks for
+// more.
 template <typename Reader>
 class LineDumpFormat final : public InputFormat {
  public:
-  using Tells = bool (*)(std::string_view line);
+  using Tells = bool (*)(std::string_view line, std::string_view next);
   explicit LineDumpFormat(Tells tells) : tells_(tells) {}
 
   Recognition Recognise(std::string_view head) const override {
@@ -69,7 +77,10 @@ class LineDumpFormat final : public InputFormat {
       const std::size_t end = head.find('\n', at);
       if (end == std::string_view::npos) break;
       wholeLine = true;
-      if (tells_(head.substr(at, end - at))) return Recognition::Yes;
+      const std::size_t nextEnd = head.find('\n', end + 1);
+      const std::string_view next =
+          nextEnd == std::string_view::npos ? std::string_view{} : head.substr(end + 1, nextEnd - end - 1);
+      if (tells_(head.substr(at, end - at), next)) return Recognition::Yes;
       at = end + 1;
     }
     return !wholeLine && head.size() < kRecognitionBytes ? Recognition::NeedMore : Recognition::No;

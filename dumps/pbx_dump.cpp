@@ -192,7 +192,7 @@ const DumpMessage* PbxDumpReader::Finish() { return isOpen_ ? Close() : nullptr;
 namespace {
 
 // A marked "Protocol Discriminator: Q.931" line, or a marked raw frame.
-bool TellsPbxDump(std::string_view line) {
+bool TellsPbxDump(std::string_view line, std::string_view) {
   const std::optional<MarkedLine> marked = FindMark(line);
   HexOctets hex;
   return marked && (marked->content.starts_with(kDiscriminatorLine) ||

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <array>
+#include <charconv>
 #include <string>
 #include <unordered_map>
 
@@ -13,7 +14,6 @@ namespace {
 
 using dump_text::HexValue;
 using dump_text::kLongestMessage;
-using dump_text::NumberAfter;
 
 // The router's names of message types where they are not the Q.931 name
 // with blanks for underscores.
@@ -130,6 +130,54 @@ std::size_t ElementValueAt(std::string_view line) {
   return std::string_view::npos;
 }
 
+// The "key = value" settings of a message line, read in one pass by their
+// "=" (a line holds a few, and few other "="):
+// "SETUP pd = 8  callref = 0x0005", "RRr sapi = 0 tei = 89 nr = 1".
+struct Settings {
+  std::size_t firstKeyAt = std::string_view::npos;  // where the first key begins
+  std::string_view pd, callref, sapi, tei, ns, nr, ri, ai, i;
+};
+
+Settings ReadSettings(std::string_view rest) {
+  struct Key {
+    std::string_view name;
+    std::string_view Settings::*value;
+  };
+  static constexpr Key kKeys[] = {
+      {"pd", &Settings::pd},   {"callref", &Settings::callref}, {"sapi", &Settings::sapi},
+      {"tei", &Settings::tei}, {"ns", &Settings::ns},           {"nr", &Settings::nr},
+      {"ri", &Settings::ri},   {"ai", &Settings::ai},           {"i", &Settings::i},
+  };
+  Settings settings;
+  const std::size_t size = rest.size();
+  for (std::size_t at = rest.find('='); at != std::string_view::npos; at = rest.find('=', at + 1)) {
+    if (at < 2 || rest[at - 1] != ' ' || at + 1 >= size || rest[at + 1] != ' ') continue;
+    const std::size_t keyEnd = at - 1;
+    std::size_t keyAt = keyEnd;
+    while (keyAt > 0 && rest[keyAt - 1] != ' ') --keyAt;
+    std::size_t valueAt = at + 2;
+    while (valueAt < size && rest[valueAt] == ' ') ++valueAt;
+    std::size_t valueEnd = valueAt;
+    while (valueEnd < size && rest[valueEnd] != ' ') ++valueEnd;
+    const std::string_view key(rest.data() + keyAt, keyEnd - keyAt);
+    for (const Key& known : kKeys) {
+      if (!std::equal(known.name.begin(), known.name.end(), key.begin(), key.end())) continue;
+      settings.*known.value = std::string_view(rest.data() + valueAt, valueEnd - valueAt);
+      settings.firstKeyAt = std::min(settings.firstKeyAt, keyAt);
+      break;
+    }
+  }
+  return settings;
+}
+
+// A decimal setting below `limit`.
+std::optional<unsigned> NumberBelow(std::string_view value, unsigned limit) {
+  unsigned number = 0;
+  const auto [end, error] = std::from_chars(value.data(), value.data() + value.size(), number);
+  if (error != std::errc() || end == value.data() || number >= limit) return std::nullopt;
+  return number;
+}
+
 // ---- q921 frames: "INFOc sapi = 0 tei = 89 ns = 0 nr = 0  i = 0x0801...",
 // "RRr sapi = 0 tei = 89 nr = 1", "SABMEp sapi = 0 tei = 89",
 // "IDREQ ri = 86 ai = 127". The frame's address and control field are put
@@ -168,21 +216,15 @@ bool IsFrameWord(std::string_view word, std::string_view name, bool& pollFinal) 
   return letter == 'c' || letter == 'r' || pollFinal;
 }
 
-// A number behind `key` below `limit`.
-std::optional<unsigned> FieldBelow(std::string_view words, std::string_view key, unsigned limit) {
-  const std::optional<std::uint64_t> value = NumberAfter(words, key);
-  return value && *value < limit ? std::optional(static_cast<unsigned>(*value)) : std::nullopt;
-}
-
 // The frame a q921 line tells, into `message`; false when the line is none.
-bool ReadLinkFrame(std::string_view rest, RouterDumpMessage& message) {
+bool ReadLinkFrame(std::string_view rest, const Settings& settings, RouterDumpMessage& message) {
   const std::string_view word = rest.substr(0, rest.find(' '));
   message.wholeFrame = true;
   message.hexRunsOn = false;
   for (const NamedOctet& row : kTeiManagementWords) {
     if (word != row.name) continue;
-    const std::optional<unsigned> reference = FieldBelow(rest, "ri = ", 65536);
-    const std::optional<unsigned> action = FieldBelow(rest, "ai = ", 128);
+    const std::optional<unsigned> reference = NumberBelow(settings.ri, 65536);
+    const std::optional<unsigned> action = NumberBelow(settings.ai, 128);
     if (!reference || !action) return false;
     // SAPI 63, TEI 127, UI, management entity 0x0F; Ri, the type, Ai with its extension bit.
     message.octets.assign({0xFC, 0xFF, 0x03, 0x0F, static_cast<Octet>(*reference >> 8),
@@ -193,20 +235,19 @@ bool ReadLinkFrame(std::string_view rest, RouterDumpMessage& message) {
   const LinkFrameWord* kind = nullptr;
   for (const LinkFrameWord& row : kLinkFrameWords)
     if (IsFrameWord(word, row.name, pollFinal)) kind = &row;
-  const std::optional<unsigned> sapi = FieldBelow(rest, "sapi = ", 64);
-  const std::optional<unsigned> tei = FieldBelow(rest, "tei = ", 128);
+  const std::optional<unsigned> sapi = NumberBelow(settings.sapi, 64);
+  const std::optional<unsigned> tei = NumberBelow(settings.tei, 128);
   if (kind == nullptr || !sapi || !tei) return false;
   message.octets.assign({static_cast<Octet>(*sapi << 2), static_cast<Octet>(*tei << 1 | 1)});
-  const std::optional<unsigned> sent = FieldBelow(rest, "ns = ", 128);
-  const std::optional<unsigned> received = FieldBelow(rest, "nr = ", 128);
+  const std::optional<unsigned> sent = NumberBelow(settings.ns, 128);
+  const std::optional<unsigned> received = NumberBelow(settings.nr, 128);
   switch (kind->format) {
     case ControlFormat::Information: {
       if (!sent || !received) return false;
       message.octets.push_back(static_cast<Octet>(*sent << 1));
       message.octets.push_back(static_cast<Octet>(*received << 1 | (pollFinal ? 1 : 0)));
-      const std::size_t at = rest.find(" i = 0x");
-      if (at == std::string_view::npos) return true;
-      const std::string_view hex = rest.substr(at + 7);
+      if (!settings.i.starts_with("0x")) return true;
+      const std::string_view hex = settings.i.substr(2);
       // Hex that runs to the line's end may go on in the lines below.
       message.hexRunsOn = AppendHex(hex, message.octets) == hex.size();
       return true;
@@ -296,29 +337,31 @@ const DumpMessage* RouterDumpReader::Before(std::string_view line, std::uint64_t
   message.hexRunsOn = false;
   // The time stamp stands before the interface, with a colon behind it
   // ("*Mar 14 09:15:02.381: ISDN BR0: ..."), which a time read alone lacks.
-  std::string_view stamp = line.substr(0, std::min(line.find(" ISDN"), arrow->at));
+  std::string_view stamp = line.substr(0, arrow->at);
+  stamp = stamp.substr(0, std::min(stamp.find("ISDN"), stamp.size()));
+  while (stamp.ends_with(' ')) stamp.remove_suffix(1);
   if (stamp.ends_with(':')) stamp.remove_suffix(1);
   MomentText moment;
   moment.Assign(ReadFrameLineFacts(stamp));
   message.moment.assign(moment.View());
   const std::string_view rest = arrow->rest;
+  const Settings settings = ReadSettings(rest);
   // A q931 message line: "SETUP pd = 8  callref = 0x0005" (checked first:
   // Q.931's INFORMATION is "INFO" there).
-  const std::size_t pd = rest.find(" pd = ");
-  const std::size_t callref = rest.find("callref = ");
-  if (pd == std::string_view::npos || callref == std::string_view::npos) {
-    isOpen_ = ReadLinkFrame(rest, message);
+  if (settings.pd.empty() || settings.callref.empty()) {
+    isOpen_ = ReadLinkFrame(rest, settings, message);
     return ended;
   }
-  const std::optional<Octet> type = MessageTypeNamed(rest.substr(0, pd));
-  const std::optional<std::uint64_t> discriminator = NumberAfter(rest, " pd = ");
-  if (!type || !discriminator || *discriminator > 255) return ended;
+  std::string_view name = rest.substr(0, settings.firstKeyAt);
+  while (name.ends_with(' ')) name.remove_suffix(1);
+  const std::optional<Octet> type = MessageTypeNamed(name);
+  const std::optional<unsigned> discriminator = NumberBelow(settings.pd, 256);
+  if (!type || !discriminator) return ended;
   message.wholeFrame = false;
   message.octets.push_back(static_cast<Octet>(*discriminator));
   std::vector<Octet>& reference = contents_;
   reference.clear();
-  const std::string_view value = rest.substr(callref + 10);
-  if (value.starts_with("0x")) AppendHex(value.substr(2), reference);
+  if (settings.callref.starts_with("0x")) AppendHex(settings.callref.substr(2), reference);
   message.octets.push_back(static_cast<Octet>(reference.size()));
   message.octets.insert(message.octets.end(), reference.begin(), reference.end());
   message.octets.push_back(*type);
@@ -332,12 +375,11 @@ const DumpMessage* RouterDumpReader::Finish() { return isOpen_ ? Close() : nullp
 namespace {
 
 // A q931 message line or a q921 information frame.
-bool TellsRouterDump(std::string_view line) {
+bool TellsRouterDump(std::string_view line, std::string_view) {
   const std::optional<Arrow> arrow = FindArrow(line);
   if (!arrow || line.find("ISDN") == std::string_view::npos) return false;
-  const std::string_view rest = arrow->rest;
-  return (rest.find(" pd = ") != std::string_view::npos && rest.find("callref = ") != std::string_view::npos) ||
-         (rest.find("sapi = ") != std::string_view::npos && rest.find(" tei = ") != std::string_view::npos);
+  const Settings settings = ReadSettings(arrow->rest);
+  return (!settings.pd.empty() && !settings.callref.empty()) || (!settings.sapi.empty() && !settings.tei.empty());
 }
 
 }  // namespace

@@ -1,6 +1,7 @@
 #include "input_formats.h"
 
 #include "capture_input.h"
+#include "hex_dump.h"
 #include "pbx_dump.h"
 #include "router_dump.h"
 
@@ -12,6 +13,7 @@ std::span<const InputFormatEntry> InputFormatEntries() {
       {"pcap", "Captures", "*.pcap;*.pcapng", &CaptureFormat()},
       {"pbx", "PBX PRI debug", "*.txt;*.log", &PbxDumpFormat()},
       {"router", "Router ISDN debug", "*.txt;*.log", &RouterDumpFormat()},
+      {"hex", "Hex dumps", "*.txt;*.log", &HexDumpFormat()},
   };
   return kEntries;
 }

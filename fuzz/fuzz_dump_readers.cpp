@@ -1,5 +1,5 @@
-// Random text read as a debug dump, a PBX's PRI-stack debug or a router's
-// ISDN debug, into the message file at --detail full (every decoded line
+// Random text read as a debug dump, a PBX's PRI-stack debug, a router's
+// ISDN debug or a plain hex dump, into the message file at --detail full (every decoded line
 // closed) and into JSON and the calls.
 //
 // Invariants: every input line stands in the message file, in order, and
@@ -7,8 +7,8 @@
 // "Message type:" or a tab first; behind a last line without its line end,
 // on that line); the other outputs finish.
 //
-// Input: byte 0 picks the reader (even: the PBX's, odd: the router's), the
-// rest is the dump's text.
+// Input: byte 0 picks the reader (modulo 3: 0 the PBX's, 1 the router's,
+// 2 the hex dump's), the rest is the dump's text.
 #include <cstddef>
 #include <cstdint>
 #include <string>
@@ -18,6 +18,7 @@
 #include "calls_output.h"
 #include "frame_json.h"
 #include "fuzz_support.h"
+#include "hex_dump.h"
 #include "pbx_dump.h"
 #include "router_dump.h"
 #include "translation.h"
@@ -54,7 +55,9 @@ std::string Run(std::string_view dump, const velmora::InputFormat& format, velmo
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
   if (size == 0) return 0;
-  const velmora::InputFormat& format = data[0] % 2 == 0 ? velmora::PbxDumpFormat() : velmora::RouterDumpFormat();
+  const velmora::InputFormat& format = data[0] % 3 == 0   ? velmora::PbxDumpFormat()
+                                       : data[0] % 3 == 1 ? velmora::RouterDumpFormat()
+                                                          : velmora::HexDumpFormat();
   const std::string_view dump(reinterpret_cast<const char*>(data + 1), size - 1);
   velmora::TranslationOptions full;
   full.detail = velmora::DetailLevel::Full;

@@ -9,6 +9,7 @@
 #include <utility>
 #include <vector>
 
+#include "hex_dump.h"
 #include "input_formats.h"
 #include "pbx_dump.h"
 #include "router_dump.h"
@@ -19,6 +20,7 @@ namespace {
 
 const std::string kDump = std::string(VELMORA_TEST_DATA) + "/dumps/pbx.txt";
 const std::string kRouterDump = std::string(VELMORA_TEST_DATA) + "/dumps/router.txt";
+const std::string kHexDump = std::string(VELMORA_TEST_DATA) + "/dumps/hex.txt";
 
 std::vector<std::string> Lines(const std::string& text) {
   std::vector<std::string> lines;
@@ -186,6 +188,36 @@ TEST(RouterDump, TheInputsStartTellsTheFormat) {
   EXPECT_EQ(PbxDumpFormat().Recognise("ISDN BR0: RX <- INFOc sapi = 0 tei = 89 i = 0x08\n"), Recognition::No);
 }
 
+TEST(HexDump, FramesFromTheHexLinesBehindEachHeader) {
+  HexDumpReader reader;
+  using Found = std::vector<std::pair<std::string, std::uint64_t>>;
+  // Offsets and a text column left out, octets apart or two together, an
+  // offset with a colon; the blank line ends the third frame, a header with
+  // no hex behind it is none, the last frame ends with the input.
+  EXPECT_EQ(MessagesOf(reader, Lines(ReadAll(kHexDump))), (Found{{"0001000008020005"
+                                                                  "0504038090a3",
+                                                                  5},
+                                                                 {"0201020008028005021803a98381", 7},
+                                                                 {"02010204080280054508028290", 11},
+                                                                 {"00010105", 0}}));
+}
+
+TEST(HexDump, LinesThatAreNoHexLines) {
+  HexDumpReader reader;
+  // An odd group, a word among the octets, text behind one blank: each ends
+  // the frame with what it had (two octets), and is no frame line itself.
+  EXPECT_EQ(MessagesOf(reader, {"TX 09:00:00", "02 01", "02 010", "TX 09:00:01", "02 01", "02 zz 03", "TX 09:00:02",
+                                "02 01", "02 03 x", "09:00:03 no direction", "02 01"}),
+            (std::vector<std::pair<std::string, std::uint64_t>>{{"0201", 3}, {"0201", 6}, {"0201", 9}}));
+  const InputFormat& format = HexDumpFormat();
+  EXPECT_EQ(format.Recognise("a title\nRX 09:15:02.500\n  0000  02 01 02 04\n"), Recognition::Yes);
+  EXPECT_EQ(format.Recognise("RX 09:15:02.500\nnot hex\n"), Recognition::No);
+  // A trace log's frame line is no header: its octets stand on its own line.
+  EXPECT_EQ(format.Recognise("00001 2026-03-14 09:15:02.306 **** D-CH TX HDLC:3  | 0x00 0x01 0x01\n"
+                             "00002 2026-03-14 09:15:02.307 **** D-CH RX HDLC:3  | 0x00 0x01 0x01\n"),
+            Recognition::No);
+}
+
 class DumpRun : public ScratchDirectoryTest {};
 
 TEST_F(DumpRun, RouterDumpIntoEveryOutput) {
@@ -235,6 +267,26 @@ TEST_F(DumpRun, RouterDumpIntoEveryOutput) {
   EXPECT_NE(calls.out.find(R"("call_ref":5,"tei":89,"first_line":15,"last_line":15,)"), std::string::npos);
   EXPECT_NE(calls.out.find(R"("called":"12")"), std::string::npos);
   EXPECT_EQ(Velmora("-q --from router " + kRouterDump + " -").out, run.out);
+}
+
+TEST_F(DumpRun, HexDumpIntoTheMessageFileJsonAndACapture) {
+  const Finished run = Velmora(kHexDump + " -");
+  EXPECT_EQ(run.status, 0) << run.err;
+  EXPECT_NE(run.out.find("  0008  05 04 03 80 90 a3        ......\nISDN Layer 2: Information transfer\nISDN Layer 3: "
+                         "Q.931 protocol message\nMessage type:SETUP\n"),
+            std::string::npos)
+      << run.out;
+  EXPECT_NE(run.out.find("  0008: 45 08 02 82 90\nISDN Layer 2: Information transfer\n"), std::string::npos);
+  EXPECT_TRUE(run.out.ends_with("  00 01 01 05\nISDN Layer 2: Supervisory  RR(receive ready)\n")) << run.out;
+  const Finished json = Velmora("-q --to json " + kHexDump + " -");
+  EXPECT_EQ(Numbers(json.out, R"("line":(\d+))"), (std::vector<int>{2, 5, 7, 14}));
+  EXPECT_NE(json.out.find(R"({"line":7,"time":"09:15:03.000","direction":"RX","octets":"0201020408028005450802)"),
+            std::string::npos)
+      << json.out;
+  // Whole frames: a capture holds all four, each with its direction.
+  EXPECT_EQ(Velmora("-q --to pcap " + kHexDump + " " + Path("h.pcap")).status, 0);
+  EXPECT_EQ(ReadAll(Path("h.pcap")).size(), 24U + 4 * 16 + 4 * 16 + (14 + 14 + 13 + 4));
+  EXPECT_EQ(Velmora("-q --from hex " + kHexDump + " -").out, Velmora("-q " + kHexDump + " -").out);
 }
 
 TEST_F(DumpRun, EveryLineCopiedAndEachDecodeBehindItsMessagesLastLine) {
@@ -291,9 +343,10 @@ TEST_F(DumpRun, JsonCallsAndTheFormatForced) {
   // Read as a trace log it has no frame line; an unknown format is a usage error.
   EXPECT_EQ(Velmora("-q --from trace " + kDump + " -").status, 1);
   EXPECT_EQ(Velmora("-q --from pbx " + kDump + " -").out, Velmora("-q " + kDump + " -").out);
-  const Finished unknown = Velmora("--from hex " + kDump + " -");
+  const Finished unknown = Velmora("--from binary " + kDump + " -");
   EXPECT_EQ(unknown.status, 64);
-  EXPECT_NE(unknown.err.find("--from: unknown input format 'hex' (trace, pcap, pbx or router)"), std::string::npos);
+  EXPECT_NE(unknown.err.find("--from: unknown input format 'binary' (trace, pcap, pbx, router or hex)"),
+            std::string::npos);
 }
 
 }  // namespace

@@ -268,7 +268,7 @@ class ZandrelDialogTest : public QObject {
     QCOMPARE(
         Describe(d.choosers.at(0)),
         QString("Log Files (*.txt), Trace logs (*.txt *.log), Captures (*.pcap *.pcapng), PBX PRI debug (*.txt *.log), "
-                "Router ISDN debug (*.txt *.log), All Files (*) | txt |  | -"));
+                "Router ISDN debug (*.txt *.log), Hex dumps (*.txt *.log), All Files (*) | txt |  | -"));
     QCOMPARE(d.Text(IDC_INPUT_PATH), QString("/data/in.txt"));
     QCOMPARE(d.Text(IDC_OUTPUT_PATH), QString("typed-out.txt"));
 

@@ -123,7 +123,8 @@ constexpr std::string_view kUsageHead =
     "  OUTPUT   the message file to write; - writes standard output\n"
     "  -q       say nothing when a translation is done\n"
     "  -j N, --jobs N  threads for a large input file, 1 to 256 (default: the\n"
-    "           number of cores); the output is the same for every N\n"
+    "           number of cores), never more than the cores it may run on;\n"
+    "           the output is the same for every N\n"
     "  --to KIND  what to write instead of the message file (one thread):\n";
 constexpr std::string_view kUsageTail =
     "  --from FORMAT  read INPUT as trace (a trace log), pcap (a capture),\n"

@@ -8,6 +8,10 @@
 #include <mutex>
 #include <string>
 #include <thread>
+
+#if defined(__linux__)
+#include <sched.h>
+#endif
 #include <vector>
 
 #include "decode_context.h"
@@ -24,16 +28,27 @@ namespace {
 // as they are rather than copied, and written on in order.
 class ChunkOutput final : public ByteSink {
  public:
-  static constexpr std::size_t kBlockSize = OutputWriter::kDefaultCapacity;
+  // Blocks of the run's chunk size: full ones are kept for the next chunk.
+  void SetBlockSize(std::size_t size) { blockSize_ = size; }
+  std::size_t BlockSize() const { return blockSize_; }
 
+  // The writer's last, partial buffer: copied into a block of the full
+  // size, so that every block can serve again (no allocation of odd sizes
+  // from chunk to chunk, which would spread over each thread's heap).
   bool Write(const char* data, std::size_t size, int& /*error*/) override {
-    std::unique_ptr<char[]> copy(new char[size]);
+    std::unique_ptr<char[]> copy;
+    if (size <= blockSize_ && !spare_.empty()) {
+      copy = std::move(spare_.back());
+      spare_.pop_back();
+    } else {
+      copy.reset(new char[std::max(size, blockSize_)]);
+    }
     std::memcpy(copy.get(), data, size);
-    blocks_.push_back({std::move(copy), size});
+    blocks_.push_back({std::move(copy), size, std::max(size, blockSize_)});
     return true;
   }
   bool Keep(std::unique_ptr<char[]>& buffer, std::size_t size) override {
-    blocks_.push_back({std::move(buffer), size});
+    blocks_.push_back({std::move(buffer), size, blockSize_});
     if (!spare_.empty()) {
       buffer = std::move(spare_.back());
       spare_.pop_back();
@@ -44,7 +59,7 @@ class ChunkOutput final : public ByteSink {
   // Empties the output; its buffers are filled again by the next decoding.
   void Clear() {
     for (Block& block : blocks_)
-      if (block.size == kBlockSize) spare_.push_back(std::move(block.text));
+      if (block.capacity == blockSize_) spare_.push_back(std::move(block.text));
     blocks_.clear();
   }
   // Puts `text` at an offset of the output, across a block's end if need be.
@@ -69,9 +84,11 @@ class ChunkOutput final : public ByteSink {
   struct Block {
     std::unique_ptr<char[]> text;
     std::size_t size;
+    std::size_t capacity;
   };
   std::vector<Block> blocks_;
   std::vector<std::unique_ptr<char[]>> spare_;
+  std::size_t blockSize_ = OutputWriter::kDefaultCapacity;
 };
 
 struct Chunk {
@@ -106,7 +123,10 @@ class ParallelRun {
         detail_(detail),
         chunks_(jobs + 2) {
     // Room for the carried tail of the chunk before (less than a piece) and a chunk.
-    for (Chunk& chunk : chunks_) chunk.input.reset(new char[chunkSize_ + kMaxPiece]);
+    for (Chunk& chunk : chunks_) {
+      chunk.input.reset(new char[chunkSize_ + kMaxPiece]);
+      chunk.output.SetBlockSize(chunkSize_);
+    }
     for (unsigned i = 0; i < jobs; ++i) workers_.emplace_back([this] { Work(); });
   }
 
@@ -202,9 +222,8 @@ class ParallelRun {
   static void Decode(Chunk& chunk, DetailLevel detail) {
     chunk.output.Clear();
     chunk.pendingUaWordings.clear();
-    // Full blocks as large as the run's writer's buffer go on to the sink
-    // uncopied (OutputWriter::PutBlock).
-    OutputWriter writer(chunk.output, ChunkOutput::kBlockSize);
+    // Full blocks go on to the run's sink uncopied (OutputWriter::PutBlock).
+    OutputWriter writer(chunk.output, chunk.output.BlockSize());
     DecodeContext context{writer, LinkSetup::Unknown, false, &chunk.pendingUaWordings};
     context.detail = detail;
     TranslateTracePieces(context, {chunk.input.get(), chunk.size});
@@ -235,11 +254,21 @@ class ParallelRun {
 
 }  // namespace
 
+unsigned UsableCores() {
+#if defined(__linux__)
+  // The cores this process may run on (taskset, a container's cpuset), not
+  // all that the machine has.
+  cpu_set_t cores;
+  if (sched_getaffinity(0, sizeof cores, &cores) == 0) return std::max(1, CPU_COUNT(&cores));
+#endif
+  return std::max(1U, std::thread::hardware_concurrency());
+}
+
 ParallelRunResult TranslateInParallel(int inputFd, std::uint64_t inputSize, OutputWriter& writer, LinkMemory& link,
                                       unsigned jobs, bool stopOnWriteError,
                                       const std::function<void(std::uint64_t)>& onRead, std::size_t chunkSize,
                                       DetailLevel detail) {
-  chunkSize = std::max(chunkSize, kSmallestChunk);
+  chunkSize = std::max(std::min(chunkSize, ChunkSizeForJobs(jobs)), kSmallestChunk);
   // A thread without a chunk of its own would only wait.
   const std::uint64_t chunks = inputSize / chunkSize + 1;
   if (jobs > chunks) jobs = static_cast<unsigned>(chunks);

@@ -383,7 +383,12 @@ TranslationOutcome TranslateTraceFile(std::string_view inputPath, std::string_vi
   FdSink sink(outputFd);
   const std::optional<std::uint64_t> regularInputSize = RegularFileSize(inputInfo);
   const std::uint64_t inputSize = regularInputSize.value_or(0);
-  const bool parallel = head.error == 0 && !formatted && !dump && options.jobs > 1 && !options.makeConsumer &&
+#if !defined(VELMORA_NO_THREADS)
+  const unsigned jobs = std::min(options.jobs, UsableCores());
+#else
+  const unsigned jobs = 1;
+#endif
+  const bool parallel = head.error == 0 && !formatted && !dump && jobs > 1 && !options.makeConsumer &&
                         !inputIsStandard && inputSize >= kParallelMinimum;
   // One decoding thread leaves the writes to a thread of their own where a
   // write costs (a file, a pipe; not /dev/null or another device); a
@@ -405,7 +410,7 @@ TranslationOutcome TranslateTraceFile(std::string_view inputPath, std::string_vi
 #if !defined(VELMORA_NO_THREADS)
   } else if (parallel) {
     const ParallelRunResult result =
-        TranslateInParallel(inputFd, inputSize, writer, link, options.jobs, options.stopOnWriteError, reportProgress,
+        TranslateInParallel(inputFd, inputSize, writer, link, jobs, options.stopOnWriteError, reportProgress,
                             kDefaultChunk, options.detail);
     frameFound = result.frameFound;
     report.scanNotes = result.scanNotes;

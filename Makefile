@@ -5,13 +5,13 @@ SHELL := /bin/bash
 
 PACKAGES := cmake ninja-build g++ clang clang-format libclang-rt-14-dev libgtest-dev libgmock-dev \
             libbenchmark-dev qt6-base-dev libpcap-dev time bc \
-            dpkg-dev file lintian desktop-file-utils groff-base man-db python3 chromium-headless-shell
+            dpkg-dev file lintian desktop-file-utils groff-base man-db python3 chromium-headless-shell emscripten
 JOBS ?= $(shell nproc)
 
 RELEASE_DIR := build/release
 TEST_DIR := build/test
 
-.PHONY: demo report-demo test deps build package package-check clean
+.PHONY: demo report-demo test deps build package package-check clean web web-test
 
 # Installs what is missing; when not root, prints the exact line and stops.
 deps:
@@ -61,6 +61,7 @@ test: deps
 	$(MAKE) nothreads-test
 	$(MAKE) fuzz-smoke
 	$(MAKE) package-check
+	$(MAKE) web-test
 
 # The tests whose subject is the optimised program itself, on the Release
 # build with link-time optimisation: the golden traces, the parallel run
@@ -84,6 +85,23 @@ nothreads-test: deps
 	@for trace in tests/data/*.in.txt; do \
 	  $(NOTHREADS_DIR)/velmora -q -j 4 "$$trace" - | cmp - "$${trace%.in.txt}.expected.txt" || exit 1; \
 	done; echo "nothreads: the golden traces as expected"
+
+# The browser page, build/web/velmora.html: the in-memory core compiled
+# by Debian's emscripten, one self-contained file. Its tools run on
+# node, which finds Debian's JavaScript modules only through NODE_PATH
+# where node did not come from Debian.
+WEB_DIR := build/web
+EMSCRIPTEN_ENV := NODE_PATH=/usr/share/nodejs
+web: deps
+	$(EMSCRIPTEN_ENV) emcmake cmake -S . -B $(WEB_DIR) -G Ninja -DCMAKE_BUILD_TYPE=Release -DVELMORA_WEB=ON \
+	  -DVELMORA_THREADS=OFF -DVELMORA_TESTS=OFF -DVELMORA_DIALOG=OFF -DVELMORA_WERROR=ON >/dev/null
+	$(EMSCRIPTEN_ENV) cmake --build $(WEB_DIR) -j $(JOBS)
+	@echo "Open $(WEB_DIR)/velmora.html in a browser."
+
+# The page in headless Chromium against the velmora that make test built.
+web-test: web
+	python3 tests/browser/web_page.py $(WEB_DIR)/velmora.html $(TEST_DIR)/velmora samples/trace.txt \
+	  tests/data/*.in.txt tests/data/dumps/*.txt
 
 # The Debian packages velmora and zandrel (build/package/*.deb): a Release
 # build with Debian's hardening flags, without sanitizers, packed by CPack.

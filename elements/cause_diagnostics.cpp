@@ -143,9 +143,10 @@ constexpr Attribute kAttributes[] = {
 };
 
 const Attribute* FindAttribute(unsigned number) {
-  const auto* attribute =
-      std::ranges::find_if(kAttributes, [number](const Attribute& a) { return a.number.value == number; });
-  return attribute != std::ranges::end(kAttributes) ? attribute : nullptr;
+  // Plain algorithms rather than ranges: libc++ 14 (the WebAssembly build's) has few of those.
+  const auto* attribute = std::find_if(std::begin(kAttributes), std::end(kAttributes),
+                                       [number](const Attribute& a) { return a.number.value == number; });
+  return attribute != std::end(kAttributes) ? attribute : nullptr;
 }
 
 // Groups of an attribute number and its value run (the rejected and the
@@ -214,8 +215,9 @@ constexpr DiagnosticCoding kCodings[] = {
 void DecodeCauseDiagnostics(OutputWriter& out, CauseDiagnosticKind kind, OctetSpan diagnostics) {
   if (diagnostics.empty()) return;
 
-  const auto* coding = std::ranges::find(kCodings, kind, &DiagnosticCoding::kind);
-  if (coding == std::ranges::end(kCodings)) return;
+  const auto* coding = std::find_if(std::begin(kCodings), std::end(kCodings),
+                                    [kind](const DiagnosticCoding& row) { return row.kind == kind; });
+  if (coding == std::end(kCodings)) return;
 
   out.Put("\t\tDiagnostics: Coding of ");
   out.Put(coding->name);

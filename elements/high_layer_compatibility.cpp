@@ -57,7 +57,7 @@ constexpr unsigned kManagement = 0b1011111;
 // those two are not available for assignment.
 constexpr auto kExtendedHighLayerCharacteristics = [] {
   std::array<ValueText, std::size(kHighLayerCharacteristics)> rows{};
-  std::ranges::copy(kHighLayerCharacteristics, rows.begin());
+  std::copy(std::begin(kHighLayerCharacteristics), std::end(kHighLayerCharacteristics), rows.begin());
   for (ValueText& row : rows)
     if (row.value == kMaintenance || row.value == kManagement) row.text = "Not available for assignment";
   return rows;

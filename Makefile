@@ -92,16 +92,24 @@ nothreads-test: deps
 # where node did not come from Debian.
 WEB_DIR := build/web
 EMSCRIPTEN_ENV := NODE_PATH=/usr/share/nodejs
+# WebAssembly's SIMD (the scanner's SSE2 paths, through emscripten's SSE2
+# headers) and bulk memory (memcpy as one instruction): about a tenth faster.
+WEB_CXX_FLAGS := -msimd128 -msse2 -mbulk-memory -flto
 web: deps
 	$(EMSCRIPTEN_ENV) emcmake cmake -S . -B $(WEB_DIR) -G Ninja -DCMAKE_BUILD_TYPE=Release -DVELMORA_WEB=ON \
-	  -DVELMORA_THREADS=OFF -DVELMORA_TESTS=OFF -DVELMORA_DIALOG=OFF -DVELMORA_WERROR=ON >/dev/null
+	  -DVELMORA_THREADS=OFF -DVELMORA_TESTS=OFF -DVELMORA_DIALOG=OFF -DVELMORA_WERROR=ON \
+	  "-DCMAKE_CXX_FLAGS=$(WEB_CXX_FLAGS)" "-DCMAKE_EXE_LINKER_FLAGS=$(WEB_CXX_FLAGS)" >/dev/null
 	$(EMSCRIPTEN_ENV) cmake --build $(WEB_DIR) -j $(JOBS)
 	@echo "Open $(WEB_DIR)/velmora.html in a browser."
 
-# The page in headless Chromium against the velmora that make test built.
+# The page in headless Chromium against the velmora that make test built,
+# and its speed against the optimised one of release-test.
 web-test: web
-	python3 tests/browser/web_page.py $(WEB_DIR)/velmora.html $(TEST_DIR)/velmora samples/trace.txt \
-	  tests/data/*.in.txt tests/data/dumps/*.txt
+	cmake -S . -B $(RELEASE_TEST_DIR) -G Ninja -DCMAKE_BUILD_TYPE=Release -DVELMORA_DIALOG=OFF \
+	  -DVELMORA_WERROR=ON >/dev/null
+	cmake --build $(RELEASE_TEST_DIR) -j $(JOBS) --target velmora >/dev/null
+	python3 tests/browser/web_page.py --speed $(RELEASE_TEST_DIR)/velmora $(WEB_DIR)/velmora.html $(TEST_DIR)/velmora \
+	  samples/trace.txt tests/data/*.in.txt tests/data/dumps/*.txt
 
 # The Debian packages velmora and zandrel (build/package/*.deb): a Release
 # build with Debian's hardening flags, without sanitizers, packed by CPack.

@@ -23,9 +23,10 @@
 
 namespace {
 
-// Each flushed block goes to the page's Module.takeOutput as a copy.
+// Each flushed block goes to the page's Module.takeOutput as a view of the
+// module's memory, valid during the call only: the page copies it on.
 EM_JS(void, HandOutput, (const char* data, std::size_t size),
-      { Module["takeOutput"](HEAPU8.slice(data, data + size)); });
+      { Module["takeOutput"](HEAPU8.subarray(data, data + size)); });
 
 class PageSink final : public velmora::ByteSink {
  public:

@@ -107,11 +107,15 @@ EMSCRIPTEN_KEEPALIVE int velmora_translate(const char* input, std::size_t size, 
   return static_cast<int>(velmora::TranslateTraceText(text, sink, link, options));
 }
 
-// The last translation's outcome in words, and its cut-off dump messages.
+// A translation's outcome in words and whether it tells of an error; the
+// last translation's cut-off dump messages.
 EMSCRIPTEN_KEEPALIVE const char* velmora_outcome_text(int outcome) {
   static std::string text;
   text = velmora::DescribeOutcome(static_cast<velmora::TranslationOutcome>(outcome)).text;
   return text.c_str();
+}
+EMSCRIPTEN_KEEPALIVE int velmora_outcome_is_error(int outcome) {
+  return velmora::DescribeOutcome(static_cast<velmora::TranslationOutcome>(outcome)).icon == velmora::OutcomeIcon::Error;
 }
 EMSCRIPTEN_KEEPALIVE double velmora_cut_off_messages() { return static_cast<double>(lastReport.cutOffMessages); }
 

@@ -71,6 +71,8 @@ def check_trace(page, binary, trace):
     name = os.path.basename(trace)
     status = page.evaluate("document.getElementById('status').textContent")
     expect(status.startswith(name + ": "), f"{name}: status {status!r}")
+    # A trace with frame lines is done, not shown as an error.
+    expect(page.evaluate("document.getElementById('status').className") == "", f"{name}: status {status!r} as an error")
     shown = b64(page.evaluate(SHOWN))
     expect(shown == native(binary, "message", trace), f"{name}: the page's message file is not velmora's")
     for kind in ("message", "json", "calls", "calls-csv", "calls-json", "report"):

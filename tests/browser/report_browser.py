@@ -115,6 +115,20 @@ def find_browser():
     return None
 
 
+def start_browser():
+    """A Browser, or the exit status to end with: SKIPPED where there is
+    none, 1 where it does not start."""
+    browser = find_browser()
+    if browser is None:
+        print("skipped: no headless Chromium found (Debian's chromium-headless-shell or chromium)")
+        return SKIPPED
+    try:
+        return Browser(browser)
+    except Failure as failure:
+        print(f"FAILED: {browser}: {failure}")
+        return 1
+
+
 class Browser:
     """A headless Chromium with one page, its console watched."""
 
@@ -461,15 +475,9 @@ def main(argv):
     if len(argv) < 2 or argv[1] not in ("check", "screenshot", "measure"):
         print(__doc__)
         return 64
-    browser = find_browser()
-    if browser is None:
-        print("skipped: no headless Chromium found (Debian's chromium-headless-shell or chromium)")
-        return SKIPPED
-    try:
-        page = Browser(browser)
-    except Failure as failure:
-        print(f"FAILED: {browser}: {failure}")
-        return 1
+    page = start_browser()
+    if not isinstance(page, Browser):
+        return page
     work = tempfile.mkdtemp(prefix="velmora_report_")
     try:
         if argv[1] == "check":

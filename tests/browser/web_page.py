@@ -25,7 +25,7 @@ import tempfile
 import time
 
 sys.path.insert(0, os.path.dirname(os.path.abspath(__file__)))
-from report_browser import SKIPPED, Browser, Failure, expect, find_browser  # noqa: E402
+from report_browser import Browser, Failure, expect, start_browser  # noqa: E402
 
 def native(binary, kind, trace, cwd=None):
     """What velmora writes of `trace` as `kind`, as bytes."""
@@ -144,16 +144,10 @@ def main(argv):
     if len(argv) < 4:
         print(__doc__)
         return 64
-    browser = find_browser()
-    if browser is None:
-        print("skipped: no headless Chromium found (Debian's chromium-headless-shell or chromium)")
-        return SKIPPED
     page_file, binary, traces = argv[1], os.path.abspath(argv[2]), argv[3:]
-    try:
-        page = Browser(browser)
-    except Failure as failure:
-        print(f"FAILED: {browser}: {failure}")
-        return 1
+    page = start_browser()
+    if not isinstance(page, Browser):
+        return page
     work = tempfile.mkdtemp(prefix="velmora_web_")
     try:
         page.call("Network.enable")

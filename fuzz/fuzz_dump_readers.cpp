@@ -7,8 +7,9 @@
 // "Message type:" or a tab first; behind a last line without its line end,
 // on that line); the other outputs finish.
 //
-// Input: byte 0 picks the reader (modulo 3: 0 the PBX's, 1 the router's,
-// 2 the hex dump's), the rest is the dump's text.
+// Built once a reader, as fuzz_pbx_dump, fuzz_router_dump and
+// fuzz_hex_dump (VELMORA_DUMP_READER 0, 1 and 2), so that each has its own
+// corpus and time. Input: the dump's text.
 #include <cstddef>
 #include <cstdint>
 #include <string>
@@ -54,11 +55,10 @@ std::string Run(std::string_view dump, const velmora::InputFormat& format, velmo
 }  // namespace
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
-  if (size == 0) return 0;
-  const velmora::InputFormat& format = data[0] % 3 == 0   ? velmora::PbxDumpFormat()
-                                       : data[0] % 3 == 1 ? velmora::RouterDumpFormat()
-                                                          : velmora::HexDumpFormat();
-  const std::string_view dump(reinterpret_cast<const char*>(data + 1), size - 1);
+  const velmora::InputFormat& format = VELMORA_DUMP_READER == 0   ? velmora::PbxDumpFormat()
+                                       : VELMORA_DUMP_READER == 1 ? velmora::RouterDumpFormat()
+                                                                  : velmora::HexDumpFormat();
+  const std::string_view dump(reinterpret_cast<const char*>(data), size);
   velmora::TranslationOptions full;
   full.detail = velmora::DetailLevel::Full;
   const std::string message = Run(dump, format, full);

@@ -15,7 +15,8 @@ fi
 build_dir=${1:?build directory}
 seconds=${2:?seconds per target}
 source_dir=$(cd "$(dirname "$0")" && pwd)
-targets=(line_handler translation_run element_decoders q931_message capture_input call_tracker frame_json dump_readers)
+targets=(line_handler translation_run element_decoders q931_message capture_input call_tracker frame_json pbx_dump
+         router_dump hex_dump)
 
 mkdir -p "$build_dir/artifacts"
 summary=""
@@ -27,7 +28,7 @@ for target in "${targets[@]}"; do
            -artifact_prefix="$build_dir/artifacts/$target-")
   case $target in
     line_handler | translation_run | frame_json) options+=(-dict="$source_dir/trace.dict" -max_len=8192) ;;
-    dump_readers) options+=(-dict="$source_dir/dumps.dict" -max_len=8192) ;;
+    pbx_dump | router_dump | hex_dump) options+=(-dict="$source_dir/dumps.dict" -max_len=8192) ;;
     capture_input) options+=(-max_len=16384) ;;
   esac
   log="$build_dir/fuzz_$target.log"

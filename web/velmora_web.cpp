@@ -115,7 +115,8 @@ EMSCRIPTEN_KEEPALIVE const char* velmora_outcome_text(int outcome) {
   return text.c_str();
 }
 EMSCRIPTEN_KEEPALIVE int velmora_outcome_is_error(int outcome) {
-  return velmora::DescribeOutcome(static_cast<velmora::TranslationOutcome>(outcome)).icon == velmora::OutcomeIcon::Error;
+  return velmora::DescribeOutcome(static_cast<velmora::TranslationOutcome>(outcome)).icon ==
+         velmora::OutcomeIcon::Error;
 }
 EMSCRIPTEN_KEEPALIVE double velmora_cut_off_messages() { return static_cast<double>(lastReport.cutOffMessages); }
 

@@ -9,6 +9,7 @@
 #include <new>
 #include <utility>
 
+#include "capture_signatures.h"
 #include "frame_line_writer.h"
 #include "lapd_link_types.h"
 #include "line_reader.h"
@@ -163,18 +164,7 @@ std::string LinkTypeRefusal(int linkType) {
 
 class CaptureInputFormat final : public InputFormat {
  public:
-  Recognition Recognise(std::string_view head) const override {
-    // pcap with microsecond and nanosecond time stamps, written on either
-    // byte order, and the pcapng section header block.
-    static constexpr std::string_view kSignatures[] = {"\xa1\xb2\xc3\xd4", "\xd4\xc3\xb2\xa1", "\xa1\xb2\x3c\x4d",
-                                                       "\x4d\x3c\xb2\xa1", "\x0a\x0d\x0d\x0a"};
-    for (const std::string_view signature : kSignatures) {
-      const std::string_view start = head.substr(0, signature.size());
-      if (signature.starts_with(start))
-        return start.size() < signature.size() ? Recognition::NeedMore : Recognition::Yes;
-    }
-    return Recognition::No;
-  }
+  Recognition Recognise(std::string_view head) const override { return RecogniseCaptureSignature(head); }
 
   OpenedInput Open(int fd, std::string_view consumed) const override {
     auto stream = std::make_unique<InputStream>(fd, consumed);

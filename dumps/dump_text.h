@@ -8,7 +8,10 @@
 #include <cstdint>
 #include <memory>
 #include <optional>
+#include <string>
 #include <string_view>
+#include <utility>
+#include <vector>
 
 #include "input_format.h"
 
@@ -59,6 +62,25 @@ inline std::optional<std::uint64_t> NumberAfter(std::string_view text, std::stri
   const auto [end, error] = std::from_chars(text.data() + at, text.data() + text.size(), value);
   if (error != std::errc() || end == text.data() + at) return std::nullopt;
   return value;
+}
+
+// What every reader keeps of the message whose lines it reads.
+struct MessageLines {
+  std::vector<Octet> octets;
+  bool wholeFrame = false;  // from the LAPD address on; else from the protocol discriminator on
+  FrameDirection direction = FrameDirection::Unknown;
+  std::uint64_t firstLine = 0;
+  std::string moment;
+};
+
+// Hands the open message on: its lines move to `closed` (the two swap, so
+// both keep their room for the messages to come) and `message` views them.
+// The reader sets cutOff and commandResponseKnown where they differ.
+template <typename Lines>
+const DumpMessage* HandOn(Lines& open, Lines& closed, DumpMessage& message) {
+  std::swap(closed, open);
+  message = DumpMessage{closed.octets, closed.wholeFrame, closed.direction, closed.firstLine, closed.moment};
+  return &message;
 }
 
 // A debug dump's format: told by one of the input's first whole lines

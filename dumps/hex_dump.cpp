@@ -1,7 +1,5 @@
 #include "hex_dump.h"
 
-#include <utility>
-
 #include "dump_text.h"
 
 namespace velmora {
@@ -63,14 +61,15 @@ bool ReadHexLine(std::string_view line, std::vector<Octet>& octets) {
   return anyGroup;
 }
 
-// A header line: a direction and a time, and no hex line itself. A colon
-// right behind the time ("RX 09:15:03.000:") is the header's own.
-bool IsHeader(std::string_view line, FrameLineFacts& facts, std::vector<Octet>& scratch) {
+// A header line: a direction and a time, and no hex line itself (a text
+// column may hold both), unless `noHexLine` says the caller knows already.
+// A colon right behind the time ("RX 09:15:03.000:") is the header's own.
+bool IsHeader(std::string_view line, FrameLineFacts& facts, std::vector<Octet>& scratch, bool noHexLine) {
   if (line.find(':') == std::string_view::npos) return false;  // no time, whatever else
   facts = ReadFrameLineFacts(line.ends_with(':') ? line.substr(0, line.size() - 1) : line);
   if (facts.direction == FrameDirection::Unknown || !facts.time) return false;
   scratch.clear();
-  return !ReadHexLine(line, scratch);
+  return noHexLine || !ReadHexLine(line, scratch);
 }
 
 }  // namespace
@@ -78,23 +77,19 @@ bool IsHeader(std::string_view line, FrameLineFacts& facts, std::vector<Octet>& 
 const DumpMessage* HexDumpReader::Close() {
   isOpen_ = false;
   if (open_.octets.empty()) return nullptr;  // a header with no hex line behind it
-  std::swap(closed_, open_);
-  message_.octets = closed_.octets;
-  message_.wholeFrame = true;
-  message_.direction = closed_.direction;
-  message_.firstLine = closed_.firstLine;
-  message_.moment = closed_.moment;
-  message_.cutOff = false;  // the dump does not say how long the frame was
-  return &message_;
+  // The dump does not say how long the frame was: never cut off.
+  return dump_text::HandOn(open_, closed_, message_);
 }
 
 const DumpMessage* HexDumpReader::Before(std::string_view line, std::uint64_t lineNumber) {
-  if (isOpen_ && ReadHexLine(line, open_.octets)) return nullptr;
-  const DumpMessage* ended = isOpen_ ? Close() : nullptr;
+  const bool wasOpen = isOpen_;
+  if (wasOpen && ReadHexLine(line, open_.octets)) return nullptr;
+  const DumpMessage* ended = wasOpen ? Close() : nullptr;
   FrameLineFacts facts;
-  if (!IsHeader(line, facts, scratch_)) return ended;
+  if (!IsHeader(line, facts, scratch_, wasOpen)) return ended;
   isOpen_ = true;
   open_.octets.clear();
+  open_.wholeFrame = true;
   open_.direction = facts.direction;
   open_.firstLine = lineNumber;
   MomentText moment;
@@ -111,7 +106,7 @@ namespace {
 bool TellsHexDump(std::string_view line, std::string_view next) {
   std::vector<Octet> octets;
   FrameLineFacts facts;
-  return IsHeader(line, facts, octets) && ReadHexLine(next, octets);
+  return IsHeader(line, facts, octets, false) && ReadHexLine(next, octets);
 }
 
 }  // namespace

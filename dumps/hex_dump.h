@@ -17,6 +17,7 @@
 #include <string_view>
 #include <vector>
 
+#include "dump_text.h"
 #include "input_format.h"
 
 namespace velmora {
@@ -33,17 +34,10 @@ class HexDumpReader final : public MessageDump {
  private:
   const DumpMessage* Close();
 
-  // The frame while its lines are read, and the one handed on last (each
-  // keeps its storage from frame to frame).
-  struct Frame {
-    std::vector<Octet> octets;
-    FrameDirection direction = FrameDirection::Unknown;
-    std::uint64_t firstLine = 0;
-    std::string moment;
-  };
-  Frame open_;
+  // The frame while its lines are read, and the one handed on last.
+  dump_text::MessageLines open_;
   bool isOpen_ = false;
-  Frame closed_;
+  dump_text::MessageLines closed_;
   DumpMessage message_;
   std::vector<Octet> scratch_;  // what a header line reads as hex
 };

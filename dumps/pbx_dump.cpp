@@ -112,13 +112,8 @@ bool PbxDumpReader::Complete() const {
 }
 
 const DumpMessage* PbxDumpReader::Close() {
-  std::swap(closed_, open_);  // the storage of both is kept for the messages to come
   isOpen_ = false;
-  message_.octets = closed_.octets;
-  message_.wholeFrame = closed_.wholeFrame;
-  message_.direction = closed_.direction;
-  message_.firstLine = closed_.firstLine;
-  message_.moment = closed_.moment;
+  dump_text::HandOn(open_, closed_, message_);
   // A frame's Q.931 message, from octet 5 on, against the length its
   // header line announces; a message put together, against the same.
   const std::size_t held =

@@ -23,6 +23,7 @@
 #include <string_view>
 #include <vector>
 
+#include "dump_text.h"
 #include "input_format.h"
 
 namespace velmora {
@@ -31,14 +32,9 @@ namespace velmora {
 const InputFormat& PbxDumpFormat();
 
 // A message while its lines are read.
-struct PbxDumpMessage {
-  std::vector<Octet> octets;
-  bool wholeFrame = false;
+struct PbxDumpMessage : dump_text::MessageLines {
   bool headerSeen = false;               // the "Protocol Discriminator" line
   std::optional<std::size_t> announced;  // len=
-  FrameDirection direction = FrameDirection::Unknown;
-  std::uint64_t firstLine = 0;
-  std::string moment;
 };
 
 // The reader itself, for tests and fuzzing.

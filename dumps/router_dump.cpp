@@ -277,15 +277,10 @@ std::optional<std::string_view> HexGoingOn(std::string_view line) {
 }  // namespace
 
 const DumpMessage* RouterDumpReader::Close() {
-  std::swap(closed_, open_);  // the storage of both is kept for the messages to come
   isOpen_ = false;
-  message_.octets = closed_.octets;
-  message_.wholeFrame = closed_.wholeFrame;
+  dump_text::HandOn(open_, closed_, message_);
+  // A frame from a q921 line's words has no C/R bit of its own.
   message_.commandResponseKnown = !closed_.wholeFrame;
-  message_.direction = closed_.direction;
-  message_.firstLine = closed_.firstLine;
-  message_.moment = closed_.moment;
-  message_.cutOff = false;
   return &message_;
 }
 

@@ -17,6 +17,7 @@
 #include <string>
 #include <vector>
 
+#include "dump_text.h"
 #include "input_format.h"
 
 namespace velmora {
@@ -24,13 +25,9 @@ namespace velmora {
 // The format, for TranslationOptions::inputFormats and forcedFormat.
 const InputFormat& RouterDumpFormat();
 
-// A message while its lines are read.
-struct RouterDumpMessage {
-  std::vector<Octet> octets;
-  FrameDirection direction = FrameDirection::Unknown;
-  std::uint64_t firstLine = 0;
-  std::string moment;
-  bool wholeFrame = false;     // a q921 line's frame; else a q931 message line's message
+// A message while its lines are read: a q921 line's whole frame, or a q931
+// message line's message.
+struct RouterDumpMessage : dump_text::MessageLines {
   bool takesElements = false;  // a q931 message line's: indented element lines follow
   bool hexRunsOn = false;      // a q921 information frame's hex may go on in the next line
 };

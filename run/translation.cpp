@@ -227,21 +227,29 @@ class LineReaderSource final : public PieceSource {
 };
 
 // A whole trace log held in memory: all of it at once, as whole pieces.
+// Text in memory in slices of whole pieces, the hook called before each as
+// before a read of a file, so that the run tells its progress.
 class TextSource final : public PieceSource {
  public:
   explicit TextSource(std::string_view text) : text_(text) {}
   std::optional<std::string_view> NextPieces() override {
-    if (given_ || text_.empty()) return std::nullopt;
-    given_ = true;
-    return text_;
+    if (beforeRead_) beforeRead_();
+    if (at_ == text_.size()) return std::nullopt;
+    const std::string_view slice = text_.substr(at_, kSlice);
+    // Cut behind the slice's last whole piece; only the text's end cuts a piece short.
+    const std::size_t size = WholePiecesLength(slice, at_ + slice.size() < text_.size());
+    at_ += size;
+    return slice.substr(0, size);
   }
-  void SetBeforeRead(std::function<void()>) override {}
-  std::uint64_t BytesRead() const override { return given_ ? text_.size() : 0; }
+  void SetBeforeRead(std::function<void()> beforeRead) override { beforeRead_ = std::move(beforeRead); }
+  std::uint64_t BytesRead() const override { return at_; }
   int Error() const override { return 0; }
 
  private:
+  static constexpr std::size_t kSlice = 4 * 1024 * 1024;
   std::string_view text_;
-  bool given_ = false;
+  std::size_t at_ = 0;
+  std::function<void()> beforeRead_;
 };
 
 TranslationReport& ReportOf(const TranslationOptions& options, TranslationReport& unused) {
@@ -301,22 +309,36 @@ const OutcomeMessage& DescribeOutcome(TranslationOutcome outcome) {
   return kOutcomeMessages[static_cast<int>(outcome)];
 }
 
-TranslationOutcome TranslateTrace(PieceSource& source, ByteSink& output, LinkMemory& link,
-                                  const TranslationOptions& options) {
+namespace {
+
+// The in-memory core, a debug dump read with `dumpFormat`'s reader where it
+// has one.
+TranslationOutcome TranslateTraceAs(PieceSource& source, ByteSink& output, LinkMemory& link,
+                                    const TranslationOptions& options, const InputFormat* dumpFormat) {
   TranslationReport unusedReport;
   TranslationReport& report = ReportOf(options, unusedReport);
   OutputWriter writer(output);
-  const std::unique_ptr<MessageDump> dump = options.forcedFormat != nullptr ? options.forcedFormat->Dump() : nullptr;
+  const std::unique_ptr<MessageDump> dump = dumpFormat != nullptr ? dumpFormat->Dump() : nullptr;
   const bool frameFound = TranslatePieces(source, writer, link, options, false, 0, report, dump.get());
   writer.Flush();
   ReportWrites(writer, 0, report);
   return frameFound ? TranslationOutcome::TranslationDone : TranslationOutcome::NoFrameFound;
 }
 
+}  // namespace
+
+TranslationOutcome TranslateTrace(PieceSource& source, ByteSink& output, LinkMemory& link,
+                                  const TranslationOptions& options) {
+  return TranslateTraceAs(source, output, link, options, options.forcedFormat);
+}
+
 TranslationOutcome TranslateTraceText(std::string_view trace, ByteSink& output, LinkMemory& link,
                                       const TranslationOptions& options) {
   TextSource source(trace);
-  return TranslateTrace(source, output, link, options);
+  const InputFormat* format = options.forcedFormat != nullptr
+                                  ? options.forcedFormat
+                                  : RecognisedFormat(options.inputFormats, trace.substr(0, kRecognitionBytes));
+  return TranslateTraceAs(source, output, link, options, format);
 }
 
 TranslationOutcome TranslateTraceFile(std::string_view inputPath, std::string_view outputPath, LinkMemory& link,

@@ -122,12 +122,17 @@ struct TranslationOptions {
 // The in-memory core: copies and decodes every piece that `source` hands
 // out into `output`, on the calling thread, with no path, file or thread of
 // its own; returns TranslationDone or NoFrameFound. Of the options it takes
-// makeConsumer, stopOnWriteError, progress and report. The link memory is
-// read at the start and left as the last SABME or DISC of the input sets it.
+// makeConsumer, stopOnWriteError, progress, report, detail and forcedFormat
+// (a debug dump's). The link memory is read at the start and left as the
+// last SABME or DISC of the input sets it.
 TranslationOutcome TranslateTrace(PieceSource& source, ByteSink& output, LinkMemory& link,
                                   const TranslationOptions& options = {});
 
-// TranslateTrace of a whole trace log held in memory.
+// TranslateTrace of a whole input held in memory, handed out in slices so
+// that `progress` hears of each. Without forcedFormat, its start tells a
+// debug dump among `inputFormats`, as a file's does; formats read from a
+// descriptor (captures) are not read from memory, and such text is read as
+// a trace log.
 TranslationOutcome TranslateTraceText(std::string_view trace, ByteSink& output, LinkMemory& link,
                                       const TranslationOptions& options = {});
 

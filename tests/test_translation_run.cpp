@@ -2,10 +2,14 @@
 // bytes and errors.
 #include <gtest/gtest.h>
 
+#include <algorithm>
+#include <cstdint>
 #include <filesystem>
 #include <memory>
 #include <string>
+#include <vector>
 
+#include "input_formats.h"
 #include "output_writer.h"
 #include "trace_consumer.h"
 #include "trace_files.h"
@@ -139,6 +143,40 @@ TEST_F(TranslationRun, InMemoryCoreWritesWhatTheFileRunWrites) {
   options.makeConsumer = nullptr;
   EXPECT_EQ(TranslateTraceText("", sink, memoryLink, options), TranslationOutcome::NoFrameFound);
   EXPECT_EQ(text, "");
+}
+
+// Text in memory goes in slices of a few megabytes, cut behind whole
+// pieces, and the run tells its progress between them; a debug dump's
+// start tells its format in memory as in a file.
+TEST_F(TranslationRun, InMemoryCoreSlicesLargeTextAndTellsDumpsByTheirStart) {
+  std::string trace;
+  // Frame lines, and a line of 3000 characters now and then, until past
+  // two slices: some slice ends inside a long line, some inside a frame line.
+  for (int i = 0; trace.size() < 9'000'000; ++i)
+    trace += i % 1000 == 999 ? std::string(3000, 'x') + "\n" : FrameLine("0x00 0x81 0x01 0x02");
+  Write("big.txt", trace);
+  LinkMemory link;
+  TranslationOptions options;
+  ASSERT_EQ(TranslateTraceFile(Path("big.txt"), Path("big.out"), link, options), TranslationOutcome::TranslationDone);
+  std::vector<std::uint64_t> progress;
+  options.progress = [&progress](std::uint64_t bytesRead, std::uint64_t) { progress.push_back(bytesRead); };
+  std::string text;
+  StringSink sink(text);
+  EXPECT_EQ(TranslateTraceText(trace, sink, link, options), TranslationOutcome::TranslationDone);
+  EXPECT_EQ(text, Read("big.out"));
+  ASSERT_GE(progress.size(), 3U);
+  EXPECT_TRUE(std::is_sorted(progress.begin(), progress.end()));
+  EXPECT_EQ(progress.back(), trace.size());
+
+  const std::string dump = testing::ReadAll(std::string(VELMORA_TEST_DATA) + "/dumps/pbx.txt");
+  Write("dump.txt", dump);
+  options = {};
+  options.inputFormats = RecognisedInputFormats();
+  ASSERT_EQ(TranslateTraceFile(Path("dump.txt"), Path("dump.out"), link, options), TranslationOutcome::TranslationDone);
+  text.clear();
+  EXPECT_EQ(TranslateTraceText(dump, sink, link, options), TranslationOutcome::TranslationDone);
+  EXPECT_EQ(text, Read("dump.out"));
+  EXPECT_NE(text.find("Message type:SETUP"), std::string::npos);
 }
 
 }  // namespace

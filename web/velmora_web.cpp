@@ -1,6 +1,7 @@
-// The browser page's side of the in-memory core, on one thread: the page
-// hands in a trace's bytes and takes each output block as the writer
-// flushes it, so that a large message file never sits twice in memory.
+// The browser page's side of the in-memory core, on one thread (the page's
+// worker): the page hands in a trace's bytes and takes each output block
+// as the writer flushes it, so that a large message file never sits twice
+// in memory, and hears how far the run has read.
 #include <emscripten.h>
 
 #include <cstddef>
@@ -11,7 +12,9 @@
 
 #include "call_report.h"
 #include "calls_output.h"
+#include "capture_signatures.h"
 #include "decode_context.h"
+#include "dump_text.h"
 #include "frame_json.h"
 #include "hex_dump.h"
 #include "lapd.h"
@@ -27,6 +30,11 @@ namespace {
 // module's memory, valid during the call only: the page copies it on.
 EM_JS(void, HandOutput, (const char* data, std::size_t size),
       { Module["takeOutput"](HEAPU8.subarray(data, data + size)); });
+
+// The bytes read so far, to Module.onProgress.
+EM_JS(void, HandProgress, (double bytesRead), {
+  if (Module["onProgress"]) Module["onProgress"](bytesRead);
+});
 
 class PageSink final : public velmora::ByteSink {
  public:
@@ -61,23 +69,10 @@ velmora::TraceConsumerFactory ConsumerFor(PageOutput kind, velmora::DetailLevel 
   return nullptr;
 }
 
-// A debug dump's format told by the input's start, as the file front end
-// tells it; null for a trace log. Captures are not among them: libpcap is
-// not built for the browser.
-const velmora::InputFormat* DumpFormatOf(std::string_view input) {
-  const std::string_view head = input.substr(0, velmora::kRecognitionBytes);
-  for (const velmora::InputFormat* format :
-       {&velmora::PbxDumpFormat(), &velmora::RouterDumpFormat(), &velmora::HexDumpFormat()})
-    if (format->Recognise(head) == velmora::Recognition::Yes) return format;
-  return nullptr;
-}
-
-bool IsCapture(std::string_view input) {
-  if (input.size() < 4) return false;
-  const std::string_view magic = input.substr(0, 4);
-  return magic == "\xa1\xb2\xc3\xd4" || magic == "\xd4\xc3\xb2\xa1" || magic == "\xa1\xb2\x3c\x4d" ||
-         magic == "\x4d\x3c\xb2\xa1" || magic == "\x0a\x0d\x0d\x0a";
-}
+// The debug dumps the page reads besides trace logs: the file front end's
+// formats but captures, as libpcap is not built for the browser.
+const std::vector<const velmora::InputFormat*> kPageFormats = {&velmora::PbxDumpFormat(), &velmora::RouterDumpFormat(),
+                                                               &velmora::HexDumpFormat()};
 
 velmora::TranslationReport lastReport;
 
@@ -92,13 +87,14 @@ extern "C" {
 EMSCRIPTEN_KEEPALIVE int velmora_translate(const char* input, std::size_t size, int kind, int detail,
                                            const char* name) {
   const std::string_view text(input, size);
-  if (IsCapture(text)) return -1;
+  if (velmora::RecogniseCaptureSignature(text) == velmora::Recognition::Yes) return -1;
   velmora::TranslationOptions options;
   options.detail = detail != 0 ? velmora::DetailLevel::Full : velmora::DetailLevel::Description;
   options.makeConsumer = ConsumerFor(static_cast<PageOutput>(kind), options.detail, name);
-  options.forcedFormat = DumpFormatOf(text);
+  options.inputFormats = kPageFormats;
   lastReport = {};
   options.report = &lastReport;
+  options.progress = [](std::uint64_t bytesRead, std::uint64_t) { HandProgress(static_cast<double>(bytesRead)); };
   PageSink sink;
   // Each translation starts afresh, as one run of the command line does: the
   // page translates the same input again for each download, and every
@@ -127,17 +123,15 @@ EMSCRIPTEN_KEEPALIVE double velmora_cut_off_messages() { return static_cast<doub
 EMSCRIPTEN_KEEPALIVE int velmora_decode_message(const char* text, std::size_t size, int detail) {
   std::vector<velmora::Octet> octets;
   const std::string_view hex(text, size);
-  const auto value = [](char c) {
-    return c >= '0' && c <= '9' ? c - '0' : (c | 0x20) >= 'a' && (c | 0x20) <= 'f' ? (c | 0x20) - 'a' + 10 : -1;
-  };
+  using velmora::dump_text::HexValue;
   for (std::size_t at = 0; at < hex.size();) {
     const char c = hex[at];
     if (c == ' ' || c == '\t' || c == '\n' || c == '\r' || c == ',') {
       ++at;
     } else if (c == '0' && at + 1 < hex.size() && (hex[at + 1] | 0x20) == 'x') {
       at += 2;
-    } else if (at + 1 < hex.size() && value(c) >= 0 && value(hex[at + 1]) >= 0) {
-      octets.push_back(static_cast<velmora::Octet>(value(c) * 16 + value(hex[at + 1])));
+    } else if (at + 1 < hex.size() && HexValue(c) >= 0 && HexValue(hex[at + 1]) >= 0) {
+      octets.push_back(static_cast<velmora::Octet>(HexValue(c) * 16 + HexValue(hex[at + 1])));
       at += 2;
     } else {
       return 0;

@@ -14,7 +14,7 @@ line; a capture is turned away with a message; the page made no request
 but for itself, and its console holds no error. With --speed, a trace of
 50 MB translated by the page and by that velmora (an optimised build) on
 one thread writing the message file: the ratio of their times, printed
-beside its goal of 4. Without a browser it exits 77 (skipped).
+beside its goal of 4; and the page's worker tells its progress meanwhile. Without a browser it exits 77 (skipped).
 """
 import base64
 import json
@@ -126,6 +126,10 @@ def check_speed(page, native_binary, trace, work):
     choose_file(page, big)
     timed = ("(() => { const start = performance.now(); return window.velmora.translate(page.input, 'message')"
              ".then(() => (performance.now() - start) / 1000); })()")
+    # The worker tells its progress while it reads a trace of this size.
+    reports = page.evaluate("(() => { let count = 0; return worker.start({ bytes: page.input, kind: 0, whole: true },"
+                            " () => {}, () => { count++; }).then(() => count); })()")
+    expect(reports >= 3, f"{reports} progress reports for {len(data) * (50_000_000 // len(data) + 1)} bytes")
     page_seconds = [page.evaluate(timed) for _ in range(3)]
     ratio = min(page_seconds) / min(native_seconds)
     size = os.path.getsize(big) / 1e6
